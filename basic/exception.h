@@ -1,0 +1,26 @@
+#pragma once
+
+#include "basic/export.h"
+#include "basic/types.h"
+
+namespace basic {
+
+/// The root of the exceptions of `basic` and `nio`: a plain value. A handler for `std::exception` does not catch it.
+class SOCLE_API exception {
+public:
+    explicit exception(narrow_string const & message);
+    exception(exception const &);
+    exception & operator=(exception const &);
+    ~exception();
+
+    narrow_string const & message() const noexcept { return message_; }
+
+protected:
+    /// For a class that adds to the words while it is made.
+    void message(narrow_string const & words) { message_ = words; }
+
+private:
+    narrow_string message_;
+};
+
+} // namespace basic

@@ -1,0 +1,22 @@
+include(CMakePackageConfigHelpers)
+
+set(socle_package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/socle")
+
+install(
+    TARGETS socle
+    EXPORT socle
+    FILE_SET HEADERS
+    DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/socle"
+)
+install(EXPORT socle NAMESPACE socle:: FILE socleConfig.cmake DESTINATION "${socle_package_dir}")
+
+write_basic_package_version_file(
+    "${PROJECT_BINARY_DIR}/socleConfigVersion.cmake"
+    COMPATIBILITY SameMinorVersion
+)
+install(FILES "${PROJECT_BINARY_DIR}/socleConfigVersion.cmake" DESTINATION "${socle_package_dir}")
+
+# Relative to where the file lies, so that an installed tree can be moved.
+file(RELATIVE_PATH socle_pc_prefix "/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/")
+configure_file(cmake/socle.pc.in "${PROJECT_BINARY_DIR}/socle.pc" @ONLY)
+install(FILES "${PROJECT_BINARY_DIR}/socle.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")

@@ -1,0 +1,16 @@
+#pragma once
+
+#include "basic/exception.h"
+
+namespace nio {
+
+/// Raised by the wide family. Like its base, no `std::exception`.
+class SOCLE_API exception : public basic::exception {
+public:
+    explicit exception(narrow_string const & message);
+    exception(exception const &);
+    exception & operator=(exception const &);
+    ~exception();
+};
+
+} // namespace nio

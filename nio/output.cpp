@@ -1,0 +1,33 @@
+#include "nio/output.h"
+
+namespace nio {
+
+output::~output() = default;
+
+void output::begin() {}
+
+void output::end() {}
+
+void output::write(unsigned char byte) {
+    char const data = static_cast<char>(byte);
+    write(&data, 1);
+}
+
+void output::flush() {}
+
+uint64 output::tell() const { return position_; }
+
+bool output::seek(uint64) { return false; }
+
+uint64 output::size() const { return position_; }
+
+infinite_output::~infinite_output() = default;
+
+void infinite_output::write(char const *, uint32 size) { position(position() + size); }
+
+bool infinite_output::seek(uint64 where) {
+    position(where);
+    return true;
+}
+
+} // namespace nio

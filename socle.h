@@ -1,0 +1,17 @@
+#pragma once
+
+// Every public header of the library.
+
+#include "any/exception.h"
+#include "basic/exception.h"
+#include "basic/export.h"
+#include "basic/types.h"
+#include "command/exception.h"
+#include "io/exception.h"
+#include "nio/blocks.h"
+#include "nio/exception.h"
+#include "nio/input.h"
+#include "nio/output.h"
+#include "qpthr/exception.h"
+#include "stream/exception.h"
+#include "un/exception.h"
