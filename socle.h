@@ -14,4 +14,7 @@
 #include "nio/output.h"
 #include "qpthr/exception.h"
 #include "stream/exception.h"
+#include "un/digits.h"
 #include "un/exception.h"
+#include "un/parser.h"
+#include "un/tokenizer.h"
