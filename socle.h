@@ -3,6 +3,7 @@
 // Every public header of the library.
 
 #include "any/exception.h"
+#include "any/utf8_coder.h"
 #include "basic/exception.h"
 #include "basic/export.h"
 #include "basic/types.h"
