@@ -63,7 +63,8 @@ TEST(ClonedException, ClonesAsItselfAndRaisesByTheTable) {
          {row{user, typeid(user)}, row{un, typeid(un)}, row{stream, typeid(stream)}, row{io, typeid(io)},
           row{any, typeid(un::exception)}, row{command, typeid(un::exception)}}) {
         std::unique_ptr<qpthr::QpClonedException> const clone(original.Clone());
-        EXPECT_EQ(typeid(*clone), typeid(original));
+        qpthr::QpClonedException const & copy = *clone;
+        EXPECT_EQ(typeid(copy), typeid(original));
         EXPECT_EQ(thrown<std::exception>([&] { clone->Raise(); }), raised) << typeid(original).name();
         try {
             clone->Raise();
