@@ -12,19 +12,16 @@ if [ -e "$host_header" ]; then
 fi
 about='(vtable for |VTT for |typeinfo for |typeinfo name for |construction vtable for |(non-)?virtual thunk to )'
 ours="^$about?(($families)::|platform::(${host:-none})\()"
-# What the compiler makes of the standard library's templates is weak, and is named by us only in its arguments.
-standard='^([^(<]* )?(std|__gnu_cxx)::|^operator (new|delete)|^(typeinfo for|typeinfo name for|vtable for) std::'
+# What the compiler makes of the standard library's templates, with or without a result type in front.
+standard="^($about|guard variable for |[^(<]* )?(std|__gnu_cxx)::"
 
 symbols=$("$nm" -DC --defined-only "$library")
 grep -q ' un::exception::~exception()$' <<<"$symbols" || { echo "no symbol table of ours in $library"; exit 1; }
 
+names=$(sed 's/^[0-9a-f]* . //' <<<"$symbols" | sort -u)
 foreign=$(
-    sed 's/^[0-9a-f]* //' <<<"$symbols" | {
-        grep -vE "^[TVWBDRu] ${ours#^}" || true
-    } | {
-        grep -vE "^[VW] ${standard#^}" || true
-    }
-    sed 's/^[0-9a-f]* . //' <<<"$symbols" | grep -E '\balgorithm::' || true
+    grep -vE "$ours|$standard" <<<"$names" || true
+    grep -E '\balgorithm::' <<<"$names" || true
 )
 if [ -n "$foreign" ]; then
     printf 'exported, but no part of a public family:\n%s\n' "$foreign"
