@@ -16,6 +16,12 @@ bool input::seek(uint64) { return false; }
 
 uint64 input::size() const { return all_ones; }
 
+bool input::_ours() const { return false; }
+
+std::span<char const> input::_lend() { return {}; }
+
+void input::_take(uint64) {}
+
 infinite_input::infinite_input(char fill) : fill_(fill) {}
 
 infinite_input::~infinite_input() = default;

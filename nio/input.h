@@ -3,6 +3,8 @@
 #include "basic/export.h"
 #include "basic/types.h"
 
+#include <span>
+
 namespace nio {
 
 /// The root of every byte source.
@@ -40,6 +42,14 @@ protected:
     void position(uint64 where) noexcept { position_ = where; }
 
 private:
+    friend struct lending;
+
+    // How a fast path of the library reaches bytes that a stream of the library already holds. A caller's own class
+    // keeps these as they are, and so is always asked through the operations above.
+    virtual bool _ours() const;
+    virtual std::span<char const> _lend();
+    virtual void _take(uint64 count);
+
     uint64 position_ = 0;
 };
 

@@ -21,6 +21,12 @@ bool output::seek(uint64) { return false; }
 
 uint64 output::size() const { return position_; }
 
+bool output::_ours() const { return false; }
+
+std::span<char> output::_room() { return {}; }
+
+void output::_use(uint64) {}
+
 infinite_output::~infinite_output() = default;
 
 void infinite_output::write(char const *, uint32 size) { position(position() + size); }

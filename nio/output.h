@@ -3,6 +3,8 @@
 #include "basic/export.h"
 #include "basic/types.h"
 
+#include <span>
+
 namespace nio {
 
 /// The root of every byte sink.
@@ -42,6 +44,14 @@ protected:
     void position(uint64 where) noexcept { position_ = where; }
 
 private:
+    friend struct lending;
+
+    // How a fast path of the library reaches the room that a stream of the library has. A caller's own class keeps
+    // these as they are, and so is always asked through the operations above.
+    virtual bool _ours() const;
+    virtual std::span<char> _room();
+    virtual void _use(uint64 count);
+
     uint64 position_ = 0;
 };
 

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "basic/types.h"
+
+namespace nio {
+
+/// A place in memory that a stream of the library reads from or writes to, open for single bytes while `next` is below
+/// `limit`. `next` always holds the place; `limit` is 0 while every operation has to go the long way. A copy of a
+/// stream starts closed, since only the class that holds the memory may open it.
+template <class Byte>
+struct memory {
+    memory() = default;
+    memory(Byte * first, uint64 start) : bytes(first), next(start) {}
+    memory(memory const & other) : bytes(other.bytes), next(other.next) {}
+    memory & operator=(memory const & other) {
+        bytes = other.bytes;
+        next = other.next;
+        limit = 0;
+        return *this;
+    }
+    ~memory() = default;
+
+    bool open() const noexcept { return next < limit; }
+
+    Byte * bytes = nullptr;
+    uint64 next = 0;
+    uint64 limit = 0;
+};
+
+} // namespace nio

@@ -1,0 +1,67 @@
+#pragma once
+
+#include "stream/direct_input.h"
+
+namespace stream {
+
+/// Reads whole integers in a stated byte order.
+///
+/// The end of the stream raises nothing here. `read8` then gives 0xFF. Where the order is the host's, each missing byte
+/// of a value is 0xFF; otherwise each missing byte sets every bit from its place upward, in the 32-bit word it belongs
+/// to. A reader that must not run past the end stands on a `stream::safe_input`.
+class SOCLE_API endian_input : public direct_input {
+public:
+    explicit endian_input(input & stream);
+    endian_input(endian_input const &) = default;
+    endian_input & operator=(endian_input const &) = default;
+    ~endian_input() override;
+
+    virtual unsigned char read8();
+    virtual uint16 read16() = 0;
+    /// Three bytes, in bits 23 to 0.
+    virtual uint32 read24() = 0;
+    virtual uint32 read32() = 0;
+    virtual uint64 read64() = 0;
+
+protected:
+    bool host_big_endian() const noexcept { return host_big_endian_; }
+
+private:
+    bool host_big_endian_;
+};
+
+/// The high byte comes first.
+class SOCLE_API big_endian_input : public endian_input {
+public:
+    explicit big_endian_input(input & stream);
+    big_endian_input(big_endian_input const &) = default;
+    big_endian_input & operator=(big_endian_input const &) = default;
+    ~big_endian_input() override;
+
+    uint16 read16() override;
+    uint32 read24() override;
+    uint32 read32() override;
+    uint64 read64() override;
+
+private:
+    bool _ours() const override;
+};
+
+/// The low byte comes first.
+class SOCLE_API little_endian_input : public endian_input {
+public:
+    explicit little_endian_input(input & stream);
+    little_endian_input(little_endian_input const &) = default;
+    little_endian_input & operator=(little_endian_input const &) = default;
+    ~little_endian_input() override;
+
+    uint16 read16() override;
+    uint32 read24() override;
+    uint32 read32() override;
+    uint64 read64() override;
+
+private:
+    bool _ours() const override;
+};
+
+} // namespace stream

@@ -1,0 +1,63 @@
+#pragma once
+
+#include "stream/filter_output.h"
+
+namespace stream {
+
+/// Writes whole integers in a stated byte order, straight to the stream beneath.
+class SOCLE_API endian_output : public filter_output {
+public:
+    explicit endian_output(output & stream);
+    endian_output(endian_output const &) = default;
+    endian_output & operator=(endian_output const &) = default;
+    ~endian_output() override;
+
+    virtual void write8(unsigned char value);
+    virtual void write16(uint16 value) = 0;
+    /// Three bytes, bits 23 to 0; the others are ignored.
+    virtual void write24(uint32 value) = 0;
+    virtual void write32(uint32 value) = 0;
+    virtual void write64(uint64 value) = 0;
+
+protected:
+    bool host_big_endian() const noexcept { return host_big_endian_; }
+
+private:
+    bool host_big_endian_;
+};
+
+/// The high byte goes first.
+class SOCLE_API big_endian_output : public endian_output {
+public:
+    explicit big_endian_output(output & stream);
+    big_endian_output(big_endian_output const &) = default;
+    big_endian_output & operator=(big_endian_output const &) = default;
+    ~big_endian_output() override;
+
+    void write16(uint16 value) override;
+    void write24(uint32 value) override;
+    void write32(uint32 value) override;
+    void write64(uint64 value) override;
+
+private:
+    bool _ours() const override;
+};
+
+/// The low byte goes first.
+class SOCLE_API little_endian_output : public endian_output {
+public:
+    explicit little_endian_output(output & stream);
+    little_endian_output(little_endian_output const &) = default;
+    little_endian_output & operator=(little_endian_output const &) = default;
+    ~little_endian_output() override;
+
+    void write16(uint16 value) override;
+    void write24(uint32 value) override;
+    void write32(uint32 value) override;
+    void write64(uint64 value) override;
+
+private:
+    bool _ours() const override;
+};
+
+} // namespace stream
