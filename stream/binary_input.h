@@ -1,0 +1,18 @@
+#pragma once
+
+#include "nio/bit_input.h"
+
+namespace stream {
+
+/// Carries the bit reader through which `any::read` takes integers from a source, which must outlive it.
+class binary_input {
+public:
+    explicit binary_input(nio::input & source) noexcept : bits_(source) {}
+
+    nio::bit_input<1, 0, 1> & bits() noexcept { return bits_; }
+
+private:
+    nio::bit_input<1, 0, 1> bits_;
+};
+
+} // namespace stream
