@@ -21,6 +21,7 @@
 #include "nio/integer_codes.h"
 #include "nio/memory.h"
 #include "nio/output.h"
+#include "nio/path.h"
 #include "qpthr/exception.h"
 #include "stream/array_input.h"
 #include "stream/array_output.h"
