@@ -25,16 +25,14 @@ bool lent_value(input & in, bool big, uint64 & value) {
     return true;
 }
 
-/// The value in one block, into memory as the host keeps it.
+/// The value from one block read; a byte that does not come is 0xFF.
 template <int width>
 uint64 block_value(input & in, bool big) {
     unsigned char bytes[width];
-    for (auto & byte : bytes)
-        byte = 0xFF;
-    in.read(reinterpret_cast<char *>(bytes), width);
+    int const got = static_cast<int>(in.read(reinterpret_cast<char *>(bytes), width));
     uint64 value = 0;
     for (int i = 0; i < width; ++i)
-        value |= uint64(bytes[i]) << shift_of(i, width, big);
+        value |= uint64(i < got ? bytes[i] : 0xFF) << shift_of(i, width, big);
     return value;
 }
 

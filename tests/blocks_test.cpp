@@ -1,11 +1,75 @@
 #include "nio/blocks.h"
+#include "stream/vector_input.h"
+#include "tests/support/streams.h"
 
 #include <gtest/gtest.h>
 
 namespace {
-TEST(Blocks, Fill) {
-    nio::infinite_output out;
-    nio::fill(out, 5, 'x', 2);
-    EXPECT_EQ(out.tell(), 5u);
+
+struct copying {
+    char const * name;
+    uint64 available, count;
+    uint32 buffer_size;
+    uint64 copied;
+    std::vector<uint32> asked, written;
+};
+
+TEST(Blocks, CopyAsksAndWritesInBlocks) {
+    copying const table[] = {
+        {"nothing", 30, 0, 64, 0, {}, {}},
+        {"one short block ends it", 30, 100, 64, 30, {64}, {30}},
+        {"a full block does not end it", 200, 100, 50, 100, {50, 50}, {50, 50}},
+        {"the last block is what is left", 200, 100, 64, 100, {64, 36}, {64, 36}},
+        {"the end on a block boundary is written too", 64, 100, 64, 64, {64, 36}, {64, 0}},
+        {"a block of 0 counts as 1", 3, 2, 0, 2, {1, 1}, {1, 1}},
+    };
+    for (auto const & c : table) {
+        support::fragment_source from({std::string(c.available, 'x')});
+        support::recording_target to;
+        EXPECT_EQ(nio::copy(from, to, c.count, c.buffer_size), c.copied) << c.name;
+        EXPECT_EQ(from.asked, c.asked) << c.name;
+        EXPECT_EQ(to.writes, c.written) << c.name;
+    }
 }
+
+TEST(Blocks, SkipReadsWhatItDropsAndFillAlwaysArrives) {
+    support::fragment_source from({"abcdef"});
+    EXPECT_EQ(nio::skip(from, 4, 3), 4u);
+    EXPECT_EQ(from.asked, (std::vector<uint32>{3, 1}));
+    EXPECT_EQ(nio::skip(from, 4, 65536), 2u);
+
+    support::recording_target to;
+    nio::fill(to, 0, 'f', 65536);
+    EXPECT_TRUE(to.writes.empty());
+    nio::fill(to, 65537, 'f', 65536);
+    EXPECT_EQ(to.writes, (std::vector<uint32>{65536, 1}));
+    EXPECT_EQ(to.data, std::string(65537, 'f'));
+}
+
+TEST(Blocks, TotalsPassThirtyTwoBits) {
+    nio::infinite_input zeros('\0');
+    nio::infinite_output nowhere;
+    uint64 const count = (uint64(1) << 32) + 5;
+    EXPECT_EQ(nio::copy(zeros, nowhere, count, 0x4000000), count);
+    EXPECT_EQ(nowhere.tell(), count);
+    EXPECT_EQ(nowhere.size(), count);
+    EXPECT_EQ(zeros.tell(), count);
+    EXPECT_EQ(zeros.size(), all_ones);
+    EXPECT_TRUE(zeros.seek(7) && nowhere.seek(9));
+    EXPECT_EQ(zeros.tell(), 7u);
+    EXPECT_EQ(nowhere.tell(), 9u);
+}
+
+TEST(Blocks, ALyingSourceIsNotBelieved) {
+    struct liar : nio::input {
+        uint32 read(char * buffer, uint32 count) override {
+            std::fill_n(buffer, count, 'l');
+            return all_ones & 0xFFFFFFFF;
+        }
+    } from;
+    support::recording_target to;
+    EXPECT_EQ(nio::copy(from, to, 20, 8), 20u);
+    EXPECT_EQ(to.data, std::string(20, 'l'));
+}
+
 } // namespace

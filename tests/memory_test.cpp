@@ -1,0 +1,231 @@
+#include "stream/array_input.h"
+#include "stream/array_output.h"
+#include "stream/vector_input.h"
+#include "stream/vector_output.h"
+#include "tests/support/streams.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using support::bytes;
+using support::raised;
+using support::recording_target;
+using support::rest;
+using support::text;
+
+struct open_array_input : stream::array_input {
+    using array_input::_copy;
+    using array_input::array_input;
+};
+
+uint64 const too_much = uint64(1) << 32;
+
+TEST(MemoryInput, StartsAnywhereAndEndsWithTheBlock) {
+    char const data[] = "abcdef";
+    byte_vector const vector = bytes("abcdef");
+    struct {
+        uint32 start;
+        char const * rest;
+    } const table[] = {{0, "abcdef"}, {5, "f"}, {6, ""}, {9, ""}, {0xFFFFFFFF, ""}};
+    for (auto const & c : table) {
+        stream::array_input array(data, 6, c.start);
+        stream::vector_input over_vector(vector, c.start);
+        for (stream::input * in : {static_cast<stream::input *>(&array), static_cast<stream::input *>(&over_vector)}) {
+            EXPECT_EQ(in->tell(), c.start);
+            EXPECT_EQ(in->size(), 6u);
+            EXPECT_EQ(rest(*in), c.rest);
+            EXPECT_EQ(in->read(), -1);
+            EXPECT_EQ(in->skip(10), 0u);
+            EXPECT_EQ(in->tell(), std::max(c.start, 6u));
+        }
+    }
+}
+
+TEST(MemoryInput, SkipsNoMoreThanThirtyTwoBits) {
+    stream::array_input none(nullptr, 0);
+    EXPECT_EQ(raised([&] { none.skip(too_much); }),
+              "stream::array_input: cannot skip more than the maximum array size");
+    EXPECT_EQ(none.skip(too_much - 1), 0u);
+    byte_vector const vector(5);
+    stream::vector_input in(vector, 2);
+    EXPECT_EQ(raised([&] { in.skip(too_much); }),
+              "stream::vector_input: cannot skip more than the maximum vector size");
+    EXPECT_EQ(in.skip(too_much - 1), 3u);
+}
+
+TEST(MemoryInput, CopiesOutOfAnArrayStayInPlace) {
+    open_array_input in("abcdef", 6, 2);
+    recording_target out;
+    EXPECT_EQ(in._copy(out, 3), 3u);
+    EXPECT_EQ(out.data, "cde");
+    EXPECT_EQ(out.writes, (std::vector<uint32>{3}));
+    EXPECT_EQ(in._copy(out, 0), 0u);
+    EXPECT_EQ(out.flushes, 2);
+    EXPECT_EQ(in.tell(), 2u);
+    std::string const too_far = "stream::array_input: cannot copy more data than the array contains";
+    EXPECT_EQ(raised([&] { in._copy(out, 5); }), too_far);
+    EXPECT_EQ(raised([&] { in._copy(out, all_ones); }), too_far);
+    EXPECT_EQ(raised([&] { in._copy(out, too_much); }),
+              "stream::array_input: cannot copy more than the maximum array size");
+    open_array_input beyond("ab", 2, 9);
+    EXPECT_EQ(raised([&] { beyond._copy(out, 1); }), too_far);
+}
+
+TEST(MemoryInput, CopyToLeavesAVectorButEmptiesAnArray) {
+    byte_vector const vector = bytes("abc");
+    stream::vector_input in(vector, 1);
+    stream::array_input array("abc", 3, 1);
+    recording_target out;
+    EXPECT_EQ(in.copy_to(out), 2u);
+    EXPECT_EQ(in.copy_to(out), 2u);
+    EXPECT_EQ(array.copy_to(out), 2u);
+    EXPECT_EQ(array.copy_to(out), 0u);
+    EXPECT_EQ(out.data, "bcbcbc");
+}
+
+TEST(MemoryInput, AVectorMayChangeUnderItsStream) {
+    byte_vector vector = bytes("abcdef");
+    stream::vector_input in(vector);
+    EXPECT_EQ(in.read(), 'a');
+    vector = bytes("uvwxyz and much more, in another place of memory");
+    EXPECT_EQ(in.read(), 'v');
+    vector.resize(1);
+    EXPECT_EQ(in.read(), -1);
+    char block[4];
+    EXPECT_EQ(in.read(block, 4), 0u);
+    recording_target out;
+    EXPECT_EQ(in.copy_to(out), 0u);
+    EXPECT_EQ(in.tell(), 2u);
+}
+
+TEST(MemoryInput, AssignmentTakesThePlaceAndTheBytesGivenBack) {
+    stream::array_input one("abc", 3), two("uvwxyz", 6, 1);
+    EXPECT_EQ(two.read(), 'v');
+    EXPECT_EQ(one.read(), 'a');
+    two.unread("!", 1);
+    one = two;
+    EXPECT_EQ(rest(one), "!wxyz");
+    EXPECT_EQ(rest(two), "!wxyz");
+    EXPECT_EQ(one.size(), 6u);
+}
+
+TEST(ArrayOutput, StoresWhatFits) {
+    std::string memory(6, '.');
+    stream::array_output out(memory.data(), 6, 2);
+    std::string const full = "stream::array_output: cannot write past the end of a fixed-size buffer";
+    out.write("", 0);
+    EXPECT_EQ(raised([&] { out.write("0123456789", 10); }), full);
+    EXPECT_EQ(memory, "..0123");
+    EXPECT_EQ(out.tell(), 6u);
+    EXPECT_EQ(raised([&] { out.write('x'); }), full);
+    out.resize(6);
+    for (uint64 const size : {0u, 5u, 7u})
+        EXPECT_EQ(raised([&] { out.resize(size); }), "stream::array_output: cannot resize its buffer");
+    stream::array_output beyond(memory.data(), 6, 8);
+    EXPECT_EQ(raised([&] { beyond.write('x'); }), full);
+    EXPECT_EQ(raised([&] { beyond.write("x", 1); }), full);
+    // A block from its own memory goes byte by byte.
+    un::array<char> whole(memory.data(), 6);
+    stream::array_output own(whole, 3);
+    own.write(memory.data() + 2, 3);
+    EXPECT_EQ(memory, "..0000");
+}
+
+TEST(ArrayOutput, CopiesASourceThatFits) {
+    std::string memory(6, '.');
+    stream::array_output out(memory.data(), 6, 2);
+    std::string const too_large = "stream::array_output: input stream is too large to copy into the array";
+    byte_vector const data = bytes("abcde");
+    stream::vector_input five(data), four(data, 1);
+    EXPECT_EQ(raised([&] { out.copy_from(five); }), too_large);
+    byte_vector const short_data = bytes("wxyz");
+    stream::vector_input read_on(short_data, 1);
+    out.copy_from(read_on); // asks for the length of the whole source, gets what is left
+    EXPECT_EQ(memory, "..xyz.");
+    EXPECT_EQ(out.tell(), 5u);
+    support::huge_source huge;
+    EXPECT_EQ(raised([&] { out.copy_from(huge); }), too_large);
+    struct endless : support::huge_source {
+        uint64 size() const override { return all_ones; }
+    } source;
+    EXPECT_EQ(raised([&] { out.copy_from(source); }), too_large);
+}
+
+TEST(VectorOutput, OverwritesThenGrows) {
+    byte_vector vector = bytes("abcde");
+    stream::vector_output out(vector);
+    out.write("01", 2);
+    EXPECT_EQ(text(vector), "01cde");
+    out.write("234567", 6);
+    EXPECT_EQ(text(vector), "01234567");
+    out.write('8');
+    out.write(nullptr, 0);
+    EXPECT_EQ(text(vector), "012345678");
+    EXPECT_EQ(out.size(), 9u);
+    vector.resize(3);
+    out.write("9", 1);
+    EXPECT_EQ(text(vector), std::string("012\0\0\0\0\0\0"
+                                        "9",
+                                        10));
+}
+
+TEST(VectorOutput, StartsPastTheEnd) {
+    byte_vector vector = bytes("ab");
+    stream::vector_output block(vector, 4);
+    block.write("xy", 2);
+    EXPECT_EQ(text(vector), std::string("ab\0\0xy", 6));
+    stream::vector_output single(vector, 9);
+    single.write('z');
+    EXPECT_EQ(text(vector), std::string("ab\0\0xyz", 7));
+    EXPECT_EQ(single.tell(), 10u);
+    byte_vector const data = bytes("123");
+    stream::vector_input in(data);
+    single.copy_from(in);
+    EXPECT_EQ(text(vector), std::string("ab\0\0xyz\0\0\0"
+                                        "123",
+                                        13));
+}
+
+TEST(VectorOutput, CopyGrowsFromTheEnd) {
+    byte_vector vector = bytes("abcdef");
+    stream::vector_output out(vector, 2);
+    byte_vector const data = bytes("123");
+    stream::vector_input in(data);
+    out.copy_from(in);
+    EXPECT_EQ(text(vector), std::string("ab123f\0\0\0", 9));
+    EXPECT_EQ(out.tell(), 5u);
+    std::string const too_large = "stream::vector_output: input stream is too large to copy into the vector";
+    support::huge_source just_too_much(0xFFFFFFFF - 8), huge;
+    EXPECT_EQ(raised([&] { out.copy_from(just_too_much); }), too_large);
+    EXPECT_EQ(raised([&] { out.copy_from(huge); }), too_large);
+    EXPECT_EQ(vector.size(), 9u);
+}
+
+TEST(VectorOutput, TakesBlocksFromItsOwnVector) {
+    byte_vector vector = bytes("abc");
+    vector.shrink_to_fit();
+    stream::vector_output out(vector, 3);
+    out.write(reinterpret_cast<char const *>(vector.data()), 3);
+    stream::vector_input in(vector);
+    EXPECT_EQ(in.copy_to(out), 6u);
+    EXPECT_EQ(text(vector), "abcabcabcabc");
+    stream::vector_output overlapping(vector, 1);
+    overlapping.write(reinterpret_cast<char const *>(vector.data()), 4);
+    EXPECT_EQ(text(vector), "aabcacabcabc");
+}
+
+TEST(VectorOutput, ResizesTheVectorButNotBelowThePosition) {
+    byte_vector vector(10, 'x');
+    stream::vector_output out(vector, 4);
+    EXPECT_EQ(raised([&] { out.resize(3); }), "stream::vector_output: I do not truncate the stream");
+    out.resize(4);
+    EXPECT_EQ(vector.size(), 10u);
+    out.resize(6);
+    EXPECT_EQ(vector.size(), 6u);
+    out.resize(8);
+    EXPECT_EQ(text(vector), std::string("xxxxxx\0\0", 8));
+    EXPECT_EQ(out.tell(), 4u);
+}
+
+} // namespace

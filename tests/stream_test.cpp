@@ -1,0 +1,260 @@
+#include "stream/array_output.h"
+#include "stream/direct_input.h"
+#include "stream/vector_input.h"
+#include "stream/vector_output.h"
+#include "tests/support/streams.h"
+
+#include <gtest/gtest.h>
+
+#include <optional>
+
+// The contract that all byte streams share: pushback, marks, skips and copies, on a caller's class and on one of ours.
+
+namespace {
+
+using support::failure;
+using support::fragment_source;
+using support::raised;
+using support::recording_target;
+using support::rest;
+
+/// A sequential source of the caller's, and a stream of ours, over the same bytes.
+struct sources {
+    explicit sources(std::string const & data)
+        : own(std::vector<std::string>{data}), held(support::bytes(data)), library(held) {}
+
+    template <class Act>
+    void each(Act act) {
+        {
+            SCOPED_TRACE("a caller's class");
+            act(static_cast<stream::input &>(own));
+        }
+        SCOPED_TRACE("a class of the library");
+        act(static_cast<stream::input &>(library));
+    }
+
+    fragment_source own;
+    byte_vector held;
+    stream::vector_input library;
+};
+
+TEST(Input, ByteFFIsNotTheEnd) {
+    sources("\xFF").each([](stream::input & in) {
+        EXPECT_EQ(in.read(), 255);
+        EXPECT_EQ(in.read(), -1);
+        EXPECT_EQ(in.read(), -1);
+        in.unread('\xFF');
+        EXPECT_EQ(in.read(), 255);
+    });
+}
+
+TEST(Input, WhatWasGivenBackComesFirst) {
+    sources("abcdefghij").each([](stream::input & in) {
+        char block[16];
+        ASSERT_EQ(in.read(block, 4), 4u);
+        in.mark();
+        in.unread("XYZ", 3);
+        EXPECT_EQ(in.tell(), 1u);
+        EXPECT_EQ(in.drift(), all_ones - 2);
+        EXPECT_EQ(in.read(block, 0), 0u);
+        EXPECT_EQ(in.read(), 'X');
+        in.unread('x');
+        EXPECT_EQ(in.read(block, 2), 2u);
+        EXPECT_EQ(std::string(block, 2), "xY");
+        // More than was taken: the new bytes stand before the old one.
+        in.unread("12345", 5);
+        EXPECT_EQ(in.tell(), all_ones - 1);
+        EXPECT_EQ(in.read(block, 8), 8u);
+        EXPECT_EQ(std::string(block, 8), "12345Zef");
+        EXPECT_EQ(in.tell(), 6u);
+        in.unread("s", 1);
+        EXPECT_EQ(in.skip(0), 0u);
+        EXPECT_EQ(in.skip(3), 3u);
+        EXPECT_EQ(in.tell(), 8u);
+        in.unread("pq", 2);
+        recording_target out;
+        EXPECT_EQ(in.copy_to(out), 4u);
+        EXPECT_EQ(out.data, "pqij");
+        EXPECT_EQ(out.writes[0], 2u);
+    });
+}
+
+TEST(Input, SkipAndCopyEndWithTheSource) {
+    auto const data = support::pattern(200000);
+    auto source = support::dripping(data);
+    EXPECT_EQ(source.skip(70000), 70000u);
+    recording_target out;
+    EXPECT_EQ(source.copy_to(out), 130000u);
+    EXPECT_TRUE(std::equal(out.data.begin(), out.data.end(), data.begin() + 70000,
+                           [](char a, unsigned char b) { return static_cast<unsigned char>(a) == b; }));
+    EXPECT_EQ(source.skip(5), 0u);
+
+    support::huge_source huge;
+    stream::direct_input in(huge);
+    EXPECT_EQ(in.skip(uint64(9) << 30), uint64(5) << 30);
+    EXPECT_EQ(in.tell(), uint64(5) << 30);
+}
+
+/// A caller's source that can go back, if asked in the right way.
+struct seekable : fragment_source {
+    enum way { goes, refuses, throws_stream, throws_other };
+    explicit seekable(way w) : fragment_source({"abcdef"}), how(w) {}
+    bool seek(uint64 where) override {
+        sought = where;
+        if (how == throws_stream)
+            throw stream::exception("no", "test");
+        if (how == throws_other)
+            throw failure();
+        return how == goes;
+    }
+    way how;
+    std::optional<uint64> sought;
+};
+
+TEST(Input, UnreadTriesACallersSeekFirst) {
+    for (auto const how : {seekable::goes, seekable::refuses, seekable::throws_stream}) {
+        seekable in(how);
+        in.read();
+        in.read();
+        in.unread("ZZ", 2);
+        EXPECT_EQ(in.sought, uint64(0));
+        EXPECT_EQ(in.read(), how == seekable::goes ? 'c' : 'Z') << how;
+    }
+    seekable in(seekable::throws_other);
+    in.read();
+    EXPECT_THROW(in.unread('a'), failure);
+    EXPECT_EQ(in.tell(), 1u);
+    EXPECT_EQ(in.read(), 'b');
+}
+
+TEST(Input, CopiesHaveTheirOwnBytesGivenBack) {
+    byte_vector const data = support::bytes("abc");
+    stream::vector_input in(data);
+    in.read();
+    in.unread("xy", 2);
+    stream::vector_input copy(in);
+    EXPECT_EQ(rest(in), "xybc");
+    EXPECT_EQ(copy.tell(), all_ones);
+    EXPECT_EQ(rest(copy), "xybc");
+}
+
+TEST(Input, FailuresKeepTheBytesGivenBack) {
+    fragment_source in({"cd"});
+    in.unread("ab", 2);
+    recording_target refusing(1);
+    EXPECT_THROW(in.copy_to(refusing), failure);
+    EXPECT_EQ(rest(in), "abcd");
+    EXPECT_EQ(raised([&] { in.seek(0); }), "stream::input: cannot seek in a sequential stream");
+}
+
+TEST(Input, ALyingSourceNeverCountsForMoreThanAsked) {
+    support::lying_source liar;
+    stream::direct_input in(liar);
+    char block[4];
+    in.unread('u');
+    EXPECT_EQ(in.read(block, 4), 4u);
+    EXPECT_EQ(in.skip(10), 10u);
+    recording_target out;
+    EXPECT_EQ(in.copy_to(out), 65536u * 3);
+    byte_vector grown;
+    stream::vector_output target(grown);
+    support::lying_source again;
+    target.copy_from(again);
+    EXPECT_EQ(support::text(grown), "llllllll");
+    EXPECT_EQ(target.tell(), 8u);
+}
+
+/// The least that a caller's sink can be.
+struct sequential : stream::output {
+    using stream::output::write;
+    void write(char byte) override { data += byte; }
+    uint64 tell() const override { return data.size(); }
+    void flush() override { ++flushes; }
+    std::string data;
+    int flushes = 0;
+};
+
+TEST(Output, DefaultsStandOnSingleBytes) {
+    sequential out;
+    out.mark();
+    out.write("abc", 2);
+    out.write(narrow_string("cd"));
+    out.write(static_cast<unsigned char>('e'));
+    out.write(nullptr, 5);
+    static_cast<stream::output &>(out).write(narrow_string());
+    fragment_source in({"fg", "", "h"});
+    out.copy_from(in);
+    out.fill(2, '!');
+    EXPECT_EQ(out.data, "abcdefgh!!");
+    EXPECT_EQ(out.size(), 10u);
+    EXPECT_EQ(out.drift(), 10u);
+    out.resize(12);
+    out.resize(12);
+    EXPECT_EQ(out.data, std::string("abcdefgh!!\0\0", 12));
+    EXPECT_EQ(raised([&] { out.resize(11); }), "stream::output: resize() does not truncate the stream");
+    EXPECT_EQ(raised([&] { out.seek(0); }), "stream::output: cannot seek in a sequential stream");
+    out.flush_through();
+    out.close();
+    EXPECT_EQ(out.flushes, 2);
+}
+
+// The place of a virtual operation in the table, as the plug-ins' compilers see it.
+template <class Operation>
+std::size_t place(Operation operation) {
+    std::size_t words[2];
+    static_assert(sizeof operation == sizeof words);
+    std::memcpy(words, &operation, sizeof words);
+    return words[0] - 1;
+}
+
+struct input_order : stream::input {
+    using in = stream::input;
+    static std::vector<std::size_t> places() {
+        return {place(&in::begin),
+                place(&in::end),
+                place<uint32 (in::*)(char *, uint32)>(&in::read),
+                place(&in::tell),
+                place(&in::seek),
+                place(&in::size),
+                place<int (in::*)()>(&in::read),
+                place<void (in::*)(char const *, uint32)>(&in::unread),
+                place<void (in::*)(char)>(&in::unread),
+                place(&in::skip),
+                place(&in::copy_to),
+                place(&in::close),
+                place<uint32 (input_order::*)(char *, uint32)>(&input_order::_read),
+                place<int (input_order::*)()>(&input_order::_read),
+                place(&input_order::_skip),
+                place(&input_order::_copy_to),
+                place(&input_order::_tell)};
+    }
+};
+
+struct output_order {
+    using out = stream::output;
+    static std::vector<std::size_t> places() {
+        return {place(&out::begin),
+                place(&out::end),
+                place<void (out::*)(char const *, uint32)>(&out::write),
+                place<void (out::*)(unsigned char)>(&out::write),
+                place(&out::flush),
+                place(&out::tell),
+                place(&out::seek),
+                place(&out::size),
+                place<void (out::*)(narrow_string const &)>(&out::write),
+                place<void (out::*)(char)>(&out::write),
+                place(&out::copy_from),
+                place(&out::resize),
+                place(&out::flush_through),
+                place(&out::close)};
+    }
+};
+
+TEST(Contract, VirtualOperationsComeInOrder) {
+    for (auto const & places : {input_order::places(), output_order::places()}) {
+        EXPECT_EQ(places[0], 2 * sizeof(void *)); // behind the two destructors
+        EXPECT_EQ(std::adjacent_find(places.begin(), places.end(), std::greater_equal<>()), places.end());
+    }
+}
+
+} // namespace

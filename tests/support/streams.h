@@ -1,0 +1,235 @@
+#pragma once
+
+#include "stream/filter_input.h"
+#include "stream/filter_output.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstring>
+#include <numeric>
+#include <string>
+#include <vector>
+
+/// Streams that the tests lean on. All of them are a caller's own classes, so that the library may not take a short way
+/// around their operations.
+namespace support {
+
+/// What a failing stream throws.
+struct failure {};
+
+inline byte_vector bytes(std::string const & text) { return {text.begin(), text.end()}; }
+
+inline std::string text(byte_vector const & data) { return {data.begin(), data.end()}; }
+
+/// `count` bytes in which every place can be told from its neighbours.
+inline byte_vector pattern(std::size_t count) {
+    byte_vector data(count);
+    for (std::size_t i = 0; i < count; ++i)
+        data[i] = static_cast<unsigned char>(i * 7 + i / 251);
+    return data;
+}
+
+/// Origin and words of the `stream::exception` that `act` throws.
+template <class Act>
+std::string raised(Act act) {
+    try {
+        act();
+    } catch (stream::exception const & e) {
+        return e.origin() + ": " + e.message();
+    }
+    return "nothing";
+}
+
+/// Reads to the end with single bytes.
+inline std::string rest(stream::input & source) {
+    std::string all;
+    for (int byte = source.read(); byte != -1; byte = source.read())
+        all += static_cast<char>(byte);
+    return all;
+}
+
+/// Hands out the given fragments, one block read at most one of them; then the end. It notes what it is asked for, and
+/// spoils the rest of the caller's buffer, so that a caller who takes more than came is seen, and one whose buffer is
+/// smaller than it says.
+class fragment_source : public stream::input {
+public:
+    explicit fragment_source(std::vector<std::string> fragments) : fragments_(std::move(fragments)) {}
+
+    /// The block sizes asked for; 0 stands for a single byte.
+    std::vector<uint32> asked;
+
+    uint64 size() const override {
+        return std::accumulate(fragments_.begin(), fragments_.end(), uint64(0),
+                               [](uint64 sum, std::string const & fragment) { return sum + fragment.size(); });
+    }
+
+protected:
+    uint32 _read(char * buffer, uint32 count) override {
+        EXPECT_TRUE(buffer != nullptr || count == 0);
+        asked.push_back(count);
+        if (count > 0)
+            std::memset(buffer, 0xDD, count);
+        std::string const piece = take(count);
+        std::copy(piece.begin(), piece.end(), buffer);
+        return static_cast<uint32>(piece.size());
+    }
+    int _read() override {
+        asked.push_back(0);
+        std::string const piece = take(1);
+        return piece.empty() ? -1 : static_cast<unsigned char>(piece[0]);
+    }
+    uint64 _tell() const override { return given_; }
+
+private:
+    std::string take(uint32 count) {
+        while (at_ < fragments_.size() && offset_ == fragments_[at_].size()) {
+            ++at_;
+            offset_ = 0;
+        }
+        if (at_ == fragments_.size())
+            return {};
+        std::string piece = fragments_[at_].substr(offset_, count);
+        offset_ += piece.size();
+        given_ += piece.size();
+        return piece;
+    }
+
+    std::vector<std::string> fragments_;
+    std::size_t at_ = 0;
+    std::size_t offset_ = 0;
+    uint64 given_ = 0;
+};
+
+/// A fragment source that drips: 1, 2, 3 and 7 bytes in turn.
+inline fragment_source dripping(byte_vector const & data) {
+    std::vector<std::string> drops;
+    for (std::size_t at = 0, turn = 0; at < data.size(); ++turn) {
+        static std::size_t const sizes[] = {1, 2, 3, 7};
+        std::size_t const size = std::min(sizes[turn % 4], data.size() - at);
+        drops.emplace_back(data.begin() + long(at), data.begin() + long(at + size));
+        at += size;
+    }
+    return fragment_source(drops);
+}
+
+/// Passes everything on, but its `n`-th call throws before it does anything; 0 for never.
+class failing_source : public stream::filter_input {
+public:
+    failing_source(stream::input & beneath, int n) : filter_input(beneath), left_(n) {}
+
+    void unread(char const * data, uint32 count) override {
+        step();
+        under().unread(data, count);
+    }
+    void unread(char byte) override { unread(&byte, 1); }
+
+protected:
+    uint32 _read(char * buffer, uint32 count) override {
+        step();
+        return filter_input::_read(buffer, count);
+    }
+    int _read() override {
+        step();
+        return filter_input::_read();
+    }
+    uint64 _skip(uint64 count) override {
+        step();
+        return filter_input::_skip(count);
+    }
+
+private:
+    void step() {
+        if (left_ > 0 && --left_ == 0)
+            throw failure();
+    }
+
+    int left_;
+};
+
+/// Keeps what is written, and notes the size of each write; 0 stands for a single byte. The `n`-th write throws before
+/// it takes anything; 0 for never.
+class recording_target : public stream::output {
+public:
+    explicit recording_target(int n = 0) : left_(n) {}
+
+    using stream::output::write;
+
+    std::string data;
+    std::vector<uint32> writes;
+    int flushes = 0;
+
+    void write(char byte) override {
+        step();
+        writes.push_back(0);
+        data += byte;
+    }
+    void write(char const * block, uint32 count) override {
+        step();
+        writes.push_back(count);
+        if (count > 0)
+            data.append(block, count);
+    }
+    uint64 tell() const override { return data.size(); }
+    void flush() override { ++flushes; }
+
+private:
+    void step() {
+        if (left_ > 0 && --left_ == 0)
+            throw failure();
+    }
+
+    int left_;
+};
+
+/// `size` bytes without memory: each is the low byte of its position divided by 3.
+class huge_source : public stream::input {
+public:
+    explicit huge_source(uint64 size = uint64(5) << 30) : size_(size) {}
+
+    uint64 size() const override { return size_; }
+
+protected:
+    uint32 _read(char * buffer, uint32 count) override {
+        auto const got = static_cast<uint32>(std::min<uint64>(count, size_ - place_));
+        for (uint32 i = 0; i < got; ++i)
+            buffer[i] = static_cast<char>((place_ + i) / 3);
+        place_ += got;
+        return got;
+    }
+    int _read() override {
+        if (place_ == size_)
+            return -1;
+        return static_cast<unsigned char>(place_++ / 3);
+    }
+    uint64 _skip(uint64 count) override {
+        uint64 const skipped = std::min(count, size_ - place_);
+        place_ += skipped;
+        return skipped;
+    }
+    uint64 _tell() const override { return place_; }
+
+private:
+    uint64 size_;
+    uint64 place_ = 0;
+};
+
+/// Claims to have read, or skipped, more than it was asked for.
+class lying_source : public stream::input {
+public:
+    uint64 size() const override { return 8; }
+
+protected:
+    uint32 _read(char * buffer, uint32 count) override {
+        std::fill_n(buffer, count, 'l');
+        return ++told_ < 5 ? count + 1000 : 0;
+    }
+    int _read() override { return told_ < 5 ? 'l' : -1; }
+    uint64 _skip(uint64 count) override { return count + 1000; }
+    uint64 _tell() const override { return 0; }
+
+private:
+    int told_ = 0;
+};
+
+} // namespace support
