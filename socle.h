@@ -4,6 +4,7 @@
 
 #include "any/exception.h"
 #include "any/integers.h"
+#include "any/time.h"
 #include "any/utf8_coder.h"
 #include "basic/exception.h"
 #include "basic/export.h"
@@ -22,6 +23,8 @@
 #include "nio/memory.h"
 #include "nio/output.h"
 #include "nio/path.h"
+#include "nio/time.h"
+#include "nio/timer.h"
 #include "qpthr/exception.h"
 #include "stream/array_input.h"
 #include "stream/array_output.h"
@@ -41,4 +44,5 @@
 #include "un/digits.h"
 #include "un/exception.h"
 #include "un/parser.h"
+#include "un/timer.h"
 #include "un/tokenizer.h"

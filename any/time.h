@@ -1,0 +1,15 @@
+#pragma once
+
+#include "nio/time.h"
+
+namespace any {
+
+/// A point in time: `nio::time` under this family's name.
+class time : public nio::time {
+public:
+    time() = default;
+    time(uint64 value, format_type format) { set(value, format); }
+    time(nio::time const & other) : nio::time(other) {}
+};
+
+} // namespace any

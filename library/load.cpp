@@ -1,0 +1,29 @@
+// What is set up while the library is loaded, all of it here, in this order.
+
+#include "nio/time_internal.h"
+#include "platform/clock.h"
+#include "un/exception.h"
+#include "un/timer.h"
+
+// The counts in a second of the machine's counter. Without a counter the library does not come up.
+
+constinit uint64 un::timer::units_per_second = 1000;
+
+namespace {
+
+struct timer_start : un::timer {
+    timer_start() : un::timer(false) {
+        if (!platform::QueryPerformanceFrequency(units_per_second))
+            throw un::exception("cannot initialize the timer", "un");
+    }
+} const start_timer;
+
+} // namespace
+
+// The time zone, which stays as it was for the life of the process.
+
+platform::TIME_ZONE_INFORMATION nio::zone_at_load = [] {
+    platform::TIME_ZONE_INFORMATION zone;
+    platform::GetTimeZoneInformation(zone);
+    return zone;
+}();
