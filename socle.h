@@ -30,6 +30,8 @@
 #include "stream/array_output.h"
 #include "stream/binary_input.h"
 #include "stream/binary_output.h"
+#include "stream/buffered_input.h"
+#include "stream/buffered_output.h"
 #include "stream/direct_input.h"
 #include "stream/endian_input.h"
 #include "stream/endian_output.h"

@@ -13,7 +13,7 @@ class SOCLE_API filter_input : public virtual input {
 public:
     filter_input() = default;
     explicit filter_input(input & stream);
-    /// The copy stands on the same stream beneath.
+    /// The copy stands on the same stream beneath. To stand on another filter of the same class, use `under()`.
     filter_input(filter_input const &) = default;
     filter_input & operator=(filter_input const &) = default;
     ~filter_input() override;

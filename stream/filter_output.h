@@ -13,7 +13,7 @@ class SOCLE_API filter_output : public virtual output {
 public:
     filter_output() = default;
     explicit filter_output(output & stream);
-    /// The copy stands on the same stream beneath.
+    /// The copy stands on the same stream beneath. To stand on another filter of the same class, use `under()`.
     filter_output(filter_output const &) = default;
     filter_output & operator=(filter_output const &) = default;
     ~filter_output() override;

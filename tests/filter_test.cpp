@@ -19,7 +19,8 @@ using support::text;
 TEST(FilterInput, KeepsWhatIsGivenBackAndDirectHandsItDown) {
     fragment_source source({"abcdef"});
     stream::filter_input filter(source);
-    stream::direct_input lower(source), direct(lower);
+    stream::direct_input lower(source), direct;
+    direct.under(lower); // direct_input(lower) would be a copy
     EXPECT_EQ(filter.read(), 'a');
     filter.unread('x');
     EXPECT_EQ(filter.tell(), 0u);

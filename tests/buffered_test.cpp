@@ -1,0 +1,323 @@
+#include "stream/array_input.h"
+#include "stream/array_output.h"
+#include "stream/buffered_input.h"
+#include "stream/buffered_output.h"
+#include "stream/endian_input.h"
+#include "stream/endian_output.h"
+#include "stream/vector_input.h"
+#include "stream/vector_output.h"
+#include "tests/support/streams.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+
+namespace {
+
+using support::bytes;
+using support::failure;
+using support::fragment_source;
+using support::recording_target;
+using support::rest;
+using support::text;
+
+/// A caller's class above a buffered stream, which may not change what its base does.
+struct callers_input : stream::buffered_input {
+    using buffered_input::_copy;
+    using buffered_input::buffered_input;
+    using buffered_input::refill;
+};
+
+TEST(BufferedInput, ReadsAheadAndGivesBack) {
+    byte_vector const data = support::pattern(100);
+    stream::vector_input source(data);
+    char block[64];
+    {
+        stream::buffered_input in(source, 16);
+        EXPECT_EQ(source.tell(), 0u);
+        EXPECT_EQ(in.read(), data[0]);
+        EXPECT_EQ(source.tell(), 16u);
+        EXPECT_EQ(in.tell(), 1u);
+        in.yield();
+        EXPECT_EQ(source.tell(), 1u);
+        EXPECT_EQ(in.tell(), 1u);
+        EXPECT_EQ(in.read(block, 8), 8u); // half the buffer goes past it
+        EXPECT_EQ(source.tell(), 9u);
+        EXPECT_EQ(in.read(block, 7), 7u); // less fills it
+        EXPECT_EQ(source.tell(), 25u);
+        EXPECT_EQ(in.read(block, 40), 40u);
+        EXPECT_EQ(source.tell(), 56u);
+        EXPECT_EQ(in.read(block, 1), 1u);
+        EXPECT_EQ(in.skip(20), 20u);
+        EXPECT_EQ(source.tell(), 77u);
+        EXPECT_EQ(in.read(), data[77]);
+    }
+    EXPECT_EQ(source.tell(), 78u);
+    EXPECT_EQ(rest(source), text({data.begin() + 78, data.end()}));
+}
+
+TEST(BufferedInput, AsksTheStreamBeneathAtMostOnce) {
+    fragment_source source({"abc", "de", "fghij"});
+    stream::buffered_input in(source, 8);
+    char block[16];
+    EXPECT_EQ(in.read(block, 3), 3u);
+    EXPECT_EQ(in.read(block, 3), 2u); // what came was short
+    EXPECT_EQ(in.read(), 'f');
+    EXPECT_EQ(in.read(block, 0), 0u);
+    EXPECT_EQ(source.asked, (std::vector<uint32>{8, 8, 8}));
+    EXPECT_EQ(in.size(), 10u);
+    EXPECT_EQ(rest(in), "ghij");
+}
+
+TEST(BufferedInput, TakesBackMoreThanItsBuffer) {
+    for (uint32 const size : {0u, 1u, 2u, 4u, 16u}) {
+        fragment_source source({"abcdefgh"});
+        stream::buffered_input in(source, size);
+        EXPECT_EQ(in.read(), 'a');
+        EXPECT_EQ(in.read(), 'b');
+        in.unread("0123456789", 10);
+        EXPECT_EQ(in.tell(), all_ones - 7);
+        in.unread('*');
+        char block[4] = {};
+        EXPECT_EQ(in.read(block, 3), 3u);
+        EXPECT_EQ(std::string(block, 3), "*01") << size;
+        EXPECT_EQ(in.tell(), all_ones - 5);
+        EXPECT_EQ(in.skip(2), 2u);
+        in.yield();
+        EXPECT_EQ(in.tell(), all_ones - 3);
+        EXPECT_EQ(source.tell(), all_ones - 3);
+        EXPECT_EQ(rest(in), "456789cdefgh") << size;
+    }
+}
+
+TEST(BufferedInput, CopiesByteByByteForACallersClass) {
+    fragment_source source({"abc", "defgh"});
+    callers_input in(source, 4);
+    recording_target out;
+    EXPECT_EQ(in._copy(out, 2), 2u);
+    EXPECT_EQ(out.writes, (std::vector<uint32>{0, 0}));
+    EXPECT_EQ(in._copy(out, 0), 0u);
+    EXPECT_EQ(in._copy(out, all_ones), 6u);
+    EXPECT_EQ(out.flushes, 3);
+    EXPECT_EQ(out.data, "abcdefgh");
+    in.unread("0123456", 7);
+    in.refill(); // nothing fits
+    EXPECT_EQ(rest(in), "0123456");
+}
+
+TEST(BufferedInput, DoesNotBelieveALiar) {
+    support::lying_source liar;
+    stream::buffered_input in(liar, 8);
+    EXPECT_EQ(in.read(), 'l');
+    char block[20];
+    EXPECT_EQ(in.read(block, 20), 20u);
+    EXPECT_EQ(in.skip(9), 9u);
+    EXPECT_EQ(in.tell(), 30u);
+}
+
+/// Every operation in some order, on a stream over `data`; each position holds the byte of `data` at that place, so
+/// that whatever happened before, what is read next is known from `tell()`.
+template <class Act>
+void exercise(stream::input & in, byte_vector const & data, uint32 seed, Act check) {
+    std::mt19937 random(seed);
+    std::vector<char> block(64);
+    for (int step = 0; step < 60; ++step) {
+        uint64 const place = in.tell();
+        auto const count = static_cast<uint32>(random() % 24);
+        auto const * here = reinterpret_cast<char const *>(data.data()) + place;
+        switch (random() % 5) {
+        case 0: {
+            int const byte = in.read();
+            EXPECT_EQ(byte, place < data.size() ? data[place] : -1);
+            break;
+        }
+        case 1: {
+            uint32 const got = in.read(block.data(), count);
+            EXPECT_TRUE(std::equal(block.begin(), block.begin() + got, here));
+            break;
+        }
+        case 2: in.skip(count); break;
+        case 3: in.unread(here - std::min<uint64>(place, count), std::min(static_cast<uint32>(place), count)); break;
+        default:
+            if (auto * buffered = dynamic_cast<stream::buffered_input *>(&in))
+                buffered->yield();
+        }
+        check();
+    }
+}
+
+TEST(BufferedInput, StaysTrueOverAnySource) {
+    byte_vector const data = support::pattern(400);
+    for (uint32 seed = 0; seed < 200; ++seed) {
+        stream::vector_input memory(data);
+        auto drops = support::dripping(data);
+        stream::input & source = seed % 2 == 0 ? static_cast<stream::input &>(memory) : drops;
+        stream::buffered_input lower(source, 1 + seed % 9), in(lower, 1 + seed % 17);
+        exercise(in, data, seed, [&] { ASSERT_LE(in.tell(), lower.tell()); });
+        auto const place = in.tell();
+        EXPECT_EQ(rest(in), text({data.begin() + long(place), data.end()})) << seed;
+    }
+}
+
+TEST(BufferedInput, LosesNothingWhenTheStreamBeneathFails) {
+    byte_vector const data = support::pattern(300);
+    for (int n = 1; n <= 300; ++n) {
+        stream::vector_input memory(data);
+        support::failing_source source(memory, 1 + n / 20);
+        stream::buffered_input in(source, 12);
+        EXPECT_THROW(exercise(in, data, static_cast<uint32>(n % 20), [] {}), failure) << n;
+        auto const place = in.tell();
+        in.yield();
+        EXPECT_EQ(memory.tell(), place) << n;
+        EXPECT_EQ(rest(in), text({data.begin() + long(place), data.end()})) << n;
+    }
+
+    stream::vector_input memory(data);
+    support::failing_source source(memory, 2);
+    {
+        stream::buffered_input in(source, 12);
+        in.read();
+        EXPECT_THROW(in.yield(), failure);
+        EXPECT_EQ(in.tell(), 1u);
+        EXPECT_EQ(in.read(), data[1]);
+    }
+    EXPECT_EQ(memory.tell(), 2u);
+}
+
+TEST(BufferedOutput, HoldsSmallWritesAndPassesLargeOnes) {
+    recording_target target;
+    stream::buffered_output out(target, 4);
+    out.write("ab", 2);
+    out.write("cd", 2); // fits exactly
+    EXPECT_TRUE(target.writes.empty());
+    out.write("efg", 3);
+    EXPECT_EQ(target.data, "abcd");
+    EXPECT_EQ(out.tell(), 7u);
+    out.write(narrow_string("hi"));
+    out.write('j');
+    out.write(static_cast<unsigned char>('k'));
+    out.write("lmno", 4);
+    EXPECT_EQ(target.writes, (std::vector<uint32>{4, 3, 4, 4}));
+    out.write('p');
+    EXPECT_EQ(target.tell(), 15u);
+    out.end();
+    EXPECT_EQ(target.data, "abcdefghijklmnop");
+    EXPECT_EQ(target.flushes, 0);
+    out.write('q');
+    out.flush_through();
+    EXPECT_EQ(target.data, "abcdefghijklmnopq");
+    EXPECT_EQ(target.flushes, 1);
+    fragment_source in({"st"});
+    out.write('r');
+    out.copy_from(in);
+    EXPECT_EQ(target.data, "abcdefghijklmnopqrst");
+    EXPECT_EQ(out.tell(), 20u);
+}
+
+TEST(BufferedOutput, ResizesThroughWhatItHolds) {
+    byte_vector vector = bytes("..");
+    {
+        stream::vector_output target(vector, 2);
+        stream::buffered_output out(target, 8);
+        out.write("abcdef", 6);
+        out.resize(5);
+        EXPECT_EQ(text(vector), "..abc");
+        out.write("gh", 2);
+        EXPECT_THROW(out.resize(3), stream::exception); // a vector is not cut below its position
+        EXPECT_EQ(out.tell(), 7u);
+    }
+    EXPECT_EQ(text(vector), "..abcgh");
+    recording_target target;
+    stream::buffered_output out(target, 8);
+    out.write("ab", 2);
+    out.resize(4);
+    EXPECT_EQ(out.tell(), 4u);
+    out.write("c", 1);
+    out.flush();
+    EXPECT_EQ(target.data, std::string("ab\0\0c", 5));
+    out.write("dropped", 7);
+    out.resize(5);
+    EXPECT_EQ(out.tell(), 5u);
+    out.flush();
+    EXPECT_EQ(target.data.size(), 5u);
+}
+
+TEST(BufferedOutput, LosesNothingAndRepeatsNothingWhenTheStreamBeneathFails) {
+    int failed = 0;
+    for (int n = 1; n <= 60; ++n) {
+        recording_target target(n);
+        std::string taken;
+        {
+            stream::buffered_output out(target, 8);
+            stream::big_endian_output numbers(out);
+            std::mt19937 random(11);
+            for (int step = 0; step < 80; ++step) {
+                auto const value = static_cast<uint32>(random());
+                std::string const piece(random() % 13, static_cast<char>('a' + step % 26));
+                std::string written;
+                try {
+                    switch (random() % 4) {
+                    case 0: out.write(static_cast<char>(step)), written = static_cast<char>(step); break;
+                    case 1: out.write(piece.data(), static_cast<uint32>(piece.size())), written = piece; break;
+                    case 2: out.write(piece), written = piece; break;
+                    default: out.flush(); break;
+                    }
+                    taken += written;
+                    if (value % 8 == 0) {
+                        numbers.write8(static_cast<unsigned char>(value));
+                        taken += static_cast<char>(value);
+                    }
+                } catch (failure const &) {
+                    ++failed;
+                }
+                EXPECT_EQ(out.tell(), taken.size()) << n;
+            }
+        }
+        EXPECT_EQ(target.data, taken) << n;
+    }
+    EXPECT_GT(failed, 30);
+
+    recording_target refusing(1);
+    stream::buffered_output(refusing, 8).write("lost without a word", 4);
+}
+
+TEST(Buffered, IntegersTakeTheSamePathsAsSingleCalls) {
+    // Wherever the value lies against the end of the buffer, the calls beneath are those of single bytes.
+    for (uint32 size = 1; size < 12; ++size) {
+        for (uint32 lead = 0; lead < 12; ++lead) {
+            recording_target fast_target, slow_target;
+            {
+                stream::buffered_output fast(fast_target, size), slow(slow_target, size);
+                stream::filter_output between; // lends nothing
+                between.under(slow);
+                for (stream::output * out :
+                     {static_cast<stream::output *>(&fast), static_cast<stream::output *>(&between)}) {
+                    out->fill(lead, '.');
+                    stream::big_endian_output big(*out);
+                    stream::little_endian_output little(*out);
+                    big.write32(0x61626364);
+                    little.write32(0x65666768);
+                    little.write16(0x696A);
+                    big.write64(0x6B6C6D6E6F707172);
+                }
+            }
+            EXPECT_EQ(fast_target.writes, slow_target.writes) << size << ' ' << lead;
+            EXPECT_EQ(fast_target.data, slow_target.data);
+            fragment_source source({slow_target.data});
+            stream::buffered_input in(source, size);
+            in.skip(lead);
+            stream::big_endian_input big(in);
+            stream::little_endian_input little(in);
+            EXPECT_EQ(big.read32(), 0x61626364u);
+            if (size > 8) {
+                EXPECT_EQ(little.read32(), 0x65666768u);
+                EXPECT_EQ(little.read16(), 0x696A);
+            } else {
+                big.read32(), big.read16();
+            }
+            EXPECT_EQ(big.read64(), 0x6B6C6D6E6F707172u);
+        }
+    }
+}
+
+} // namespace
