@@ -1,0 +1,30 @@
+#pragma once
+
+#include <unistd.h>
+#include <utility>
+
+namespace platform::posix {
+
+/// Closes a host descriptor when it goes.
+class descriptor_guard {
+public:
+    explicit descriptor_guard(int descriptor = -1) : descriptor_(descriptor) {}
+    descriptor_guard(descriptor_guard && other) noexcept : descriptor_(other.release()) {}
+    descriptor_guard & operator=(descriptor_guard && other) noexcept {
+        std::swap(descriptor_, other.descriptor_);
+        return *this;
+    }
+    ~descriptor_guard() {
+        if (descriptor_ >= 0) {
+            close(descriptor_);
+        }
+    }
+
+    int get() const { return descriptor_; }
+    int release() { return std::exchange(descriptor_, -1); }
+
+private:
+    int descriptor_;
+};
+
+} // namespace platform::posix

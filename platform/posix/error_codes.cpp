@@ -1,0 +1,34 @@
+#include "platform/posix/error_codes.h"
+
+#include "platform/errors.h"
+
+#include <cerrno>
+
+namespace platform::posix {
+
+uint32 code_of(int error) {
+    switch (error) {
+    case 0: return 0;
+    case ENOENT: return ERROR_FILE_NOT_FOUND;
+    case ENOTDIR: return ERROR_PATH_NOT_FOUND;
+    case EMFILE:
+    case ENFILE: return ERROR_TOO_MANY_OPEN_FILES;
+    case EBADF: return ERROR_INVALID_HANDLE;
+    case ENOMEM: return ERROR_NOT_ENOUGH_MEMORY;
+    case EXDEV: return ERROR_NOT_SAME_DEVICE;
+    case EROFS: return ERROR_WRITE_PROTECT;
+    case ENOTSUP: return ERROR_NOT_SUPPORTED;
+    case EEXIST: return ERROR_ALREADY_EXISTS;
+    case ENOSPC:
+    case EDQUOT: return ERROR_DISK_FULL;
+    case ENAMETOOLONG: return ERROR_FILENAME_EXCED_RANGE;
+    case ENOTEMPTY: return ERROR_DIR_NOT_EMPTY;
+    case EIO: return ERROR_IO_DEVICE;
+    case EINVAL: return ERROR_INVALID_PARAMETER;
+    case EILSEQ: return ERROR_INVALID_NAME;
+    case EPIPE: return ERROR_NO_DATA;
+    default: return ERROR_ACCESS_DENIED;
+    }
+}
+
+} // namespace platform::posix

@@ -1,0 +1,161 @@
+#include "platform/posix/named_streams.h"
+
+#include "platform/errors.h"
+#include "platform/posix/descriptor.h"
+#include "platform/posix/disk_streams.h"
+#include "platform/posix/error_codes.h"
+#include "platform/posix/extended_attributes.h"
+#include "platform/posix/own_streams.h"
+#include "platform/posix/stream_owners.h"
+
+#include <cerrno>
+#include <climits>
+#include <cstdlib>
+#include <dirent.h>
+#include <fcntl.h>
+#include <string_view>
+#include <sys/stat.h>
+
+namespace platform::posix {
+
+namespace {
+
+/// Whether files at `volume` can have user attributes at all.
+bool keeps_attributes(narrow_string const & volume) {
+    narrow_string value;
+    return get_attribute(volume, "user.socle.streams", true, value) || errno == ENODATA;
+}
+
+/// Removes what lies in an open folder, which it closes. Links are removed, not followed.
+void remove_entries(descriptor_guard folder) {
+    DIR * const entries = fdopendir(folder.get());
+    if (entries == nullptr) {
+        return;
+    }
+    folder.release();
+    while (dirent const * const entry = readdir(entries)) {
+        std::string_view const name = entry->d_name;
+        if (name == "." || name == ".." || unlinkat(dirfd(entries), entry->d_name, 0) == 0) {
+            continue;
+        }
+        int const inner = openat(dirfd(entries), entry->d_name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+        if (inner >= 0) {
+            remove_entries(descriptor_guard(inner));
+            unlinkat(dirfd(entries), entry->d_name, AT_REMOVEDIR);
+        }
+    }
+    closedir(entries);
+}
+
+int open_retried(narrow_string const & path, int flags) {
+    int file = -1;
+    do {
+        file = open(path.c_str(), flags | O_CLOEXEC, S_IRUSR | S_IWUSR | S_IRGRP | S_IWGRP | S_IROTH | S_IWOTH);
+    } while (file < 0 && errno == EINTR);
+    return file;
+}
+
+int write_all(int file, char const * bytes, std::size_t size) {
+    while (size > 0) {
+        ssize_t const written = write(file, bytes, size);
+        if (written < 0 && errno != EINTR) {
+            return errno;
+        }
+        if (written > 0) {
+            bytes += written;
+            size -= static_cast<std::size_t>(written);
+        }
+    }
+    return 0;
+}
+
+/// 0 or an `errno`.
+int copy_file(narrow_string const & from, narrow_string const & to) {
+    descriptor_guard const source(open_retried(from, O_RDONLY));
+    if (source.get() < 0) {
+        return errno;
+    }
+    descriptor_guard const target(open_retried(to, O_WRONLY | O_CREAT | O_TRUNC));
+    if (target.get() < 0) {
+        return errno;
+    }
+    std::vector<char> block(std::size_t{256} * 1024);
+    for (;;) {
+        ssize_t const got = read(source.get(), block.data(), block.size());
+        if (got < 0 && errno == EINTR) {
+            continue;
+        }
+        if (got < 0) {
+            return errno;
+        }
+        if (got == 0) {
+            return fsync(target.get()) == 0 ? 0 : errno;
+        }
+        if (int const error = write_all(target.get(), block.data(), static_cast<std::size_t>(got))) {
+            return error;
+        }
+    }
+}
+
+} // namespace
+
+uint32 make_named_streams(narrow_string const & folder, std::unique_ptr<named_streams> & streams) {
+    char resolved[PATH_MAX];
+    if (realpath(folder.c_str(), resolved) == nullptr) {
+        return code_of(errno);
+    }
+    narrow_string volume = resolved;
+    if (disk_streams::found_at(volume)) {
+        streams = std::make_unique<disk_streams>(volume);
+        return 0;
+    }
+    if (!keeps_attributes(volume)) {
+        return ERROR_NOT_SUPPORTED;
+    }
+    volume = volume == "/" ? narrow_string() : volume;
+    auto own = std::make_unique<own_streams>(volume);
+    settle_owners(volume, own->store());
+    streams = std::move(own);
+    return 0;
+}
+
+stream_removal::stream_removal(named_streams const & streams, narrow_string const & file)
+    : belongings_(streams.belongings(file)) {
+    if (!belongings_.empty()) {
+        file_ = open(file.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC);
+    }
+}
+
+stream_removal::~stream_removal() {
+    if (file_ >= 0) {
+        close(file_);
+    }
+}
+
+void stream_removal::name_removed() {
+    struct stat status {};
+    if (file_ < 0 || fstat(file_, &status) != 0 || (status.st_nlink > 0 && !S_ISDIR(status.st_mode))) {
+        return;
+    }
+    int const folder = open(belongings_.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+    if (folder >= 0) {
+        remove_entries(descriptor_guard(folder));
+        rmdir(belongings_.c_str());
+    }
+}
+
+uint32 copy_streams(named_streams const & from, narrow_string const & file, named_streams const & to,
+                    narrow_string const & copy) {
+    std::vector<wide_string> names;
+    uint32 code = from.list(file, names);
+    for (wide_string const & name : names) {
+        narrow_string source;
+        narrow_string target;
+        code = code != 0 ? code : from.locate(file, name, false, source);
+        code = code != 0 ? code : to.locate(copy, name, true, target);
+        code = code != 0 ? code : code_of(copy_file(source, target));
+    }
+    return code;
+}
+
+} // namespace platform::posix

@@ -1,0 +1,100 @@
+#include "platform/posix/own_streams.h"
+
+#include "platform/errors.h"
+#include "platform/posix/error_codes.h"
+#include "platform/posix/stream_names.h"
+#include "platform/posix/stream_owners.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <dirent.h>
+#include <string_view>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace platform::posix {
+
+namespace {
+
+/// Makes the folders between `folder` and the last component of `path`.
+int make_folders(narrow_string const & path, std::size_t folder) {
+    for (std::size_t at = path.find('/', folder + 1); at != narrow_string::npos; at = path.find('/', at + 1)) {
+        if (mkdir(path.substr(0, at).c_str(), S_IRWXU | S_IRWXG | S_IRWXO) != 0 && errno != EEXIST) {
+            return errno;
+        }
+    }
+    return 0;
+}
+
+/// Adds the names of the streams in `folder`; `begun` is the part of their stored names that the folder stands for.
+int list_folder(narrow_string const & folder, narrow_string const & begun, std::vector<wide_string> & names) {
+    DIR * const entries = opendir(folder.c_str());
+    if (entries == nullptr) {
+        return errno == ENOENT ? 0 : errno;
+    }
+    int error = 0;
+    errno = 0;
+    while (dirent const * const entry = readdir(entries)) {
+        std::string_view const name = entry->d_name;
+        wide_string stream;
+        if (name.ends_with('~')) {
+            // No longer than the longest stored name, so that nothing put there by hand leads down without end.
+            if (begun.size() < 5 * 255) {
+                error = list_folder((folder + '/').append(name), begun + narrow_string(name.substr(0, name.size() - 1)),
+                                    names);
+            }
+        } else if (stream_name_of(begun + narrow_string(name), stream)) {
+            names.push_back(stream);
+        }
+        if (error != 0) {
+            break;
+        }
+        errno = 0;
+    }
+    error = error != 0 ? error : errno;
+    closedir(entries);
+    return error;
+}
+
+} // namespace
+
+own_streams::own_streams(narrow_string const & volume) : store_(volume + "/.socle_streams") {}
+
+uint32 own_streams::locate(narrow_string const & file, wide_string const & name, bool create,
+                           narrow_string & host) const {
+    narrow_string id;
+    if (create) {
+        if (uint32 const code = make_stream_owner(store_, file, id)) {
+            return code;
+        }
+    } else {
+        id = stream_owner(store_, file, true);
+        if (id.empty()) {
+            return ERROR_FILE_NOT_FOUND;
+        }
+    }
+    host = store_ + '/' + id + '/' + stored_stream_name(name);
+    return create ? code_of(make_folders(host, store_.size() + 1 + id.size())) : 0;
+}
+
+uint32 own_streams::list(narrow_string const & file, std::vector<wide_string> & names) const {
+    names.clear();
+    narrow_string const id = stream_owner(store_, file, true);
+    if (id.empty()) {
+        return 0;
+    }
+    int const error = list_folder(store_ + '/' + id, {}, names);
+    std::sort(names.begin(), names.end());
+    return code_of(error);
+}
+
+bool own_streams::hidden(narrow_string const & host) const {
+    return host.starts_with(store_) && (host.size() == store_.size() || host[store_.size()] == '/');
+}
+
+narrow_string own_streams::belongings(narrow_string const & file) const {
+    narrow_string const id = stream_owner(store_, file, false);
+    return id.empty() ? id : store_ + '/' + id;
+}
+
+} // namespace platform::posix
