@@ -23,8 +23,11 @@ array_output::array_output(un::array<char> & array, uint32 start) : array_output
 array_output::~array_output() = default;
 
 void array_output::write(char byte) {
-    if (memory_.next >= length_)
-        fail(past_the_end);
+    if (!memory_.open()) {
+        if (left() == 0)
+            fail(past_the_end);
+        open();
+    }
     memory_.bytes[memory_.next++] = byte;
 }
 
@@ -34,8 +37,7 @@ void array_output::write(char const * data, uint32 count) {
     memory_.next += fitting;
     if (fitting < count)
         fail(past_the_end);
-    if (_ours())
-        memory_.limit = length_;
+    open();
 }
 
 uint64 array_output::tell() const { return memory_.next; }
@@ -53,6 +55,11 @@ void array_output::copy_from(input & source) {
 void array_output::resize(uint64 new_size) {
     if (new_size != size())
         fail("cannot resize its buffer");
+}
+
+void array_output::open() {
+    if (_ours())
+        memory_.limit = length_;
 }
 
 bool array_output::_ours() const { return typeid(*this) == typeid(array_output); }

@@ -36,6 +36,7 @@ public:
 private:
     bool _ours() const override;
 
+    void open();
     uint64 left() const { return memory_.next < length_ ? length_ - memory_.next : 0; }
 
     uint32 length_;

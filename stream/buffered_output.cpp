@@ -34,13 +34,17 @@ void buffered_output::write(char const * data, uint32 count) {
         flush_buffer();
     std::memcpy(buffer_.get() + filled(), data, count);
     memory_.next += count;
+    open();
 }
 
 void buffered_output::write(narrow_string const & text) { output::write(text); }
 
 void buffered_output::write(char byte) {
-    if (filled() == buffer_size_)
-        flush_buffer();
+    if (!memory_.open()) {
+        if (filled() == buffer_size_)
+            flush_buffer();
+        open();
+    }
     memory_.bytes[memory_.next++] = byte;
 }
 
@@ -89,11 +93,10 @@ void buffered_output::move_beneath(Act act) {
 
 bool buffered_output::_ours() const { return typeid(*this) == typeid(buffered_output); }
 
-std::span<char> buffered_output::_room() {
-    if (!_ours())
-        return {};
-    // A block as large as the whole buffer goes past it, and must not find room.
-    return {buffer_.get() + filled(), std::min<uint64>(buffer_size_ - filled(), buffer_size_ - 1)};
+/// Lets others store in the buffer. A block as large as the whole of it goes past it, and must not find room.
+void buffered_output::open() {
+    if (_ours())
+        memory_.limit = buffer_size_ - 1;
 }
 
 } // namespace stream

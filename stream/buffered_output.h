@@ -45,9 +45,9 @@ protected:
 
 private:
     bool _ours() const override;
-    std::span<char> _room() override;
 
     uint64 filled() const { return memory_.next; }
+    void open();
     void write_held(uint64 count);
     template <class Act>
     void move_beneath(Act act);

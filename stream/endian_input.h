@@ -2,6 +2,8 @@
 
 #include "stream/direct_input.h"
 
+#include <typeinfo>
+
 namespace stream {
 
 /// Reads whole integers in a stated byte order.
@@ -25,6 +27,9 @@ public:
 
 protected:
     bool host_big_endian() const noexcept { return host_big_endian_; }
+
+    // The stream beneath, if this object is of just the class `own`.
+    input * lender(std::type_info const & own) const;
 
 private:
     bool host_big_endian_;

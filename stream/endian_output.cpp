@@ -1,7 +1,7 @@
 #include "stream/endian_output.h"
 
-#include "nio/lending_internal.h"
 #include "stream/host_order_internal.h"
+#include "stream/lending_internal.h"
 
 #include <cstring>
 #include <typeinfo>
@@ -10,16 +10,16 @@ namespace stream {
 
 namespace {
 
-/// Writes the low `width` bytes of `value`: into room that the sink has, in one block where the order is the host's,
-/// and byte by byte otherwise.
+/// Writes the low `width` bytes of `value`: into room that the sink has in memory, in one block if the order is the
+/// host's, and byte by byte otherwise.
 template <int width>
-void write_value(output & out, uint64 value, bool big, bool host_big) {
+void put(output & out, uint64 value, bool big, bool host_big) {
     char bytes[width];
     for (int i = 0; i < width; ++i)
         bytes[i] = static_cast<char>(value >> 8 * (big ? width - 1 - i : i));
-    if (auto const room = nio::lending::room(out); room.size() >= width) {
+    if (auto const room = lending::room(out); room.size() >= width) {
         std::memcpy(room.data(), bytes, width);
-        nio::lending::use(out, width);
+        lending::use(out, width);
     } else if (big == host_big) {
         out.write(bytes, width);
     } else {
@@ -40,13 +40,13 @@ big_endian_output::big_endian_output(output & stream) : endian_output(stream) {}
 
 big_endian_output::~big_endian_output() = default;
 
-void big_endian_output::write16(uint16 value) { write_value<2>(beneath(), value, true, host_big_endian()); }
+void big_endian_output::write16(uint16 value) { put<2>(beneath(), value, true, host_big_endian()); }
 
-void big_endian_output::write24(uint32 value) { write_value<3>(beneath(), value, true, host_big_endian()); }
+void big_endian_output::write24(uint32 value) { put<3>(beneath(), value, true, host_big_endian()); }
 
-void big_endian_output::write32(uint32 value) { write_value<4>(beneath(), value, true, host_big_endian()); }
+void big_endian_output::write32(uint32 value) { put<4>(beneath(), value, true, host_big_endian()); }
 
-void big_endian_output::write64(uint64 value) { write_value<8>(beneath(), value, true, host_big_endian()); }
+void big_endian_output::write64(uint64 value) { put<8>(beneath(), value, true, host_big_endian()); }
 
 bool big_endian_output::_ours() const { return typeid(*this) == typeid(big_endian_output); }
 
@@ -54,13 +54,13 @@ little_endian_output::little_endian_output(output & stream) : endian_output(stre
 
 little_endian_output::~little_endian_output() = default;
 
-void little_endian_output::write16(uint16 value) { write_value<2>(beneath(), value, false, host_big_endian()); }
+void little_endian_output::write16(uint16 value) { put<2>(beneath(), value, false, host_big_endian()); }
 
-void little_endian_output::write24(uint32 value) { write_value<3>(beneath(), value, false, host_big_endian()); }
+void little_endian_output::write24(uint32 value) { put<3>(beneath(), value, false, host_big_endian()); }
 
-void little_endian_output::write32(uint32 value) { write_value<4>(beneath(), value, false, host_big_endian()); }
+void little_endian_output::write32(uint32 value) { put<4>(beneath(), value, false, host_big_endian()); }
 
-void little_endian_output::write64(uint64 value) { write_value<8>(beneath(), value, false, host_big_endian()); }
+void little_endian_output::write64(uint64 value) { put<8>(beneath(), value, false, host_big_endian()); }
 
 bool little_endian_output::_ours() const { return typeid(*this) == typeid(little_endian_output); }
 

@@ -83,6 +83,8 @@ protected:
     void _take(uint64 count) override;
 
 private:
+    friend struct lending;
+
     uint64 pending() const { return pushback_size_ - pushback_pos_; }
     int read_on();
     void pass(uint64 count);

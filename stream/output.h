@@ -64,6 +64,8 @@ protected:
     nio::memory<char> memory_;
 
 private:
+    friend struct lending;
+
     std::span<char> _room() override;
     void _use(uint64 count) override;
 

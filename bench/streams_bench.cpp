@@ -1,0 +1,293 @@
+// Single bytes and integers through the streams, in memory.
+
+#include "stream/array_output.h"
+#include "stream/buffered_input.h"
+#include "stream/buffered_output.h"
+#include "stream/endian_input.h"
+#include "stream/endian_output.h"
+#include "stream/vector_input.h"
+
+#include <benchmark/benchmark.h>
+
+#include <cstdio>
+#include <cstring>
+#include <istream>
+#include <ostream>
+#include <streambuf>
+
+namespace {
+
+uint32 const size = 16 << 20;
+uint32 const block = 64 << 10;
+
+byte_vector const & source_data() {
+    static byte_vector const data = [] {
+        byte_vector made(size);
+        for (std::size_t i = 0; i < made.size(); ++i)
+            made[i] = static_cast<unsigned char>(i * 2654435761u >> 24);
+        return made;
+    }();
+    return data;
+}
+
+std::string & target_data() {
+    static std::string data(size, '\0');
+    return data;
+}
+
+/// A stream buffer over memory as it stands, with no copy of its own.
+struct memory_buffer : std::streambuf {
+    memory_buffer(char const * from, std::size_t count) {
+        auto * first = const_cast<char *>(from);
+        setg(first, first, first + count);
+        setp(first, first + count);
+    }
+};
+
+char const * source_chars() { return reinterpret_cast<char const *>(source_data().data()); }
+
+void bytes_done(benchmark::State & state, uint64 items = size) {
+    state.SetItemsProcessed(static_cast<int64_t>(state.iterations() * items));
+}
+
+void read_pointer(benchmark::State & state) {
+    for (auto _ : state) {
+        unsigned sum = 0;
+        for (unsigned char const byte : source_data()) {
+            sum += byte;
+            benchmark::DoNotOptimize(sum);
+        }
+    }
+    bytes_done(state);
+}
+
+template <class Stream>
+[[gnu::noinline]] unsigned sum_of(Stream & in) {
+    unsigned sum = 0;
+    for (int byte = in.read(); byte != -1; byte = in.read())
+        sum += static_cast<unsigned>(byte);
+    return sum;
+}
+
+void read_reference(benchmark::State & state) {
+    for (auto _ : state) {
+        stream::vector_input memory(source_data());
+        stream::buffered_input in(memory, block);
+        benchmark::DoNotOptimize(sum_of<stream::input>(in));
+    }
+    bytes_done(state);
+}
+
+void read_class(benchmark::State & state) {
+    for (auto _ : state) {
+        stream::vector_input memory(source_data());
+        stream::buffered_input in(memory, block);
+        benchmark::DoNotOptimize(sum_of<stream::buffered_input>(in));
+    }
+    bytes_done(state);
+}
+
+void read_get(benchmark::State & state) {
+    for (auto _ : state) {
+        memory_buffer buffer(source_chars(), size);
+        std::istream in(&buffer);
+        unsigned sum = 0;
+        for (int byte = in.get(); byte != -1; byte = in.get())
+            sum += static_cast<unsigned>(byte);
+        benchmark::DoNotOptimize(sum);
+    }
+    bytes_done(state);
+}
+
+void read_sbumpc(benchmark::State & state) {
+    for (auto _ : state) {
+        memory_buffer buffer(source_chars(), size);
+        unsigned sum = 0;
+        for (int byte = buffer.sbumpc(); byte != -1; byte = buffer.sbumpc())
+            sum += static_cast<unsigned>(byte);
+        benchmark::DoNotOptimize(sum);
+    }
+    bytes_done(state);
+}
+
+void read_getc(benchmark::State & state) {
+    for (auto _ : state) {
+        std::FILE * in = fmemopen(const_cast<char *>(source_chars()), size, "r");
+        std::setvbuf(in, nullptr, _IOFBF, block);
+        unsigned sum = 0;
+        for (int byte = getc_unlocked(in); byte != -1; byte = getc_unlocked(in))
+            sum += static_cast<unsigned>(byte);
+        benchmark::DoNotOptimize(sum);
+        std::fclose(in);
+    }
+    bytes_done(state);
+}
+
+BENCHMARK(read_pointer)->Name("byte reads, 16 MiB/limit: pointer loop");
+BENCHMARK(read_reference)->Name("byte reads, 16 MiB/socle, stream::input &");
+BENCHMARK(read_class)->Name("byte reads, 16 MiB/socle, buffered_input &");
+BENCHMARK(read_sbumpc)->Name("byte reads, 16 MiB/streambuf::sbumpc");
+BENCHMARK(read_getc)->Name("byte reads, 16 MiB/getc_unlocked");
+BENCHMARK(read_get)->Name("byte reads, 16 MiB/istream::get");
+
+void write_pointer(benchmark::State & state) {
+    for (auto _ : state) {
+        char * out = target_data().data();
+        for (uint32 i = 0; i < size; ++i) {
+            *out++ = static_cast<char>(i);
+            benchmark::DoNotOptimize(out);
+        }
+    }
+    bytes_done(state);
+}
+
+template <class Stream>
+[[gnu::noinline]] void write_all(Stream & out) {
+    for (uint32 i = 0; i < size; ++i)
+        out.write(static_cast<char>(i));
+}
+
+void write_reference(benchmark::State & state) {
+    for (auto _ : state) {
+        stream::array_output memory(target_data().data(), size);
+        stream::buffered_output out(memory, block);
+        write_all<stream::output>(out);
+    }
+    bytes_done(state);
+}
+
+void write_class(benchmark::State & state) {
+    for (auto _ : state) {
+        stream::array_output memory(target_data().data(), size);
+        stream::buffered_output out(memory, block);
+        write_all<stream::buffered_output>(out);
+    }
+    bytes_done(state);
+}
+
+void write_put(benchmark::State & state) {
+    for (auto _ : state) {
+        memory_buffer buffer(target_data().data(), size);
+        std::ostream out(&buffer);
+        for (uint32 i = 0; i < size; ++i)
+            out.put(static_cast<char>(i));
+    }
+    bytes_done(state);
+}
+
+void write_putc(benchmark::State & state) {
+    for (auto _ : state) {
+        std::FILE * out = fmemopen(target_data().data(), size, "w");
+        std::setvbuf(out, nullptr, _IOFBF, block);
+        for (uint32 i = 0; i < size; ++i)
+            putc_unlocked(static_cast<char>(i), out);
+        std::fclose(out);
+    }
+    bytes_done(state);
+}
+
+BENCHMARK(write_pointer)->Name("byte writes, 16 MiB/limit: pointer loop");
+BENCHMARK(write_reference)->Name("byte writes, 16 MiB/socle, stream::output &");
+BENCHMARK(write_class)->Name("byte writes, 16 MiB/socle, buffered_output &");
+BENCHMARK(write_putc)->Name("byte writes, 16 MiB/putc_unlocked");
+BENCHMARK(write_put)->Name("byte writes, 16 MiB/ostream::put");
+
+/// Reads and writes of whole integers, `Value` being the width.
+template <class Value>
+Value read_value(stream::big_endian_input & in) {
+    if constexpr (sizeof(Value) == 2)
+        return in.read16();
+    else if constexpr (sizeof(Value) == 4)
+        return in.read32();
+    else
+        return in.read64();
+}
+
+template <class Value>
+Value swapped(Value value) {
+    if constexpr (sizeof(Value) == 2)
+        return __builtin_bswap16(value);
+    else if constexpr (sizeof(Value) == 4)
+        return __builtin_bswap32(value);
+    else
+        return __builtin_bswap64(value);
+}
+
+template <class Value>
+void read_integers(benchmark::State & state) {
+    uint32 const count = size / sizeof(Value);
+    for (auto _ : state) {
+        stream::vector_input memory(source_data());
+        stream::buffered_input buffered(memory, block);
+        stream::big_endian_input in(buffered);
+        Value sum = 0;
+        for (uint32 i = 0; i < count; ++i)
+            sum = static_cast<Value>(sum + read_value<Value>(in));
+        benchmark::DoNotOptimize(sum);
+    }
+    bytes_done(state, count);
+}
+
+template <class Value>
+void load_integers(benchmark::State & state) {
+    uint32 const count = size / sizeof(Value);
+    for (auto _ : state) {
+        char const * at = source_chars();
+        Value sum = 0;
+        for (uint32 i = 0; i < count; ++i, at += sizeof(Value)) {
+            Value value;
+            std::memcpy(&value, at, sizeof value);
+            sum = static_cast<Value>(sum + swapped(value));
+            benchmark::DoNotOptimize(sum);
+        }
+    }
+    bytes_done(state, count);
+}
+
+template <class Value>
+void write_integers(benchmark::State & state) {
+    uint32 const count = size / sizeof(Value);
+    for (auto _ : state) {
+        stream::array_output memory(target_data().data(), size);
+        stream::buffered_output buffered(memory, block);
+        stream::big_endian_output out(buffered);
+        for (uint32 i = 0; i < count; ++i) {
+            if constexpr (sizeof(Value) == 2)
+                out.write16(static_cast<Value>(i));
+            else if constexpr (sizeof(Value) == 4)
+                out.write32(i);
+            else
+                out.write64(i);
+        }
+    }
+    bytes_done(state, count);
+}
+
+template <class Value>
+void store_integers(benchmark::State & state) {
+    uint32 const count = size / sizeof(Value);
+    for (auto _ : state) {
+        char * at = target_data().data();
+        for (uint32 i = 0; i < count; ++i, at += sizeof(Value)) {
+            Value const value = swapped(static_cast<Value>(i));
+            std::memcpy(at, &value, sizeof value);
+            benchmark::DoNotOptimize(at);
+        }
+    }
+    bytes_done(state, count);
+}
+
+BENCHMARK(load_integers<uint16>)->Name("big-endian reads, u16/limit: load and swap");
+BENCHMARK(read_integers<uint16>)->Name("big-endian reads, u16/socle");
+BENCHMARK(load_integers<uint32>)->Name("big-endian reads, u32/limit: load and swap");
+BENCHMARK(read_integers<uint32>)->Name("big-endian reads, u32/socle");
+BENCHMARK(load_integers<uint64>)->Name("big-endian reads, u64/limit: load and swap");
+BENCHMARK(read_integers<uint64>)->Name("big-endian reads, u64/socle");
+BENCHMARK(store_integers<uint16>)->Name("big-endian writes, u16/limit: swap and store");
+BENCHMARK(write_integers<uint16>)->Name("big-endian writes, u16/socle");
+BENCHMARK(store_integers<uint32>)->Name("big-endian writes, u32/limit: swap and store");
+BENCHMARK(write_integers<uint32>)->Name("big-endian writes, u32/socle");
+BENCHMARK(store_integers<uint64>)->Name("big-endian writes, u64/limit: swap and store");
+BENCHMARK(write_integers<uint64>)->Name("big-endian writes, u64/socle");
+
+} // namespace
