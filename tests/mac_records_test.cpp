@@ -1,0 +1,216 @@
+#include "io/exception.h"
+#include "io/mac/attributes.h"
+#include "stream/array_input.h"
+#include "stream/vector_input.h"
+#include "stream/vector_output.h"
+#include "tests/support/streams.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+namespace {
+
+using namespace io::mac;
+using support::pattern;
+
+byte_vector written(un::structure const & record) {
+    byte_vector data;
+    stream::vector_output out(data);
+    EXPECT_EQ(record.write(out), record.size());
+    return data;
+}
+
+template <class Record>
+Record from(byte_vector const & data) {
+    Record record;
+    stream::vector_input in(data);
+    EXPECT_EQ(record.read(in, false), record.size());
+    EXPECT_EQ(in.tell(), std::min<uint64>(data.size(), record.size()));
+    return record;
+}
+
+TEST(OsType, IsMadeOfTextsAndNumbers) {
+    struct {
+        os_type type;
+        uint32 value;
+        narrow_string text;
+    } const table[] = {
+        {os_type(), 0x3F3F3F3F, "????"},
+        {"TEXT", 0x54455854, "TEXT"},
+        {"abcde", 0x61626364, "abcd"},
+        {"ab", 0x61620000, narrow_string("ab\0\0", 4)},
+        {narrow_string(), 0, narrow_string(4, '\0')},
+        {narrow_string("a\0b", 3), 0x61006200, narrow_string("a\0b\0", 4)},
+        {narrow_string("\xFF\xFF\xFF\xFF"), 0xFFFFFFFF, "\xFF\xFF\xFF\xFF"},
+        {"\x01\x80\x02\xFE", 0x018002FE, "\x01\x80\x02\xFE"},
+        {0, 0, narrow_string(4, '\0')},
+        {-2, 0xFFFFFFFE, "\xFF\xFF\xFF\xFE"},
+        {uint32(0x8000000A), 0x8000000A, narrow_string("\x80\0\0\n", 4)},
+    };
+    for (auto const & row : table) {
+        EXPECT_EQ(row.type.value, row.value);
+        EXPECT_EQ(row.type.to_string(), row.text);
+        EXPECT_EQ(written(row.type), support::bytes(row.text));
+        EXPECT_EQ(from<os_type>(support::bytes(row.text)).value, row.value);
+    }
+}
+
+TEST(OsType, WritesOneBlock) {
+    support::recording_target target;
+    os_type("TEXT").write(target);
+    EXPECT_EQ(target.writes, (std::vector<uint32>{4}));
+}
+
+TEST(OsType, AShortStreamIsAnErrorOnlyIfAskedFor) {
+    uint32 const lenient[] = {0xFFFFFFFF, 0x41FFFFFF, 0x4142FFFF, 0x414243FF};
+    for (uint32 length = 0; length < 4; ++length) {
+        os_type type("keep");
+        stream::array_input strict("ABC", length);
+        try {
+            type.read(strict, true);
+            ADD_FAILURE() << "no exception for " << length << " bytes";
+        } catch (io::exception const & e) {
+            EXPECT_EQ(e.message(), "stream is too short");
+            EXPECT_EQ(e.origin(), "io::mac::os_type");
+            EXPECT_EQ(e.error(), 0);
+        }
+        EXPECT_EQ(type.to_string(), "keep");
+        EXPECT_EQ(strict.tell(), length);
+        stream::array_input in("ABC", length);
+        EXPECT_EQ(type.read(in, false), 4u);
+        EXPECT_EQ(type.value, lenient[length]);
+    }
+    os_type type;
+    stream::array_input in("\xFF\xFF\xFF\xFF", 4);
+    EXPECT_EQ(type.read(in, true), 4u);
+    EXPECT_EQ(type.value, 0xFFFFFFFF);
+}
+
+template <class Record>
+std::unique_ptr<un::structure> fresh() {
+    return std::make_unique<Record>();
+}
+
+std::string const zeros(16, '\0');
+
+TEST(MacRecords, WriteWhatTheyReadAndStandBehindIt) {
+    struct {
+        std::unique_ptr<un::structure> (*fresh)();
+        std::string initial;
+        std::string bytes;
+    } const table[] = {
+        {fresh<point>, zeros.substr(12), "\xFF\xFE\x7F\x80"},
+        {fresh<rect>, zeros.substr(8), {"\0\1\xFF\xFE\3\4\0\4", 8}},
+        {fresh<file_info>, "????????" + zeros.substr(8), {"TEXTCWIE\x80\x44\xFF\xFF\1\2\0\0", 16}},
+        {fresh<folder_info>, zeros, {"\0\1\xFF\xFE\3\4\0\4\x12\x34\0\5\0\6\0\0", 16}},
+        {fresh<extended_file_info>, zeros, {"\0\0\0\0\0\0\0\0\x80\1\2\3\xFF\xFE\xFD\xFC", 16}},
+        {fresh<extended_folder_info>, zeros, {"\7\x8\xFF\xFD\0\0\0\0\x80\1\2\3\0\0\0\x10", 16}},
+    };
+    for (auto const & row : table) {
+        auto const record = row.fresh();
+        EXPECT_TRUE(record->valid());
+        EXPECT_EQ(support::text(written(*record)), row.initial);
+        auto source = support::dripping(support::bytes("<" + row.bytes + ">"));
+        EXPECT_EQ(source.read(), '<');
+        EXPECT_EQ(record->read(source, true), row.bytes.size());
+        EXPECT_EQ(source.read(), '>');
+        EXPECT_EQ(support::text(written(*record)), row.bytes);
+    }
+}
+
+TEST(MacRecords, HaveTheirMembersInPlace) {
+    auto const place = from<point>({0xFF, 0xFE, 1, 2});
+    EXPECT_EQ(place.v, -2);
+    EXPECT_EQ(place.h, 0x102);
+    EXPECT_EQ(written(point(-2, 0x102)), written(place));
+    EXPECT_EQ(written(rect(1, 2, 3, 4)), (byte_vector{0, 1, 0, 2, 0, 3, 0, 4}));
+    byte_vector data(16);
+    std::iota(data.begin(), data.end(), static_cast<unsigned char>(0));
+    file_attributes const file(from<file_info>(data), from<extended_file_info>(data));
+    EXPECT_EQ(file.info.type.value, 0x00010203u);
+    EXPECT_EQ(file.info.creator.value, 0x04050607u);
+    EXPECT_EQ(file.info.flags, 0x0809);
+    EXPECT_EQ(file.info.location.v, 0x0A0B);
+    EXPECT_EQ(file.info.location.h, 0x0C0D);
+    EXPECT_EQ(file.extended.extended_flags, 0x0809);
+    EXPECT_EQ(file.extended.reserved2, 0x0A0B);
+    EXPECT_EQ(file.extended.put_away_folder_id, 0x0C0D0E0Fu);
+    folder_attributes const folder(from<folder_info>(data), from<extended_folder_info>(data));
+    EXPECT_EQ(folder.info.bounds.top, 0x0001);
+    EXPECT_EQ(folder.info.bounds.left, 0x0203);
+    EXPECT_EQ(folder.info.bounds.bottom, 0x0405);
+    EXPECT_EQ(folder.info.bounds.right, 0x0607);
+    EXPECT_EQ(folder.info.flags, 0x0809);
+    EXPECT_EQ(folder.info.location.v, 0x0A0B);
+    EXPECT_EQ(folder.extended.scroll_position.h, 0x0203);
+    EXPECT_EQ(folder.extended.extended_flags, 0x0809);
+    EXPECT_EQ(folder.extended.put_away_folder_id, 0x0C0D0E0Fu);
+}
+
+TEST(MacRecords, LoseOnlyTheReservedBytes) {
+    auto const all = pattern(16);
+    auto without = [&](std::size_t at, std::size_t count) {
+        auto data = all;
+        std::fill_n(data.begin() + long(at), count, static_cast<unsigned char>(0));
+        return data;
+    };
+    EXPECT_EQ(written(from<file_info>(all)), without(14, 2));
+    EXPECT_EQ(written(from<folder_info>(all)), without(14, 2));
+    EXPECT_EQ(written(from<extended_file_info>(all)), without(0, 8));
+    EXPECT_EQ(written(from<extended_folder_info>(all)), without(4, 4));
+}
+
+TEST(MacRecords, NumbersBehindTheEndHaveAllBitsSet) {
+    for (std::size_t length = 0; length < 4; ++length) {
+        auto const place = from<point>(byte_vector(length));
+        EXPECT_EQ(place.v, length < 2 ? -1 : 0);
+        EXPECT_EQ(place.h, -1);
+    }
+    EXPECT_EQ(from<rect>(byte_vector(7)).right, -1);
+    EXPECT_EQ(from<rect>(byte_vector(7)).bottom, 0);
+    auto const folder = from<folder_info>({});
+    EXPECT_EQ(folder.flags, 0xFFFF);
+    EXPECT_EQ(folder.bounds.top, -1);
+    EXPECT_EQ(from<extended_file_info>(byte_vector(14)).put_away_folder_id, 0xFFFFFFFF);
+    EXPECT_EQ(from<extended_file_info>(byte_vector(5)).extended_flags, 0xFFFF);
+    EXPECT_EQ(from<extended_folder_info>(byte_vector(6)).scroll_position.h, 0);
+    EXPECT_EQ(from<extended_folder_info>(byte_vector(6)).reserved2, 0xFFFF);
+}
+
+TEST(MacRecords, AFileInfoThrowsWithinItsCodesOnly) {
+    for (std::size_t length = 0; length < 16; ++length) {
+        file_info info;
+        byte_vector const data(length, 'x');
+        stream::vector_input in(data);
+        if (length < 8) {
+            EXPECT_THROW(info.read(in, false), io::exception) << length;
+            EXPECT_EQ(info.type.to_string(), length < 4 ? "????" : "xxxx");
+            EXPECT_EQ(info.flags, 0);
+        } else {
+            EXPECT_EQ(info.read(in, true), 16u) << length;
+            EXPECT_EQ(info.flags, length < 10 ? 0xFFFF : 0x7878);
+        }
+    }
+}
+
+TEST(MacRecords, ErrorsOfTheStreamPassThrough) {
+    byte_vector const data(16);
+    stream::vector_input beneath(data);
+    support::failing_source source(beneath, 3);
+    file_info info;
+    EXPECT_THROW(info.read(source, true), support::failure);
+    support::recording_target target(2);
+    EXPECT_THROW(info.write(target), support::failure);
+    EXPECT_EQ(target.data, "????");
+}
+
+TEST(MacRecords, TellTheirSizeWithoutAnObject) {
+    char const sizes[] = {os_type::fixed_size(), point::fixed_size(), rect::fixed_size()};
+    EXPECT_EQ(std::string(sizes, 3), "\4\4\x8");
+    uint32 const & constant = info::info_size; // bound to the exported object
+    EXPECT_EQ(constant, file_info::fixed_size());
+    EXPECT_EQ(constant, folder_info::fixed_size());
+}
+
+} // namespace
