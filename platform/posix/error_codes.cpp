@@ -17,16 +17,21 @@ uint32 code_of(int error) {
     case ENOMEM: return ERROR_NOT_ENOUGH_MEMORY;
     case EXDEV: return ERROR_NOT_SAME_DEVICE;
     case EROFS: return ERROR_WRITE_PROTECT;
+    case EAGAIN:
+    case EBUSY:
+    case ETXTBSY: return ERROR_SHARING_VIOLATION;
+    case ENOSYS:
     case ENOTSUP: return ERROR_NOT_SUPPORTED;
     case EEXIST: return ERROR_ALREADY_EXISTS;
-    case ENOSPC:
-    case EDQUOT: return ERROR_DISK_FULL;
-    case ENAMETOOLONG: return ERROR_FILENAME_EXCED_RANGE;
-    case ENOTEMPTY: return ERROR_DIR_NOT_EMPTY;
-    case EIO: return ERROR_IO_DEVICE;
     case EINVAL: return ERROR_INVALID_PARAMETER;
+    case ENOSPC:
+    case EDQUOT:
+    case EFBIG: return ERROR_DISK_FULL;
     case EILSEQ: return ERROR_INVALID_NAME;
+    case ENOTEMPTY: return ERROR_DIR_NOT_EMPTY;
+    case ENAMETOOLONG: return ERROR_FILENAME_EXCED_RANGE;
     case EPIPE: return ERROR_NO_DATA;
+    case EIO: return ERROR_IO_DEVICE;
     default: return ERROR_ACCESS_DENIED;
     }
 }
