@@ -1,5 +1,8 @@
 #include "nio/bit_input.h"
 
+#include "nio/lending_internal.h"
+#include "nio/words_internal.h"
+
 namespace nio {
 
 bool bit_input<1, 0, 1>::read_until(int n) {
@@ -15,6 +18,27 @@ bool bit_input<1, 0, 1>::read_until(int n) {
         count_ += 8;
     }
     return true;
+}
+
+bit_input<1, 0, 1>::run bit_input<1, 0, 1>::ahead() {
+    if (auto const lent = lending::bytes(*source_); lent.size() >= sizeof(uint64) && count_ >= 0)
+        return {accumulator_ | load_low_first(lent.data()) << count_, 64};
+    if (!require(1))
+        return {0, 0};
+    return {accumulator_, count_};
+}
+
+void bit_input<1, 0, 1>::pass(int n) {
+    if (n <= std::max(count_, 0)) {
+        drop(n);
+        return;
+    }
+    // The rest is in memory. Of its last byte some bits may be left.
+    int const bytes = (n - count_ + 7) / 8;
+    auto const last = lending::bytes(*source_)[static_cast<std::size_t>(bytes) - 1];
+    count_ += 8 * bytes - n;
+    accumulator_ = static_cast<unsigned char>(last) >> (8 - count_);
+    lending::take(*source_, static_cast<uint64>(bytes));
 }
 
 } // namespace nio

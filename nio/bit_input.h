@@ -11,6 +11,8 @@ namespace nio {
 template <int, int, int>
 class bit_input;
 
+SOCLE_API int64 read_p2(bit_input<1, 0, 1> & in);
+
 /// The first bit of the stream is bit 0 of its first byte. Bytes are taken from the source one at a time, and only when
 /// a bit of theirs is wanted; the source must outlive this object. At the end of the source, bits are -1.
 template <>
@@ -48,9 +50,22 @@ public:
     int count() const noexcept { return count_; }
 
 private:
+    friend int64 read_p2(bit_input & in);
+
     static constexpr int max_peek = 24;
 
+    /// Bits to come, the first one lowest. Those from `length` up are 0.
+    struct run {
+        uint64 bits;
+        int length;
+    };
+
     bool read_until(int n);
+
+    /// All bits that can be had with no byte from the source but one, if none is held; none at its end.
+    run ahead();
+    /// Passes over `n` bits of what `ahead` gave.
+    void pass(int n);
 
     input * source_;
     /// The next bit is bit 0; bits from `count_` up are 0.

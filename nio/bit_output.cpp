@@ -1,5 +1,7 @@
 #include "nio/bit_output.h"
 
+#include "nio/lending_internal.h"
+
 #include <algorithm>
 
 namespace nio {
@@ -23,6 +25,14 @@ void bit_output<1, 0>::put_bits(uint64 bits, int n) {
 }
 
 void bit_output<1, 0>::drain() {
+    auto const whole = static_cast<uint64>(std::max(count_, 0)) / 8;
+    if (auto const room = lending::room(*target_); whole <= room.size()) {
+        for (uint64 i = 0; i < whole; ++i, accumulator_ >>= 8)
+            room[i] = static_cast<char>(accumulator_);
+        count_ -= static_cast<int>(8 * whole);
+        lending::use(*target_, whole);
+        return;
+    }
     while (count_ >= 8)
         put_byte();
 }

@@ -1,5 +1,7 @@
 #include "any/integers.h"
 #include "nio/integer_codes.h"
+#include "stream/array_input.h"
+#include "stream/array_output.h"
 
 #include <gtest/gtest.h>
 
@@ -310,6 +312,77 @@ TEST(BitOutput, KeepsItsBitsWhenTheTargetFails) {
     bits.put_bit(1);
     bits.finish();
     EXPECT_EQ(out.bytes, (byte_vector{0x78, 0x56, 0x34, 0x92}));
+}
+
+// Classes of the caller, which are never asked for memory, beside those of the library.
+struct single_input : stream::array_input {
+    using stream::array_input::array_input;
+};
+
+struct single_output : stream::array_output {
+    using stream::array_output::array_output;
+};
+
+TEST(Codes, ReadTheSameFromMemoryAsByteByByte) {
+    std::mt19937 random(3);
+    for (int round = 0; round < 3000; ++round) {
+        std::vector<char> data(random() % 60);
+        for (auto & byte : data)
+            byte = static_cast<char>(round % 2 == 0 ? random() | random() : random());
+        stream::array_input in(data.data(), static_cast<uint32>(data.size()));
+        single_input single(data.data(), static_cast<uint32>(data.size()));
+        for (stream::input * const each : {static_cast<stream::input *>(&in), static_cast<stream::input *>(&single)}) {
+            each->read();
+            if (round % 4 == 0)
+                each->unread("\x81\xFF\x82\x03\xC5\x81\x92\x93\x94\x15\x16", 11);
+        }
+        bit_input bits(in);
+        bit_input single_bits(single);
+        for (int step = 0; step < 30; ++step) {
+            if (random() % 3 == 0) {
+                ASSERT_EQ(nio::read_wz(in), nio::read_wz(single)) << round;
+            } else {
+                if (random() % 4 == 0) {
+                    ASSERT_EQ(bits.peek(step), single_bits.peek(step)) << round;
+                }
+                ASSERT_EQ(nio::read_p2(bits), nio::read_p2(single_bits)) << round;
+            }
+            ASSERT_EQ(in.tell(), single.tell()) << round;
+            ASSERT_EQ(bits.count(), single_bits.count()) << round;
+        }
+    }
+}
+
+TEST(Codes, WriteTheSameToMemoryAsByteByByte) {
+    std::mt19937_64 random(4);
+    for (int round = 0; round < 3000; ++round) {
+        std::vector<char> data(100, 'x');
+        std::vector<char> single_data(data);
+        auto const length = static_cast<uint32>(random() % 90);
+        stream::array_output out(data.data(), length);
+        single_output single(single_data.data(), length);
+        bit_output bits(out);
+        bit_output single_bits(single);
+        auto const write = [](auto const & work) {
+            try {
+                work();
+                return true;
+            } catch (stream::exception const &) {
+                return false;
+            }
+        };
+        for (int step = 0; step < 30; ++step) {
+            auto const value = static_cast<int64>(random() >> random() % 64);
+            bool const wz = random() % 2 == 0;
+            bool const done = write([&] { wz ? nio::write_wz(value, out) : nio::write_p2(value, bits); });
+            bool const single_done =
+                write([&] { wz ? nio::write_wz(value, single) : nio::write_p2(value, single_bits); });
+            ASSERT_EQ(done, single_done) << round;
+            ASSERT_EQ(out.tell(), single.tell()) << round;
+            ASSERT_EQ(bits.count(), single_bits.count()) << round;
+            ASSERT_EQ(data, single_data) << round;
+        }
+    }
 }
 
 } // namespace
