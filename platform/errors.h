@@ -14,6 +14,7 @@ constexpr uint32 ERROR_INVALID_DATA = 13;
 constexpr uint32 ERROR_NOT_SAME_DEVICE = 17;
 constexpr uint32 ERROR_NO_MORE_FILES = 18;
 constexpr uint32 ERROR_WRITE_PROTECT = 19;
+constexpr uint32 ERROR_SEEK = 25;
 constexpr uint32 ERROR_SHARING_VIOLATION = 32;
 constexpr uint32 ERROR_NOT_SUPPORTED = 50;
 constexpr uint32 ERROR_BAD_NETPATH = 53;

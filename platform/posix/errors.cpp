@@ -26,6 +26,7 @@ constexpr message messages[] = {
     {ERROR_NOT_SAME_DEVICE, "It cannot be moved to another volume.\r\n"},
     {ERROR_NO_MORE_FILES, "There are no more files.\r\n"},
     {ERROR_WRITE_PROTECT, "The medium is read-only.\r\n"},
+    {ERROR_SEEK, "The position cannot be reached.\r\n"},
     {ERROR_SHARING_VIOLATION, "It is in use elsewhere.\r\n"},
     {ERROR_NOT_SUPPORTED, "The file system or the system does not support this.\r\n"},
     {ERROR_BAD_NETPATH, "The network path was not found.\r\n"},
