@@ -1,0 +1,81 @@
+#!/usr/bin/env bash
+# usage: macbinary.sh <program> <folder of samples> <what it prints for them>
+set -euo pipefail
+program=$1 samples=$2 expected=$3
+scratch=$(mktemp -d)
+trap 'rm -rf "$scratch"' EXIT
+cp "$samples"/*.bin "$scratch"
+cd "$scratch"
+
+# patch <file> <offset> <bytes as printf takes them>
+patch() { printf "$3" | dd of="$1" bs=1 seek="$2" conv=notrunc status=none; }
+
+# expect <status> <standard output> <standard error> <argument>...
+expect() {
+    local status=0
+    "$program" "${@:4}" >out 2>err || status=$?
+    diff -u --label expected --label printed "$2" out
+    diff -u --label 'expected errors' --label 'printed errors' "$3" err
+    [ "$status" = "$1" ] || { echo "status $status, not $1: ${*:4}"; exit 1; }
+}
+
+: >nothing
+expect 0 "$expected" nothing both_forks.bin bundle_flags.bin empty.bin placed_icon.bin read_me.bin version_one.bin
+
+# Every damaged file gets its line, and the good ones between them are shown all the same.
+head -c 127 both_forks.bin >short
+: >void
+cp both_forks.bin crc && patch crc 91 '\0'
+cp both_forks.bin stored_crc && patch stored_crc 125 '\1'
+cp both_forks.bin third && patch third 122 '\202'
+cp version_one.bin no_name && patch no_name 1 '\0'
+cp version_one.bin long_name && patch long_name 1 '\100'
+cp version_one.bin zero_in_name && patch zero_in_name 3 '\0'
+for at in 0 74 82; do cp version_one.bin not_zero_$at && patch not_zero_$at $at '\1'; done
+cp version_one.bin negative_fork && patch negative_fork 87 '\200'
+mkdir folder
+cat >errors <<'END'
+macbinary: short is too short for a MacBinary header: 127 of 128 bytes
+macbinary: void is too short for a MacBinary header: 0 of 128 bytes
+macbinary: crc has a damaged MacBinary header: its CRC is 0xf104, but it says 0x7ce0
+macbinary: stored_crc has a damaged MacBinary header: its CRC is 0x7ce0, but it says 0x7c01
+macbinary: third has a damaged MacBinary header: its CRC is 0x29b3, but it says 0x7ce0
+macbinary: no_name does not begin with a MacBinary header
+macbinary: long_name does not begin with a MacBinary header
+macbinary: zero_in_name does not begin with a MacBinary header
+macbinary: not_zero_0 does not begin with a MacBinary header
+macbinary: not_zero_74 does not begin with a MacBinary header
+macbinary: not_zero_82 does not begin with a MacBinary header
+macbinary: negative_fork does not begin with a MacBinary header
+macbinary: folder cannot be read
+macbinary: missing cannot be read
+END
+expect 1 "$expected" errors both_forks.bin short void bundle_flags.bin crc stored_crc third empty.bin placed_icon.bin \
+    no_name long_name zero_in_name not_zero_0 not_zero_74 not_zero_82 negative_fork folder read_me.bin missing \
+    version_one.bin
+
+# Names and codes are Mac Roman and may hold anything.
+cp version_one.bin odd && patch odd 1 '\012Caf\216 \033\\\360\312\177' && patch odd 65 'a\0\377\n'
+patch odd 73 '\022' && patch odd 101 '\064' && patch odd 75 '\377\376\1\2'
+{
+    printf 'odd\n'
+    printf '  name          %s\n' 'Café \x1b\\\xf0\xca\x7f'
+    printf '  type          %s\n' 'a\x00ˇ\x0a'
+    printf '  creator       SoCl\n  Finder flags  0x1234\n  location      v -2, h 258\n'
+} >odd.expected
+"$program" odd >out
+head -6 out | diff -u odd.expected -
+
+# Only an argument that the program knows is an option.
+printf 'macbinary: unknown parameter "--wrong"\n' >errors
+expect 1 nothing errors --wrong
+"$program" --help >out
+grep -q -- '--help' out
+if "$program" >out; then
+    echo 'no files, and no complaint'
+    exit 1
+fi
+if "$program" empty.bin >/dev/full; then
+    echo 'a full disk, and no complaint'
+    exit 1
+fi
