@@ -22,7 +22,6 @@ constexpr uint32 has_network_path = 0x2;
 /// Where the Unicode offsets of a link info stand, if its own header is long enough to hold them.
 constexpr uint32 long_info_header = 0x24;
 constexpr uint32 short_info_header = 0x1C;
-constexpr uint32 network_header = 0x14;
 
 constexpr std::size_t longest_target = 4096;
 
