@@ -33,17 +33,25 @@ void measure_write(benchmark::State & state, Encode encode) {
     state.SetBytesProcessed(static_cast<int64>(state.iterations() * size));
 }
 
+/// `decode` gives the `sum_of` the values.
 template <class Decode>
 void measure_read(benchmark::State & state, std::vector<char> const & code, Decode decode) {
-    for (auto _ : state) {
-        auto next = decode(code);
-        int64 sum = 0;
-        for (std::size_t i = 0; i < spread_values().size(); ++i)
-            sum ^= next();
-        benchmark::DoNotOptimize(sum);
-    }
+    for (auto _ : state)
+        benchmark::DoNotOptimize(decode(code));
     state.SetItemsProcessed(static_cast<int64>(state.iterations() * spread_values().size()));
     state.SetBytesProcessed(static_cast<int64>(state.iterations() * code.size()));
+}
+
+template <class Next>
+int64 sum_of(Next next) {
+    int64 sum = 0;
+    for (std::size_t i = 0; i < spread_values().size(); ++i)
+        sum ^= next();
+    return sum;
+}
+
+stream::array_input input_over(std::vector<char> const & code) {
+    return {code.data(), static_cast<uint32>(code.size())};
 }
 
 uint64 write_wz(std::vector<char> & code) {
@@ -109,21 +117,20 @@ BENCHMARK(wz_write_socle)->Name("wz writes, 1,000,000 values/socle");
 
 void wz_read_raw_loop(benchmark::State & state) {
     measure_read(state, encoded(write_wz), [](std::vector<char> const & code) {
-        return [from = code.data()]() mutable {
+        return sum_of([from = code.data()]() mutable {
             uint64 value = *from & 0x7F;
             while ((*from++ & 0x80) != 0)
                 value = value << 7 | (*from & 0x7F);
             return static_cast<int64>(value);
-        };
+        });
     });
 }
 BENCHMARK(wz_read_raw_loop)->Name("wz reads, 1,000,000 values/limit: plain loop");
 
 void wz_read_socle(benchmark::State & state) {
     measure_read(state, encoded(write_wz), [](std::vector<char> const & code) {
-        return [in = stream::array_input(code.data(), static_cast<uint32>(code.size()))]() mutable {
-            return nio::read_wz(in);
-        };
+        stream::array_input in = input_over(code);
+        return sum_of([&] { return nio::read_wz(in); });
     });
 }
 BENCHMARK(wz_read_socle)->Name("wz reads, 1,000,000 values/socle");
@@ -136,7 +143,7 @@ BENCHMARK(p2_write_socle)->Name("p2 writes, 1,000,000 values/socle");
 
 void p2_read_raw_loop(benchmark::State & state) {
     measure_read(state, encoded(write_p2), [](std::vector<char> const & code) {
-        return [from = code.data(), place = 0]() mutable {
+        return sum_of([from = code.data(), place = 0]() mutable {
             auto const get = [&] {
                 unsigned const bit = static_cast<unsigned char>(*from) >> place & 1;
                 place = (place + 1) % 8;
@@ -153,23 +160,17 @@ void p2_read_raw_loop(benchmark::State & state) {
                 weight -= static_cast<int>(bit);
             }
             return static_cast<int64>(x - 1);
-        };
+        });
     });
 }
 BENCHMARK(p2_read_raw_loop)->Name("p2 reads, 1,000,000 values/limit: plain loop");
 
 void p2_read_socle(benchmark::State & state) {
-    std::vector<char> const code = encoded(write_p2);
-    for (auto _ : state) {
-        stream::array_input in(code.data(), static_cast<uint32>(code.size()));
+    measure_read(state, encoded(write_p2), [](std::vector<char> const & code) {
+        stream::array_input in = input_over(code);
         nio::bit_input<1, 0, 1> bits(in);
-        int64 sum = 0;
-        for (std::size_t i = 0; i < spread_values().size(); ++i)
-            sum ^= nio::read_p2(bits);
-        benchmark::DoNotOptimize(sum);
-    }
-    state.SetItemsProcessed(static_cast<int64>(state.iterations() * spread_values().size()));
-    state.SetBytesProcessed(static_cast<int64>(state.iterations() * code.size()));
+        return sum_of([&] { return nio::read_p2(bits); });
+    });
 }
 BENCHMARK(p2_read_socle)->Name("p2 reads, 1,000,000 values/socle");
 
