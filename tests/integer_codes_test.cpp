@@ -5,7 +5,7 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
+#include <algorithm>
 #include <limits>
 #include <random>
 
@@ -21,7 +21,7 @@ struct source : nio::input {
     uint32 read(char * buffer, uint32 count) override {
         ++calls;
         count = static_cast<uint32>(std::min<uint64>(count, bytes.size() - at));
-        std::memcpy(buffer, bytes.data() + at, count);
+        std::copy_n(bytes.begin() + static_cast<std::ptrdiff_t>(at), count, buffer);
         at += count;
         return count;
     }

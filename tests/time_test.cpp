@@ -24,7 +24,8 @@ constexpr int64 hour = 3600;
 uint64 from_unix(int64 seconds) { return epoch_1970 + static_cast<uint64>(seconds) * second; }
 
 int64 midnight(int year, unsigned month, unsigned day) {
-    return sys_days(std::chrono::year(year) / month / day).time_since_epoch() / std::chrono::seconds(1);
+    std::chrono::year_month_day const date(std::chrono::year{year}, std::chrono::month{month}, std::chrono::day{day});
+    return sys_days(date).time_since_epoch() / std::chrono::seconds(1);
 }
 
 /// The host's clocks under a test's control, as long as this lives.
