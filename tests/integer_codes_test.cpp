@@ -253,6 +253,7 @@ TEST(BitInput, AsksForBytesOnlyWhenTheirBitsAreWanted) {
     EXPECT_EQ(bits.peek(24), 0x3FC3E9);
     EXPECT_EQ(bits.peek(25), -1);
     EXPECT_EQ(bits.count(), 30);
+    EXPECT_FALSE(bits.require(31)) << "has no room for another byte";
     bits.drop(22);
     EXPECT_TRUE(bits.require(16));
     EXPECT_FALSE(bits.require(17));

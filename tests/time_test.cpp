@@ -11,6 +11,8 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdlib>
+#include <ctime>
+#include <optional>
 
 namespace {
 
@@ -63,31 +65,27 @@ private:
 /// The process in another zone, as long as this lives; the library as if it had been loaded in it on 1 July 2024.
 class in_zone {
 public:
-    explicit in_zone(char const * name) : old_(std::getenv("TZ")) {
-        enter(name);
+    explicit in_zone(char const * name) {
+        if (char const * const old = std::getenv("TZ"))
+            old_ = old;
+        setenv("TZ", name, 1);
         host_clocks::date = midnight(2024, 7, 1);
         platform::GetTimeZoneInformation(nio::zone_at_load);
     }
     ~in_zone() {
-        enter(old_.c_str());
-        host_clocks::date = midnight(2024, 7, 1);
+        if (old_)
+            setenv("TZ", old_->c_str(), 1);
+        else
+            unsetenv("TZ");
         platform::GetTimeZoneInformation(nio::zone_at_load);
     }
 
 private:
-    static void enter(char const * name) {
-        setenv("TZ", name, 1);
-        tzset();
-    }
-    std::string old_;
+    std::optional<std::string> old_;
     host_clocks clocks_;
 };
 
-int64 host_offset(int64 seconds) {
-    std::tm local{};
-    localtime_r(&seconds, &local);
-    return local.tm_gmtoff;
-}
+int64 host_offset(int64 seconds) { return std::localtime(&seconds)->tm_gmtoff; }
 
 /// What `to_local` adds to, or `to_gmt` takes from, a number of seconds since 1970.
 int64 local_minus_gmt(int64 seconds) {
