@@ -1,0 +1,12 @@
+#!/usr/bin/env bash
+# Builds the library with its example, and shows what the example makes of real files.
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+. scripts/packages.sh
+
+need cmake=cmake ninja-build=ninja g++=g++
+cmake --preset release -B build/demo -DCMAKE_CXX_COMPILER=g++ -DSOCLE_BUILD_TESTS=OFF
+cmake --build build/demo
+
+printf '\nHeaders of MacBinary files, as other programs wrote them:\n\n'
+build/demo/examples/macbinary/macbinary examples/samples/*.bin
