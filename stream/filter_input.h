@@ -36,6 +36,7 @@ protected:
 
     /// The stream beneath, or null.
     input * underlying() const noexcept { return underlying_; }
+    void underlying(input * stream) noexcept { underlying_ = stream; }
 
     // What the stream beneath lends, for a class that hands its bytes on as they are.
     std::span<char const> _lend_beneath();

@@ -40,6 +40,7 @@ public:
 protected:
     /// The stream beneath, or null.
     output * underlying() const noexcept { return underlying_; }
+    void underlying(output * stream) noexcept { underlying_ = stream; }
     /// The stream beneath, or "there is no stream beneath".
     output & beneath() const;
 

@@ -84,12 +84,8 @@ uint64 input::skip(uint64 count) {
 uint64 input::copy_to(output & target) {
     uint64 const held = pending();
     if (held > 0) {
-        // One block for the target, unless its length does not fit a count.
-        for (uint64 done = 0; done < held;) {
-            auto const block = static_cast<uint32>(std::min<uint64>(held - done, UINT32_MAX));
-            target.write(reinterpret_cast<char const *>(pushback_.data() + pushback_pos_ + done), block);
-            done += block;
-        }
+        in_blocks(reinterpret_cast<char const *>(pushback_.data() + pushback_pos_), held,
+                  [&](char const * data, uint32 count) { target.write(data, count); });
         release_data();
     }
     return held + _copy_to(target);

@@ -1,9 +1,8 @@
 #include "stream/output.h"
 
 #include "nio/blocks.h"
+#include "stream/bytes_internal.h"
 #include "stream/input.h"
-
-#include <algorithm>
 
 namespace stream {
 
@@ -27,13 +26,7 @@ bool output::seek(uint64) { throw exception("cannot seek in a sequential stream"
 uint64 output::size() const { return tell(); }
 
 void output::write(narrow_string const & text) {
-    // A count has 32 bits, so that a longer text takes several blocks.
-    std::size_t done = 0;
-    do {
-        auto const block = static_cast<uint32>(std::min<std::size_t>(text.size() - done, UINT32_MAX));
-        write(text.data() + done, block);
-        done += block;
-    } while (done < text.size());
+    in_blocks(text.data(), text.size(), [this](char const * data, uint32 count) { write(data, count); });
 }
 
 void output::copy_from(input & source) {

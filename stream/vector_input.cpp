@@ -35,12 +35,7 @@ uint64 vector_input::_skip(uint64 count) {
 uint64 vector_input::_copy_to(output & target) {
     // The length is taken once, so that a target which appends to this very vector comes to an end.
     uint64 const length = rest().size();
-    uint64 done = 0;
-    do {
-        auto const block = static_cast<uint32>(std::min<uint64>(length - done, UINT32_MAX));
-        target.write(rest().data() + done, block);
-        done += block;
-    } while (done < length);
+    in_blocks(rest().data(), length, [&](char const * data, uint32 count) { target.write(data, count); });
     return length;
 }
 

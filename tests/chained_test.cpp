@@ -1,0 +1,180 @@
+#include "stream/buffered_output.h"
+#include "stream/multi_input.h"
+#include "stream/multi_output.h"
+#include "stream/vector_input.h"
+#include "tests/support/streams.h"
+
+#include <gtest/gtest.h>
+
+#include <deque>
+
+namespace {
+
+using support::failure;
+using support::fragment_source;
+using support::raised;
+using support::recording_target;
+using support::rest;
+
+struct series : stream::multi_input {
+    explicit series(std::vector<std::string> const & members) {
+        for (auto const & member : members)
+            sources.emplace_back(std::vector<std::string>{member});
+        if (!sources.empty())
+            under(sources[0]);
+    }
+    void next() override {
+        if (++at < sources.size())
+            under(sources[at]);
+        else
+            multi_input::next();
+    }
+    std::deque<fragment_source> sources;
+    std::size_t at = 0;
+};
+
+TEST(MultiInput, ReadsASeriesAsOne) {
+    std::vector<std::vector<std::string>> const table = {
+        {"ab", "", "cde"}, {"", "", "abcde"}, {"abcde", "", ""}, {"a", "b", "c", "d", "e"}};
+    for (auto const & members : table) {
+        series single(members), block(members), skipping(members);
+        EXPECT_EQ(rest(single), "abcde");
+        EXPECT_EQ(single.read(), -1);
+        EXPECT_EQ(single.tell(), 5u);
+        char data[10];
+        EXPECT_EQ(block.read(data, 0), 0u);
+        EXPECT_EQ(block.read(data, 10), 5u);
+        EXPECT_EQ(std::string(data, 5), "abcde");
+        EXPECT_EQ(block.tell(), 5u);
+        EXPECT_EQ(block.size(), all_ones);
+        EXPECT_EQ(skipping.skip(3), 3u);
+        EXPECT_EQ(rest(skipping), "de");
+        EXPECT_EQ(skipping.skip(1), 0u);
+    }
+    series none({});
+    EXPECT_EQ(none.read(), -1);
+    EXPECT_EQ(none.tell(), 0u);
+}
+
+TEST(MultiInput, GivesBackToTheCurrentMember) {
+    series in({"ab", "cd"});
+    in.read();
+    in.unread("xy", 2);
+    EXPECT_EQ(in.tell(), 1u);
+    EXPECT_EQ(rest(in), "xybcd");
+    EXPECT_EQ(in.tell(), 6u);
+    EXPECT_THROW(in.unread('z'), stream::exception);
+}
+
+/// Gives `limits.size()` targets; the n-th of all their writes fails.
+struct files : stream::multi_output {
+    explicit files(std::vector<uint64> l, int n = 0) : limits(std::move(l)), failing(n) {}
+    using multi_output::limit;
+    void next() override {
+        ++asked;
+        if (targets.size() == limits.size()) {
+            multi_output::next();
+            return;
+        }
+        limit(limits[targets.size()]);
+        targets.emplace_back(failing);
+        if (failing > 0)
+            failing = 0;
+        under(targets.back());
+    }
+    std::string written_to_all() const {
+        std::string all;
+        for (auto const & target : targets)
+            all += target.data + "|";
+        return all;
+    }
+    std::vector<uint64> limits;
+    std::deque<recording_target> targets;
+    int failing;
+    int asked = 0;
+};
+
+std::string const run_out = "stream::multi_output: I have run out of files to write";
+
+TEST(MultiOutput, FillsEachTarget) {
+    struct {
+        std::vector<uint64> limits;
+        std::vector<std::string> writes;
+        std::string files;
+        int asked;
+    } const table[] = {
+        {{10, 10, 10}, {"0123456789012345678901234"}, "0123456789|0123456789|01234|", 3},
+        {{10, 10}, {"0123456789"}, "0123456789|", 1},
+        {{10, 10}, {"0123456789", "x"}, "0123456789|x|", 2},
+        {{4, 0, 0, 4}, {"abc", "", "defg"}, "abcd|||efg|", 4},
+        {{0, 1, 0, 1}, {"a", "b"}, "|a||b|", 4},
+        {{all_ones}, {"a", "bc"}, "abc|", 1},
+        {{3}, {}, "", 0},
+    };
+    for (auto const & c : table) {
+        files blocks(c.limits), singles(c.limits);
+        std::string all;
+        for (auto const & piece : c.writes) {
+            all += piece;
+            blocks.write(piece.data(), static_cast<uint32>(piece.size()));
+        }
+        for (char const byte : all)
+            singles.write(byte);
+        EXPECT_EQ(blocks.written_to_all(), c.files);
+        EXPECT_EQ(singles.written_to_all(), c.files);
+        EXPECT_EQ(blocks.asked, c.asked);
+        EXPECT_EQ(blocks.tell(), all.size());
+        EXPECT_EQ(singles.tell(), all.size());
+        EXPECT_EQ(blocks.size(), all_ones);
+    }
+}
+
+TEST(MultiOutput, RunsOutOfFilesForGood) {
+    files out({4, 4});
+    EXPECT_EQ(raised([&] { out.write("123456789", 9); }), run_out);
+    EXPECT_EQ(out.written_to_all(), "1234|5678|");
+    EXPECT_EQ(raised([&] { out.write("x", 1); }), run_out);
+    EXPECT_EQ(raised([&] { out.write('x'); }), run_out);
+    EXPECT_EQ(out.tell(), 8u);
+    EXPECT_EQ(out.asked, 3);
+    EXPECT_THROW(out.write(narrow_string("x")), stream::exception);
+}
+
+TEST(MultiOutput, ALimitMayFallBelowWhatIsWritten) {
+    files out({10, 10});
+    out.write("abcd", 4);
+    out.limit(2);
+    out.write("", 0);
+    EXPECT_EQ(out.asked, 1);
+    out.write("ef", 2);
+    EXPECT_EQ(out.written_to_all(), "abcd|ef|");
+    out.limit(1);
+    EXPECT_EQ(raised([&] { out.write('g'); }), run_out);
+}
+
+TEST(MultiOutput, LosesNothingWhenATargetFails) {
+    std::string const data = "abcdefghijklmnopqrstuvwxyz";
+    for (int n = 1; n <= 8; ++n) {
+        files out({7, 7, 7, 7}, n);
+        stream::buffered_output buffered(out, 2);
+        std::size_t at = 0;
+        int failures = 0;
+        while (at < data.size()) {
+            auto const count = std::min<std::size_t>(1 + at % 5, data.size() - at);
+            try {
+                if (count == 1)
+                    out.write(data[at]);
+                else
+                    out.write(data.data() + at, static_cast<uint32>(count));
+            } catch (failure const &) {
+                ++failures;
+            }
+            at = out.tell(); // what did not arrive is written again
+        }
+        EXPECT_EQ(out.written_to_all(), "abcdefg|hijklmn|opqrstu|vwxyz|") << n;
+        EXPECT_LE(failures, 1);
+        EXPECT_EQ(failures, n <= 3 ? 1 : failures);
+    }
+}
+
+} // namespace

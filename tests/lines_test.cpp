@@ -1,0 +1,186 @@
+#include "stream/buffered_input.h"
+#include "stream/line_input.h"
+#include "stream/text_output.h"
+#include "stream/vector_input.h"
+#include "stream/xml_output.h"
+#include "tests/support/streams.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using support::bytes;
+using support::fragment_source;
+using support::recording_target;
+using support::text;
+
+/// A caller's class, which gets every byte through `read()`.
+struct callers_lines : stream::line_input {
+    using line_input::line_input;
+};
+
+/// All lines of `data`, each ended by "|", over sources that lend, lend in small parts and lend nothing; the position
+/// after each line has to be the same.
+template <class Read>
+void each_way(std::string const & data, std::string const & expected, Read read) {
+    byte_vector const vector = bytes(data);
+    stream::vector_input memory(vector), beneath(vector), under_callers(vector);
+    stream::buffered_input buffered(beneath, 3);
+    fragment_source fragments({data});
+    stream::line_input lent(memory), parts(buffered), singles(fragments);
+    callers_lines callers(under_callers);
+    std::string lines[4];
+    stream::line_input * const all[] = {&lent, &parts, &singles, &callers};
+    for (bool more = true; more;) {
+        for (int i = 0; i < 4; ++i)
+            more = read(*all[i], lines[i]) && more;
+        EXPECT_EQ(lent.tell(), singles.tell()) << data;
+        EXPECT_EQ(parts.tell(), singles.tell()) << data;
+        EXPECT_EQ(callers.tell(), singles.tell()) << data;
+    }
+    for (auto const & line : lines)
+        EXPECT_EQ(line, expected) << data;
+}
+
+TEST(LineInput, CutsLines) {
+    std::string const long_line(100, 'x');
+    struct {
+        std::string data, lines, in_fours;
+    } const table[] = {
+        {"", "", ""},
+        {"abc", "abc|", "abc|"},
+        {"a\r\nb\n\nc", "a|b|c|", "a|b|c|"},
+        {"\n\r\n", "", ""},
+        {"\r\n\r\n\nab", "ab|", "ab|"},
+        {"abcdef\nabc\rd\r", "abcdef|abc|d|", "abc|def|abc|d|"},
+        {std::string("a\0b\n\xFF\n", 6), std::string("a\0b|\xFF|", 6), std::string("a\0b|\xFF|", 6)},
+        {"12345678\n1234567\r\n123456789\x0B\x0C\x0E\x8A\x8D\n", "12345678|1234567|123456789\x0B\x0C\x0E\x8A\x8D|",
+         "123|456|78|123|456|7|123|456|789|\x0B\x0C\x0E|\x8A\x8D|"},
+    };
+    for (auto const & c : table) {
+        each_way(c.data, c.lines, [](stream::line_input & in, std::string & lines) {
+            auto const line = in.read_line();
+            lines += line.empty() ? "" : line + "|";
+            return !line.empty();
+        });
+        each_way(c.data, c.lines, [](stream::line_input & in, std::string & lines) {
+            byte_vector line = bytes("old");
+            bool const found = in.read_line(line) != 0xFFFFFFFF;
+            lines += found ? text(line) + "|" : text(line);
+            return found;
+        });
+        each_way(c.data, c.in_fours, [](stream::line_input & in, std::string & lines) {
+            char line[6] = {'*', '*', '*', '*', '*', '*'};
+            uint32 const length = in.read_line(line, 4);
+            EXPECT_EQ(line[length == 0xFFFFFFFF ? 0 : length], '\0');
+            EXPECT_EQ(line[4], '*');
+            if (length == 0xFFFFFFFF)
+                return false;
+            lines += std::string(line, length) + "|";
+            return true;
+        });
+    }
+}
+
+TEST(LineInput, ReadsNothingWhereNothingFits) {
+    fragment_source source({"\nab"});
+    stream::line_input in(source);
+    char line[1] = {'*'};
+    EXPECT_EQ(in.read_line(nullptr, 9), 0u);
+    EXPECT_EQ(in.read_line(line, 0), 0u);
+    EXPECT_EQ(line[0], '*');
+    EXPECT_EQ(in.read_line(line, 1), 0u);
+    EXPECT_EQ(line[0], '\0');
+    EXPECT_TRUE(source.asked.empty());
+}
+
+TEST(LineInput, StandsBetweenTheTwoBytesOfAPair) {
+    byte_vector const data = bytes("ab\r\ncd");
+    stream::vector_input memory(data);
+    stream::line_input in(memory);
+    EXPECT_EQ(in.read_line(), "ab");
+    EXPECT_EQ(in.tell(), 3u);
+    EXPECT_EQ(in.read(), '\n');
+    in.unread("x\n", 2);
+    EXPECT_EQ(in.read_line(), "x");
+    EXPECT_EQ(in.read_line(), "cd");
+}
+
+TEST(TextOutput, TurnsLineEnds) {
+    struct {
+        int mode;
+        char const * data;
+        char const * written;
+    } const table[] = {
+        {0, "a\r\nb\n\r", "a\r\nb\n\r"},
+        {1, "a\r\nb", "a\nb"},
+        {1, "a\rb\nc\r\r\n\n", "a\nb\nc\n\n\n"},
+        {2, "\n\r", "\r\r"},
+        {2, "\r\n\n", "\r\r"},
+        {3, "a\nb", "a\r\nb"},
+        {3, "a\rb", "a\r\nb"},
+        {3, "a\r\nb", "a\r\nb"},
+        {3, "\n", "\r\n"},
+        {4, "a\r\nb\nc", "abc"},
+        {-1, "a\rb", "ab"},
+    };
+    for (auto const & c : table) {
+        recording_target singles, block;
+        stream::text_output by_bytes(singles, c.mode), by_block(block, c.mode);
+        for (char const * byte = c.data; *byte; ++byte)
+            by_bytes.write(*byte);
+        by_block.write(c.data, static_cast<uint32>(std::strlen(c.data)));
+        EXPECT_EQ(singles.data, c.written) << c.mode;
+        EXPECT_EQ(block.data, c.written) << c.mode;
+        EXPECT_EQ(block.writes.size() == 1, c.mode == 0 || std::strlen(c.written) == 1);
+        by_bytes.write(narrow_string("\r\n"));
+        by_bytes.write('.');
+        by_bytes.reset();
+        by_bytes.write(static_cast<unsigned char>('\n'));
+        EXPECT_EQ(singles.data, c.written + std::string(c.mode == 0 ? "\r\n.\n" : "\r\n.")) << c.mode;
+    }
+}
+
+TEST(XmlOutput, WritesADocument) {
+    recording_target target;
+    stream::xml_output xml(target, "doc", "doc.xsd", 1);
+    xml.begin();
+    xml.string_element("s", "<&>\n");
+    xml.begin_tag("group");
+    xml.indent();
+    xml.integer_element("zero", 0);
+    xml.integer_element("minus", -1);
+    xml.bool_element("yes", true);
+    xml.unindent();
+    xml.end_tag("group");
+    xml.open_begin_tag("e");
+    xml.string_attribute("a", "v");
+    xml.integer_attribute("n", 12);
+    xml.bool_attribute("b", false);
+    xml.close_begin_tag();
+    xml.empty_element("x");
+    xml.unindent();
+    xml.unindent();
+    EXPECT_EQ(xml.indentation(), 0);
+    xml.whitespace();
+    xml.tag("loose");
+    xml.end();
+    EXPECT_EQ(target.data, "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+                           "<doc xmlns:xsi=\"http://www.w3.org/2000/10/XMLSchema-instance\" "
+                           "xsi:noNamespaceSchemaLocation=\"doc.xsd\">\n"
+                           "    <s><&>\n</s>\n"
+                           "    <group>\n"
+                           "        <zero>0</zero>\n"
+                           "        <minus>18446744073709551615</minus>\n"
+                           "        <yes>true</yes>\n"
+                           "    </group>\n"
+                           "    <e a=\"v\" n=\"12\" b=\"false\">\n"
+                           "    <x/>\n"
+                           "loose</doc>\n\n");
+    recording_target pairs;
+    stream::xml_output with_pairs(pairs, "r", "", 3);
+    with_pairs.full_tag("\n");
+    EXPECT_EQ(pairs.data, "<\n/>\r\n");
+}
+
+} // namespace

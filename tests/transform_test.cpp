@@ -1,0 +1,93 @@
+#include "stream/buffered_output.h"
+#include "stream/copier.h"
+#include "stream/vector_input.h"
+#include "stream/vector_output.h"
+#include "tests/support/streams.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using support::failure;
+using support::fragment_source;
+using support::raised;
+using support::recording_target;
+using support::text;
+
+TEST(Transform, RefusesToWork) {
+    stream::transform none;
+    fragment_source source({"a"});
+    recording_target target;
+    EXPECT_EQ(raised([&] { none.process(source, target); }),
+              "stream::transform: full stream processing is not implemented");
+    EXPECT_EQ(raised([&] { none.process(source, target, all_ones); }),
+              "stream::transform: partial stream processing is not implemented");
+}
+
+TEST(Copier, MovesInBlocks) {
+    struct {
+        uint32 size;
+        uint64 count;
+        std::vector<uint32> asked, writes;
+    } const table[] = {
+        {4, all_ones, {4, 4, 4, 4}, {4, 4, 2, 0}},
+        {4, 10, {4, 4, 2}, {4, 4, 2}},
+        {4, 11, {4, 4, 3}, {4, 4, 2}},
+        {4, 8, {4, 4}, {4, 4}},
+        {4, 0, {0}, {0}},
+        {65536, 3, {3}, {3}},
+        {65536, all_ones, {65536, 65536}, {10, 0}},
+        {0, 2, {1, 1}, {1, 1}},
+    };
+    std::string const data = "0123456789";
+    for (auto const & c : table) {
+        fragment_source source({data});
+        recording_target target;
+        target.write("before", 6);
+        target.mark();
+        target.writes.clear();
+        stream::copier copier(c.size);
+        auto const expected = std::min<uint64>(c.count, data.size());
+        EXPECT_EQ(copier.process(source, target, c.count), expected);
+        EXPECT_EQ(source.asked, c.asked);
+        EXPECT_EQ(target.writes, c.writes);
+        EXPECT_EQ(target.drift(), expected);
+        // The same from memory, to a caller's sink and to one of the library.
+        byte_vector const vector = support::bytes(data);
+        stream::vector_input memory(vector), again(vector);
+        recording_target callers;
+        byte_vector copy;
+        stream::vector_output library(copy);
+        EXPECT_EQ(copier.process(memory, callers, c.count), expected);
+        EXPECT_EQ(callers.writes, c.writes);
+        EXPECT_EQ(copier.process(again, library, c.count), expected);
+        EXPECT_EQ(text(copy), data.substr(0, expected));
+        EXPECT_EQ(again.tell(), expected);
+    }
+    EXPECT_EQ(stream::copier().buffer_size(), 65536u);
+}
+
+TEST(Copier, StopsWhereAStreamFails) {
+    auto const data = support::pattern(50);
+    for (int n = 1; n <= 7; ++n) {
+        for (bool const source_fails : {true, false}) {
+            stream::vector_input memory(data);
+            support::failing_source source(memory, source_fails ? n : 0);
+            recording_target target(source_fails ? 0 : n);
+            stream::copier copier(10);
+            EXPECT_EQ(raised([&] {
+                          try {
+                              copier.process(source, target);
+                          } catch (failure const &) {
+                              throw stream::exception("failed", "test");
+                          }
+                      }),
+                      n <= 6 ? "test: failed" : "nothing");
+            auto const moved = std::min<std::size_t>(static_cast<std::size_t>(n - 1) * 10, 50);
+            EXPECT_EQ(target.data, text({data.begin(), data.begin() + long(moved)}));
+            EXPECT_EQ(target.drift(), moved);
+        }
+    }
+}
+
+} // namespace
