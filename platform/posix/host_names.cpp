@@ -50,13 +50,40 @@ std::size_t decode_utf8(std::string_view text, char32_t & c) {
     return overlong || surrogate || c > 0x10FFFF ? 0 : size;
 }
 
+void append_utf16(wide_string & text, char32_t c) {
+    if (c < 0x10000) {
+        text += static_cast<char16_t>(c);
+        return;
+    }
+    text += static_cast<char16_t>(0xD7C0 + (c >> 10));
+    text += static_cast<char16_t>(0xDC00 + (c & 0x3FF));
+}
+
+/// `append(text, c)` adds a character, or says that its bytes count as bad ones.
+template <typename Append>
+wide_string decode(std::string_view host, Append append) {
+    wide_string text;
+    while (!host.empty()) {
+        char32_t c = 0;
+        std::size_t const size = decode_utf8(host, c);
+        if (size != 0 && append(text, c)) {
+            host.remove_prefix(size);
+            continue;
+        }
+        // One byte at a time: what follows it may well be valid.
+        text += static_cast<char16_t>(bad_byte + static_cast<unsigned char>(host[0]));
+        host.remove_prefix(1);
+    }
+    return text;
+}
+
 } // namespace
 
 bool to_host_name(std::u16string_view name, narrow_string & host) {
     host.clear();
     for (std::size_t i = 0; i < name.size(); ++i) {
         char16_t const unit = name[i];
-        if (unit == 0 || unit == u'/') {
+        if (std::u16string_view(u"\0/\\:", 4).find(unit) != std::u16string_view::npos) {
             return false;
         }
         if (unit == host_backslash || unit == host_colon) {
@@ -80,27 +107,20 @@ bool to_host_name(std::u16string_view name, narrow_string & host) {
 }
 
 wide_string from_host_name(std::string_view host) {
-    wide_string name;
-    while (!host.empty()) {
-        char32_t c = 0;
-        std::size_t const size = decode_utf8(host, c);
-        if (size == 0 || c == host_backslash || c == host_colon) {
-            // One byte at a time: what follows it may well be valid.
-            name += static_cast<char16_t>(bad_byte + static_cast<unsigned char>(host[0]));
-            host.remove_prefix(1);
-            continue;
+    return decode(host, [](wide_string & name, char32_t c) {
+        if (c == host_backslash || c == host_colon) {
+            return false;
         }
-        host.remove_prefix(size);
-        if (c == U'\\' || c == U':') {
-            name += c == U':' ? host_colon : host_backslash;
-        } else if (c < 0x10000) {
-            name += static_cast<char16_t>(c);
-        } else {
-            name += static_cast<char16_t>(0xD7C0 + (c >> 10));
-            name += static_cast<char16_t>(0xDC00 + (c & 0x3FF));
-        }
-    }
-    return name;
+        append_utf16(name, c == U':' ? host_colon : c == U'\\' ? host_backslash : c);
+        return true;
+    });
+}
+
+wide_string from_host_text(std::string_view host) {
+    return decode(host, [](wide_string & text, char32_t c) {
+        append_utf16(text, c);
+        return true;
+    });
 }
 
 } // namespace platform::posix
