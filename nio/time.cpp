@@ -6,14 +6,13 @@ namespace nio {
 
 namespace {
 
-// In seconds since 1601.
-constexpr uint64 year_1904 = 9'561'628'800;
-constexpr uint64 year_1970 = 11'644'473'600;
-constexpr uint64 year_2000 = 12'591'158'400;
-
 constexpr uint64 second = platform::file_time_second;
 constexpr uint64 hour = 3600 * second;
-static_assert(year_1970 * second == platform::file_time_of_1970);
+
+// In seconds since 1601.
+constexpr uint64 year_1904 = 9'561'628'800;
+constexpr uint64 year_1970 = platform::file_time_of_1970 / second;
+constexpr uint64 year_2000 = 12'591'158'400;
 
 /// 1/65536 second in units of a file time; cut off, as these times are converted between two systems in whole units.
 constexpr uint64 mac_fraction = 152;
