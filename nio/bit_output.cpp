@@ -25,11 +25,13 @@ void bit_output<1, 0>::put_bits(uint64 bits, int n) {
 }
 
 void bit_output<1, 0>::drain() {
-    auto const whole = static_cast<uint64>(std::max(count_, 0)) / 8;
-    if (auto const room = lending::room(*target_); whole <= room.size()) {
-        for (uint64 i = 0; i < whole; ++i, accumulator_ >>= 8)
+    if (count_ < 8)
+        return;
+    auto const whole = static_cast<std::size_t>(count_ / 8);
+    if (auto const room = lending::room(*target_); room.size() >= whole) {
+        for (std::size_t i = 0; i < whole; ++i, accumulator_ >>= 8)
             room[i] = static_cast<char>(accumulator_);
-        count_ -= static_cast<int>(8 * whole);
+        count_ %= 8;
         lending::use(*target_, whole);
         return;
     }
