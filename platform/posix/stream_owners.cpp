@@ -143,26 +143,31 @@ mode_t folder_bits(mode_t file) {
 
 int make_id_folder(narrow_string const & store, narrow_string const & id, narrow_string const & file) {
     narrow_string const folder = folder_of(store, id);
-    narrow_string const path = path_in_volume(store, file);
-    if (mkdir(folder.c_str(), S_IRWXU) == 0) {
-        struct stat owner {};
-        if (stat(file.c_str(), &owner) != 0) {
-            return errno;
-        }
-        if (owner.st_uid != geteuid() || owner.st_gid != getegid()) {
-            // Only root can; for others the bits below must do.
-            static_cast<void>(!chown(folder.c_str(), owner.st_uid, owner.st_gid));
-        }
-        if (chmod(folder.c_str(), folder_bits(owner.st_mode)) != 0) {
-            return errno;
-        }
-    } else if (errno != EEXIST) {
+    if (mkdir(folder.c_str(), S_IRWXU) != 0 && errno != EEXIST) {
         return errno;
     }
-    if (!owner_was_at(store, id, path)) {
-        // Only a hint for the time after the volume has been copied: without it, a folder with one claimant finds it.
-        set_attribute(folder, attribute, path);
+    narrow_string const path = path_in_volume(store, file);
+    narrow_string last;
+    if (get_attribute(folder, attribute, false, last)) {
+        if (last != path) {
+            set_attribute(folder, attribute, path);
+        }
+        return 0;
     }
+    // New, or left by a process that ended here.
+    struct stat owner {};
+    if (stat(file.c_str(), &owner) != 0) {
+        return errno;
+    }
+    if (owner.st_uid != geteuid() || owner.st_gid != getegid()) {
+        // Only root can; for others the bits below must do.
+        static_cast<void>(!chown(folder.c_str(), owner.st_uid, owner.st_gid));
+    }
+    if (chmod(folder.c_str(), folder_bits(owner.st_mode)) != 0) {
+        return errno;
+    }
+    // Only a hint for the time after the volume has been copied: without it, a folder with one claimant finds it.
+    set_attribute(folder, attribute, path);
     return 0;
 }
 
