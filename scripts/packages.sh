@@ -9,12 +9,16 @@ as_root() {
     fi
 }
 
-# need <package>=<program, or file that it brings>...
+# need <package>=<program, or absolute path of a file, that it brings>...
 need() {
     local entry brings missing=()
     for entry; do
         brings=${entry#*=}
-        command -v "$brings" >/dev/null || [ -e "$brings" ] || missing+=("${entry%%=*}")
+        # A file need not be a program; a name without a path might be one of this tree's folders.
+        case $brings in
+            /*) [ -e "$brings" ] ;;
+            *) command -v "$brings" >/dev/null ;;
+        esac || missing+=("${entry%%=*}")
     done
     [ ${#missing[@]} -eq 0 ] && return
     command -v apt-get >/dev/null || { echo "please install: ${missing[*]}" >&2; exit 1; }

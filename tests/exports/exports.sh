@@ -12,17 +12,18 @@ if [ -e "$host_header" ]; then
 fi
 about='(vtable for |VTT for |typeinfo for |typeinfo name for |construction vtable for |(non-)?virtual thunk to )'
 ours="^$about?(($families)::|platform::(${host:-none})\()"
-# What the compiler makes of the standard library's templates, with or without a result type in front.
-standard="^($about|guard variable for |[^(<]* )?(std|__gnu_cxx)::"
+# What the compiler makes of the standard library's templates. It is told by the mangled names, as demanglers differ on
+# result types. A sanitizer marks each of our constants with a symbol of its own.
+standard='_Z(TV|TT|TI|TS|GV)?Z?N?K?(S[tabsiod]|9__gnu_cxx)|__odr_asan\.'
 
-symbols=$("$nm" -DC --defined-only "$library")
-grep -q ' un::exception::~exception()$' <<<"$symbols" || { echo "no symbol table of ours in $library"; exit 1; }
-
-# One compiler tells result types as they are derived; a sanitizer marks each of our constants with a symbol of its own.
-names=$(sed -E 's/^[0-9a-f]* . //; s/^decltype\(.*\) (std|__gnu_cxx)::/\1::/; /^__odr_asan\./d' <<<"$symbols" | sort -u)
+# list [option]: all symbols in the order of the table.
+list() { "$nm" -D -p --defined-only "$@" "$library" | sed 's/^[0-9a-f]* . //'; }
+symbols=$(paste <(list) <(list -C))
+names=$(grep -vE "^($standard)" <<<"$symbols" | cut -f2 | sort -u)
+grep -qxF 'un::exception::~exception()' <<<"$names" || { echo "no symbol table of ours in $library"; exit 1; }
 foreign=$(
-    grep -vE "$ours|$standard" <<<"$names" || true
-    grep -E '\balgorithm::' <<<"$names" || true
+    grep -vE "$ours" <<<"$names" || true
+    cut -f2 <<<"$symbols" | grep -E '\balgorithm::' || true
 )
 if [ -n "$foreign" ]; then
     printf 'exported, but no part of a public family:\n%s\n' "$foreign"
