@@ -31,6 +31,7 @@
 #include "nio/path.h"
 #include "nio/time.h"
 #include "nio/timer.h"
+#include "platform/host.h"
 #include "qpthr/exception.h"
 #include "stream/array_input.h"
 #include "stream/array_output.h"

@@ -1,6 +1,7 @@
 #pragma once
 
-#include <unistd.h>
+#include "platform/posix/host_calls.h"
+
 #include <utility>
 
 namespace platform::posix {
@@ -16,7 +17,7 @@ public:
     }
     ~descriptor_guard() {
         if (descriptor_ >= 0) {
-            close(descriptor_);
+            host::close(descriptor_);
         }
     }
 

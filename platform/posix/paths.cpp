@@ -1,0 +1,152 @@
+#include "platform/paths.h"
+
+#include "platform/errors.h"
+#include "platform/host.h"
+#include "platform/posix/descriptor.h"
+#include "platform/posix/host_calls.h"
+#include "platform/posix/host_names.h"
+#include "platform/posix/path_text.h"
+#include "platform/posix/report.h"
+#include "platform/posix/resolve.h"
+
+#include <algorithm>
+#include <cerrno>
+
+namespace platform {
+
+namespace posix {
+
+namespace {
+
+/// Turns the separators, and the names between them with `convert`, of a path into another form.
+template <typename Text, typename Convert>
+void convert_names(std::basic_string_view<typename Text::value_type> path, Text const & from_separators,
+                   Convert convert) {
+    while (!path.empty()) {
+        std::size_t const end = std::min(path.find_first_of(from_separators), path.size());
+        convert(path.substr(0, end), end < path.size());
+        path.remove_prefix(std::min(end + 1, path.size()));
+    }
+}
+
+bool same_letter(char16_t unit, char letter) { return (unit & ~char16_t{0x20}) == static_cast<unsigned char>(letter); }
+
+/// Gives a path on another volume than its text says that volume's letter.
+void set_volume(path_text & path) {
+    resolved_path found;
+    resolve_names(path, found);
+    if (found.on == nullptr || found.host.empty() || same_letter(path.root.front(), found.on->letter)) {
+        return;
+    }
+    path_text moved{{static_cast<char16_t>(found.on->letter), u':'}, {}, path.folder};
+    convert_names<narrow_string>(std::string_view(found.host).substr(found.on->folder.size()), "/",
+                                 [&](std::string_view name, bool) {
+                                     if (!name.empty()) {
+                                         moved.names.push_back(from_host_name(name));
+                                     }
+                                 });
+    std::size_t const colon = path.names.empty() ? wide_string::npos : path.names.back().find(u':');
+    if (colon != wide_string::npos && !moved.names.empty()) {
+        moved.names.back() += path.names.back().substr(colon);
+    }
+    moved.folder = moved.folder && !moved.names.empty();
+    path = std::move(moved);
+}
+
+/// The type of what is mounted last at the host's root, as the kernel calls it.
+narrow_string root_file_system() {
+    descriptor_guard const table(host::open("/proc/self/mountinfo", O_RDONLY | O_CLOEXEC));
+    narrow_string text;
+    char block[4096];
+    for (ssize_t got = 1; got != 0;) {
+        got = host::read(table.get(), block, sizeof block);
+        if (got < 0 && errno != EINTR) {
+            break;
+        }
+        text.append(block, static_cast<std::size_t>(std::max<ssize_t>(got, 0)));
+        got = got < 0 ? 1 : got;
+    }
+    narrow_string type = "unknown";
+    convert_names<narrow_string>(text, "\n", [&](std::string_view line, bool) {
+        // 25 1 8:1 / / rw,relatime shared:1 - ext4 /dev/sda1 rw
+        std::size_t at = 0;
+        for (int field = 0; field < 4; ++field) {
+            at = std::min(line.find(' ', at), line.size() - 1) + 1;
+        }
+        std::size_t const type_at = line.find(" - ");
+        if (line.substr(at).starts_with("/ ") && type_at != std::string_view::npos) {
+            std::string_view const rest = line.substr(type_at + 3);
+            type = rest.substr(0, rest.find(' '));
+        }
+    });
+    return type;
+}
+
+} // namespace
+
+} // namespace posix
+
+bool GetFullPathNameW(wide_string const & path, wide_string & full) {
+    posix::path_text text;
+    if (uint32 const code = posix::read_path(path, text)) {
+        return posix::report(code);
+    }
+    if (!text.is_share() && posix::any_attached()) {
+        posix::set_volume(text);
+    }
+    full = text.text();
+    return true;
+}
+
+bool GetVolumeInformationW(wide_string const & root, wide_string & file_system) {
+    posix::resolved_path resolved;
+    if (uint32 const code = posix::resolve(root, resolved)) {
+        return posix::report(code);
+    }
+    bool const host_root = resolved.on->letter == 'C';
+    file_system = posix::from_host_name(host_root ? posix::root_file_system() : resolved.on->file_system);
+    return true;
+}
+
+wide_string from_host(narrow_string const & path) {
+    wide_string text = path.starts_with('/') ? u"C:" : u"";
+    posix::convert_names<narrow_string>(path, "/", [&](std::string_view name, bool more) {
+        text += posix::from_host_name(name);
+        text += more ? u"\\" : u"";
+    });
+    return text;
+}
+
+narrow_string to_host(wide_string const & path) {
+    wide_string left = path;
+    narrow_string host;
+    if (left.size() >= 2 && left[1] == u':') {
+        posix::volume const * const on = posix::volume_of_letter(left[0]);
+        if (on == nullptr) {
+            SetLastError(ERROR_PATH_NOT_FOUND);
+            return {};
+        }
+        host = on->folder;
+        left.erase(0, 2);
+        if (!left.starts_with(u'\\') && !left.starts_with(u'/')) {
+            left.insert(0, 1, u'\\');
+        }
+    } else if (left.starts_with(u"\\\\") || left.starts_with(u"//")) {
+        SetLastError(ERROR_BAD_NETPATH);
+        return {};
+    }
+    bool mapped = true;
+    posix::convert_names<wide_string>(left, u"\\/", [&](std::u16string_view name, bool more) {
+        narrow_string text;
+        mapped = mapped && name.find(u':') == std::u16string_view::npos && posix::to_host_name(name, text);
+        host += text;
+        host += more ? "/" : "";
+    });
+    if (!mapped) {
+        SetLastError(ERROR_INVALID_NAME);
+        return {};
+    }
+    return host;
+}
+
+} // namespace platform
