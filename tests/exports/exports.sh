@@ -8,7 +8,7 @@ host_header=$(dirname "$0")/../../platform/host.h
 
 families='basic|qpthr|un|nio|stream|any|io|command'
 if [ -e "$host_header" ]; then
-    host=$(sed -n 's/^SOCLE_API .*\b\([a-z_]*\)(.*/\1/p' "$host_header" | sort -u | paste -sd'|')
+    host=$(sed -n 's/^SOCLE_API .*\b\([a-z_][a-z_]*\)(.*/\1/p' "$host_header" | sort -u | paste -sd'|')
 fi
 about='(vtable for |VTT for |typeinfo for |typeinfo name for |construction vtable for |(non-)?virtual thunk to )'
 ours="^$about?(($families)::|platform::(${host:-none})\()"
