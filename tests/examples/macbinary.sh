@@ -66,6 +66,23 @@ patch odd 73 '\022' && patch odd 101 '\064' && patch odd 75 '\377\376\1\2'
 "$program" odd >out
 head -6 out | diff -u odd.expected -
 
+# As XML, whatever names and paths hold.
+strange=$'a&<"\'>\\\xff\x01\xc3\xa9'
+cp odd "$strange" && patch "$strange" 3 '&<"'
+if "$program" --xml "$strange" short empty.bin >report.xml 2>err; then
+    echo 'a damaged file, and no complaint'
+    exit 1
+fi
+grep -q 'short is too short' err
+grep -qF '<file path="a&amp;&lt;&quot;'"'"'&gt;\\\xff\x01é">' report.xml
+grep -qF '<location v="-2" h="258"/>' report.xml
+[ "$(grep -c '<file ' report.xml)" = 2 ]
+if command -v xmllint >/dev/null; then
+    xmllint --noout report.xml
+else
+    echo 'left out: xmllint is not installed'
+fi
+
 # Only an argument that the program knows is an option.
 printf 'macbinary: unknown parameter "--wrong"\n' >errors
 expect 1 nothing errors --wrong

@@ -1,0 +1,46 @@
+#pragma once
+
+#include "io/mac/info.h"
+#include "stream/input.h"
+
+/// A header, field by field as it is stored; the numbers are big-endian.
+///
+/// | offset | bytes | field                                                                          |
+/// |--------|-------|--------------------------------------------------------------------------------|
+/// | 0      | 1     | 0                                                                              |
+/// | 1      | 64    | the length of the name, then the name, up to 63 characters                     |
+/// | 65     | 8     | type and creator                                                               |
+/// | 73     | 1     | the high byte of the Finder flags                                              |
+/// | 74     | 1     | 0                                                                              |
+/// | 75     | 4     | location                                                                       |
+/// | 79     | 3     | folder and protection, which say nothing about the file itself                 |
+/// | 82     | 1     | 0                                                                              |
+/// | 83     | 8     | the lengths of the data fork and the resource fork                             |
+/// | 91     | 8     | created and modified, in seconds since 1904                                    |
+/// | 99     | 2     | the length of a comment                                                        |
+/// | 101    | 1     | the low byte of the Finder flags                                               |
+/// | 122    | 2     | the version, 0 in the first generation, and the oldest that a reader must know |
+/// | 124    | 2     | CRC of all that stands before it; the first generation has none                |
+struct header {
+    uint32 zeros = 0; // all the bytes that must be 0, joined
+    std::size_t name_length = 0;
+    narrow_string name;
+    io::mac::file_info finder;
+    uint32 data_length = 0;
+    uint32 resource_length = 0;
+    uint32 created = 0;
+    uint32 modified = 0;
+    unsigned char version = 0;
+    uint16 crc = 0;
+
+    void read(stream::input & input);
+
+    /// Whether this can be a header at all: the format has no mark that every generation bears.
+    bool plausible() const;
+};
+
+/// Throws an `io::exception`, with the path as its origin, if the file does not begin with a good header.
+header header_of(narrow_string const & path);
+
+/// As `0x12ab`.
+narrow_string hex_16(uint16 value);

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "header.h"
+
+#include "stream/vector_output.h"
+#include "stream/xml_output.h"
+
+/// The headers of some files as an XML document.
+class xml_report {
+public:
+    xml_report();
+
+    void add(narrow_string const & path, header const & h);
+
+    /// Ends the document, and gives the whole of it in UTF-8.
+    narrow_string document();
+
+private:
+    byte_vector bytes_;
+    stream::vector_output memory_;
+    stream::xml_output xml_;
+};
