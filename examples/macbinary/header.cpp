@@ -1,11 +1,13 @@
 #include "header.h"
 
 #include "io/exception.h"
+#include "nio/time.h"
 #include "stream/endian_input.h"
 #include "stream/vector_input.h"
 #include "un/digits.h"
 
 #include <algorithm>
+#include <chrono>
 #include <fstream>
 #include <string>
 
@@ -88,6 +90,20 @@ header header_of(narrow_string const & path) {
                             path, 0);
     }
     return result;
+}
+
+narrow_string local_date(uint32 seconds) {
+    nio::time time;
+    time.set(seconds, nio::time::format_mac_seconds);
+    time.to_local();
+    std::chrono::sys_days const first_day = std::chrono::year(1601) / 1 / 1;
+    auto const since = std::chrono::seconds(time.file_time() / 10'000'000);
+    auto const day = std::chrono::floor<std::chrono::days>(since);
+    std::chrono::year_month_day const date(first_day + day);
+    std::chrono::hh_mm_ss const clock(since - day);
+    auto const two = [](auto count) { return un::write(static_cast<uint64>(count), 10, 2); };
+    return std::to_string(int(date.year())) + '-' + two(unsigned(date.month())) + '-' + two(unsigned(date.day())) + ' '
+           + two(clock.hours().count()) + ':' + two(clock.minutes().count()) + ':' + two(clock.seconds().count());
 }
 
 narrow_string hex_16(uint16 value) { return "0x" + un::write(value, 16, 4); }

@@ -42,5 +42,8 @@ struct header {
 /// Throws an `io::exception`, with the path as its origin, if the file does not begin with a good header.
 header header_of(narrow_string const & path);
 
+/// Seconds since 1904, in GMT, as a local date and time: `2026-11-22 13:04:25`.
+narrow_string local_date(uint32 seconds);
+
 /// As `0x12ab`.
 narrow_string hex_16(uint16 value);

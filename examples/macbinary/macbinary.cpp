@@ -22,8 +22,8 @@ void show(narrow_string const & path, header const & h) {
               << "  creator       " << readable(h.finder.creator.to_string()) << '\n'
               << "  Finder flags  " << hex_16(h.finder.flags) << '\n'
               << "  location      v " << h.finder.location.v << ", h " << h.finder.location.h << '\n'
-              << "  created       " << h.created << '\n'
-              << "  modified      " << h.modified << '\n'
+              << "  created       " << local_date(h.created) << " (" << h.created << ")\n"
+              << "  modified      " << local_date(h.modified) << " (" << h.modified << ")\n"
               << "  data fork     " << h.data_length << " bytes\n"
               << "  resource fork " << h.resource_length << " bytes\n"
               << "  header CRC    " << (h.version == 0 ? "none (first generation)" : hex_16(h.crc) + ", agrees")

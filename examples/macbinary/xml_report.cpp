@@ -75,14 +75,21 @@ void xml_report::add(narrow_string const & path, header const & h) {
     xml_.string_attribute("h", std::to_string(h.finder.location.h));
     xml_.tag("/>");
     xml_.eol();
-    xml_.integer_element("created", h.created);
-    xml_.integer_element("modified", h.modified);
+    add_date("created", h.created);
+    add_date("modified", h.modified);
     xml_.integer_element("data_fork", h.data_length);
     xml_.integer_element("resource_fork", h.resource_length);
     if (h.version != 0)
         xml_.string_element("header_crc", hex_16(h.crc));
     xml_.unindent();
     xml_.end_tag("file");
+}
+
+void xml_report::add_date(narrow_string const & name, uint32 seconds) {
+    xml_.open_begin_tag(name);
+    xml_.integer_attribute("seconds", seconds);
+    xml_.tag(">" + local_date(seconds) + "</" + name + ">");
+    xml_.eol();
 }
 
 narrow_string xml_report::document() {

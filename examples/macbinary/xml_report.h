@@ -16,6 +16,8 @@ public:
     narrow_string document();
 
 private:
+    void add_date(narrow_string const & name, uint32 seconds);
+
     byte_vector bytes_;
     stream::vector_output memory_;
     stream::xml_output xml_;

@@ -2,6 +2,7 @@
 # usage: macbinary.sh <program> <folder of samples> <what it prints for them>
 set -euo pipefail
 program=$1 samples=$2 expected=$3
+export TZ=America/New_York # for the dates
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
 cp "$samples"/*.bin "$scratch"
