@@ -3,13 +3,12 @@
 #include "platform/backup.h"
 #include "platform/errors.h"
 #include "platform/posix/error_codes.h"
+#include "platform/posix/host_calls.h"
 
 #include <algorithm>
 #include <cerrno>
-#include <fcntl.h>
 #include <limits>
 #include <sys/file.h>
-#include <sys/stat.h>
 
 namespace platform::posix {
 
@@ -40,7 +39,7 @@ std::size_t name_size(narrow_string const & head) { return static_cast<std::size
 descriptor_guard open_stream(narrow_string const & host, int flags) {
     int file = -1;
     do {
-        file = open(host.c_str(), flags | O_CLOEXEC, S_IRUSR | S_IWUSR | S_IRGRP | S_IWGRP | S_IROTH | S_IWOTH);
+        file = host::open(host, flags | O_CLOEXEC, S_IRUSR | S_IWUSR | S_IRGRP | S_IWGRP | S_IROTH | S_IWOTH);
     } while (file < 0 && errno == EINTR);
     return descriptor_guard(file);
 }
@@ -66,10 +65,10 @@ uint32 create_stream(backup_file const & file, narrow_string const & head, descr
     if (stream.get() < 0) {
         return code_of(errno);
     }
-    if (flock(stream.get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) {
+    if (host::flock(stream.get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) {
         return ERROR_SHARING_VIOLATION;
     }
-    return ftruncate(stream.get(), 0) == 0 ? 0 : code_of(errno);
+    return host::ftruncate(stream.get(), 0) == 0 ? 0 : code_of(errno);
 }
 
 } // namespace
@@ -105,7 +104,7 @@ uint32 backup_reader::skip(uint64 size, uint64 & done) {
 
 uint32 backup_reader::start(backup_file const & file) {
     struct stat status {};
-    if (fstat(file.descriptor, &status) != 0) {
+    if (host::fstat(file.descriptor, &status) != 0) {
         return code_of(errno);
     }
     if (file.streams != nullptr) {
@@ -128,7 +127,7 @@ uint32 backup_reader::next_record(backup_file const & file) {
     struct stat status {};
     if (own_data_) {
         own_data_ = false;
-        if (fstat(file.descriptor, &status) != 0) {
+        if (host::fstat(file.descriptor, &status) != 0) {
             return code_of(errno);
         }
         set_head(BACKUP_DATA, static_cast<uint64>(status.st_size), {});
@@ -145,7 +144,7 @@ uint32 backup_reader::next_record(backup_file const & file) {
         if (code == ERROR_FILE_NOT_FOUND || (code == 0 && stream_.get() < 0 && errno == ENOENT)) {
             continue; // Removed since the names were listed.
         }
-        if (code != 0 || stream_.get() < 0 || fstat(stream_.get(), &status) != 0) {
+        if (code != 0 || stream_.get() < 0 || host::fstat(stream_.get(), &status) != 0) {
             return code != 0 ? code : code_of(errno);
         }
         set_head(BACKUP_ALTERNATE_DATA, static_cast<uint64>(status.st_size), u':' + name + u":$DATA");
@@ -158,7 +157,7 @@ uint32 backup_reader::read_data(int own, char * buffer, uint32 size, uint32 & do
     int const source = stream_.get() < 0 ? own : stream_.get();
     auto const wanted = static_cast<std::size_t>(std::min<uint64>(size, left_));
     for (;;) {
-        ssize_t const got = pread(source, buffer, wanted, static_cast<off_t>(position_));
+        ssize_t const got = host::pread(source, buffer, wanted, static_cast<off_t>(position_));
         if (got > 0) {
             done = static_cast<uint32>(got);
             position_ += done;
@@ -235,7 +234,7 @@ uint32 backup_writer::start_record(backup_file const & file) {
 uint32 backup_writer::write_data(char const * buffer, uint32 size, uint32 & done) {
     done = size;
     while (target_ >= 0 && size > 0) {
-        ssize_t const written = pwrite(target_, buffer, size, static_cast<off_t>(position_));
+        ssize_t const written = host::pwrite(target_, buffer, size, static_cast<off_t>(position_));
         if (written < 0 && errno != EINTR) {
             done -= size;
             return code_of(errno);
@@ -254,7 +253,7 @@ uint32 backup_writer::write_data(char const * buffer, uint32 size, uint32 & done
 uint32 backup_writer::finish_record() {
     bool const own = target_ >= 0 && stream_.get() < 0;
     // A named stream was emptied when it was opened; the file itself may have been longer.
-    uint32 const code = own && ftruncate(target_, static_cast<off_t>(position_)) != 0 ? code_of(errno) : 0;
+    uint32 const code = own && host::ftruncate(target_, static_cast<off_t>(position_)) != 0 ? code_of(errno) : 0;
     head_.clear();
     stream_ = descriptor_guard();
     target_ = -1;

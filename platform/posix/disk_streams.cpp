@@ -3,12 +3,12 @@
 #include "platform/errors.h"
 #include "platform/posix/error_codes.h"
 #include "platform/posix/extended_attributes.h"
+#include "platform/posix/host_calls.h"
 #include "platform/posix/host_names.h"
 
 #include <algorithm>
 #include <cerrno>
 #include <climits>
-#include <cstdlib>
 
 namespace platform::posix {
 
@@ -30,7 +30,7 @@ uint32 disk_streams::locate(narrow_string const & file, wide_string const & name
     }
     // The driver would take a link itself for the file, and make a file that is missing.
     char resolved[PATH_MAX];
-    if (realpath(file.c_str(), resolved) == nullptr) {
+    if (host::realpath(file, resolved) == nullptr) {
         return code_of(errno);
     }
     host = resolved;

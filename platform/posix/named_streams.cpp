@@ -5,22 +5,19 @@
 #include "platform/posix/disk_streams.h"
 #include "platform/posix/error_codes.h"
 #include "platform/posix/extended_attributes.h"
+#include "platform/posix/host_calls.h"
 #include "platform/posix/own_streams.h"
 #include "platform/posix/stream_owners.h"
 
 #include <cerrno>
 #include <climits>
-#include <cstdlib>
-#include <dirent.h>
-#include <fcntl.h>
 #include <string_view>
-#include <sys/stat.h>
 
 namespace platform::posix {
 
 namespace {
 
-/// Whether files at `volume` can have user attributes at all.
+/// Whether files at `volume` can have user attributes at all; `errno` says why not.
 bool keeps_attributes(narrow_string const & volume) {
     narrow_string value;
     return get_attribute(volume, "user.socle.streams", true, value) || errno == ENODATA;
@@ -28,36 +25,36 @@ bool keeps_attributes(narrow_string const & volume) {
 
 /// Removes what lies in an open folder, which it closes. Links are removed, not followed.
 void remove_entries(descriptor_guard folder) {
-    DIR * const entries = fdopendir(folder.get());
+    DIR * const entries = host::fdopendir(folder.get());
     if (entries == nullptr) {
         return;
     }
     folder.release();
-    while (dirent const * const entry = readdir(entries)) {
+    while (dirent const * const entry = host::readdir(entries)) {
         std::string_view const name = entry->d_name;
-        if (name == "." || name == ".." || unlinkat(dirfd(entries), entry->d_name, 0) == 0) {
+        if (name == "." || name == ".." || host::unlinkat(dirfd(entries), entry->d_name, 0) == 0) {
             continue;
         }
-        int const inner = openat(dirfd(entries), entry->d_name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+        int const inner = host::openat(dirfd(entries), entry->d_name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
         if (inner >= 0) {
             remove_entries(descriptor_guard(inner));
-            unlinkat(dirfd(entries), entry->d_name, AT_REMOVEDIR);
+            host::unlinkat(dirfd(entries), entry->d_name, AT_REMOVEDIR);
         }
     }
-    closedir(entries);
+    host::closedir(entries);
 }
 
 int open_retried(narrow_string const & path, int flags) {
     int file = -1;
     do {
-        file = open(path.c_str(), flags | O_CLOEXEC, S_IRUSR | S_IWUSR | S_IRGRP | S_IWGRP | S_IROTH | S_IWOTH);
+        file = host::open(path, flags | O_CLOEXEC, S_IRUSR | S_IWUSR | S_IRGRP | S_IWGRP | S_IROTH | S_IWOTH);
     } while (file < 0 && errno == EINTR);
     return file;
 }
 
 int write_all(int file, char const * bytes, std::size_t size) {
     while (size > 0) {
-        ssize_t const written = write(file, bytes, size);
+        ssize_t const written = host::write(file, bytes, size);
         if (written < 0 && errno != EINTR) {
             return errno;
         }
@@ -81,7 +78,7 @@ int copy_file(narrow_string const & from, narrow_string const & to) {
     }
     std::vector<char> block(std::size_t{256} * 1024);
     for (;;) {
-        ssize_t const got = read(source.get(), block.data(), block.size());
+        ssize_t const got = host::read(source.get(), block.data(), block.size());
         if (got < 0 && errno == EINTR) {
             continue;
         }
@@ -89,7 +86,7 @@ int copy_file(narrow_string const & from, narrow_string const & to) {
             return errno;
         }
         if (got == 0) {
-            return fsync(target.get()) == 0 ? 0 : errno;
+            return host::fsync(target.get()) == 0 ? 0 : errno;
         }
         if (int const error = write_all(target.get(), block.data(), static_cast<std::size_t>(got))) {
             return error;
@@ -101,7 +98,7 @@ int copy_file(narrow_string const & from, narrow_string const & to) {
 
 uint32 make_named_streams(narrow_string const & folder, std::unique_ptr<named_streams> & streams) {
     char resolved[PATH_MAX];
-    if (realpath(folder.c_str(), resolved) == nullptr) {
+    if (host::realpath(folder, resolved) == nullptr) {
         return code_of(errno);
     }
     narrow_string volume = resolved;
@@ -110,37 +107,39 @@ uint32 make_named_streams(narrow_string const & folder, std::unique_ptr<named_st
         return 0;
     }
     if (!keeps_attributes(volume)) {
-        return ERROR_NOT_SUPPORTED;
+        return code_of(errno);
     }
     volume = volume == "/" ? narrow_string() : volume;
     auto own = std::make_unique<own_streams>(volume);
-    settle_owners(volume, own->store());
-    streams = std::move(own);
-    return 0;
+    uint32 const code = settle_owners(volume, own->store());
+    if (code == 0) {
+        streams = std::move(own);
+    }
+    return code;
 }
 
 stream_removal::stream_removal(named_streams const & streams, narrow_string const & file)
     : belongings_(streams.belongings(file)) {
     if (!belongings_.empty()) {
-        file_ = open(file.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC);
+        file_ = host::open(file, O_PATH | O_NOFOLLOW | O_CLOEXEC);
     }
 }
 
 stream_removal::~stream_removal() {
     if (file_ >= 0) {
-        close(file_);
+        host::close(file_);
     }
 }
 
 void stream_removal::name_removed() {
     struct stat status {};
-    if (file_ < 0 || fstat(file_, &status) != 0 || (status.st_nlink > 0 && !S_ISDIR(status.st_mode))) {
+    if (file_ < 0 || host::fstat(file_, &status) != 0 || (status.st_nlink > 0 && !S_ISDIR(status.st_mode))) {
         return;
     }
-    int const folder = open(belongings_.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+    int const folder = host::open(belongings_, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
     if (folder >= 0) {
         remove_entries(descriptor_guard(folder));
-        rmdir(belongings_.c_str());
+        host::rmdir(belongings_);
     }
 }
 

@@ -2,15 +2,13 @@
 
 #include "platform/errors.h"
 #include "platform/posix/error_codes.h"
+#include "platform/posix/host_calls.h"
 #include "platform/posix/stream_names.h"
 #include "platform/posix/stream_owners.h"
 
 #include <algorithm>
 #include <cerrno>
-#include <dirent.h>
 #include <string_view>
-#include <sys/stat.h>
-#include <unistd.h>
 
 namespace platform::posix {
 
@@ -19,7 +17,7 @@ namespace {
 /// Makes the folders between `folder` and the last component of `path`.
 int make_folders(narrow_string const & path, std::size_t folder) {
     for (std::size_t at = path.find('/', folder + 1); at != narrow_string::npos; at = path.find('/', at + 1)) {
-        if (mkdir(path.substr(0, at).c_str(), S_IRWXU | S_IRWXG | S_IRWXO) != 0 && errno != EEXIST) {
+        if (host::mkdir(path.substr(0, at), S_IRWXU | S_IRWXG | S_IRWXO) != 0 && errno != EEXIST) {
             return errno;
         }
     }
@@ -28,13 +26,13 @@ int make_folders(narrow_string const & path, std::size_t folder) {
 
 /// Adds the names of the streams in `folder`; `begun` is the part of their stored names that the folder stands for.
 int list_folder(narrow_string const & folder, narrow_string const & begun, std::vector<wide_string> & names) {
-    DIR * const entries = opendir(folder.c_str());
+    DIR * const entries = host::opendir(folder);
     if (entries == nullptr) {
         return errno == ENOENT ? 0 : errno;
     }
     int error = 0;
     errno = 0;
-    while (dirent const * const entry = readdir(entries)) {
+    while (dirent const * const entry = host::readdir(entries)) {
         std::string_view const name = entry->d_name;
         wide_string stream;
         if (name.ends_with('~')) {
@@ -52,7 +50,7 @@ int list_folder(narrow_string const & folder, narrow_string const & begun, std::
         errno = 0;
     }
     error = error != 0 ? error : errno;
-    closedir(entries);
+    host::closedir(entries);
     return error;
 }
 
@@ -63,15 +61,9 @@ own_streams::own_streams(narrow_string const & volume) : store_(volume + "/.socl
 uint32 own_streams::locate(narrow_string const & file, wide_string const & name, bool create,
                            narrow_string & host) const {
     narrow_string id;
-    if (create) {
-        if (uint32 const code = make_stream_owner(store_, file, id)) {
-            return code;
-        }
-    } else {
-        id = stream_owner(store_, file, true);
-        if (id.empty()) {
-            return ERROR_FILE_NOT_FOUND;
-        }
+    uint32 const code = create ? make_stream_owner(store_, file, id) : stream_owner(store_, file, true, id);
+    if (code != 0 || id.empty()) {
+        return code != 0 ? code : ERROR_FILE_NOT_FOUND;
     }
     host = store_ + '/' + id + '/' + stored_stream_name(name);
     return create ? code_of(make_folders(host, store_.size() + 1 + id.size())) : 0;
@@ -79,9 +71,10 @@ uint32 own_streams::locate(narrow_string const & file, wide_string const & name,
 
 uint32 own_streams::list(narrow_string const & file, std::vector<wide_string> & names) const {
     names.clear();
-    narrow_string const id = stream_owner(store_, file, true);
-    if (id.empty()) {
-        return 0;
+    narrow_string id;
+    uint32 const code = stream_owner(store_, file, true, id);
+    if (code != 0 || id.empty()) {
+        return code;
     }
     int const error = list_folder(store_ + '/' + id, {}, names);
     std::sort(names.begin(), names.end());
@@ -93,8 +86,8 @@ bool own_streams::hidden(narrow_string const & host) const {
 }
 
 narrow_string own_streams::belongings(narrow_string const & file) const {
-    narrow_string const id = stream_owner(store_, file, false);
-    return id.empty() ? id : store_ + '/' + id;
+    narrow_string id;
+    return stream_owner(store_, file, false, id) == 0 && !id.empty() ? store_ + '/' + id : narrow_string();
 }
 
 } // namespace platform::posix

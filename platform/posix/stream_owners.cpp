@@ -3,20 +3,14 @@
 #include "platform/posix/descriptor.h"
 #include "platform/posix/error_codes.h"
 #include "platform/posix/extended_attributes.h"
+#include "platform/posix/host_calls.h"
 
 #include <cerrno>
 #include <charconv>
 #include <climits>
-#include <cstdlib>
-#include <dirent.h>
-#include <fcntl.h>
 #include <map>
 #include <string_view>
 #include <sys/file.h>
-#include <sys/random.h>
-#include <sys/stat.h>
-#include <sys/vfs.h>
-#include <unistd.h>
 #include <utility>
 #include <vector>
 
@@ -28,16 +22,39 @@ namespace {
 constexpr char const * attribute = "user.socle.streams";
 constexpr std::size_t id_length = 32;
 
+/// Thrown where the host fails, with its `errno`, and caught where this file is entered: nobody must take a file that
+/// could not be looked at for one that owns nothing.
+struct failure {
+    int error;
+};
+
 void append_hex(narrow_string & text, uint64 value) {
     char digits[16];
     text.append(digits, std::to_chars(digits, digits + sizeof digits, value, 16).ptr);
 }
 
-/// What no other file of the host has had or will have, as far as it can tell. Empty if there is no file.
+/// The attribute's text; false if there is none, or no such file where `must_exist` is false.
+bool read_attribute(narrow_string const & path, bool follow_link, bool must_exist, narrow_string & text) {
+    if (get_attribute(path, attribute, follow_link, text)) {
+        return true;
+    }
+    if (errno == ENODATA || errno == ENOTSUP || (!must_exist && errno == ENOENT)) {
+        return false;
+    }
+    throw failure{errno};
+}
+
+void write_attribute(narrow_string const & path, narrow_string const & text) {
+    if (int const error = set_attribute(path, attribute, text)) {
+        throw failure{error};
+    }
+}
+
+/// What no other file of the host has had or will have, as far as it can tell.
 narrow_string identity_of(narrow_string const & path, bool follow_link) {
     struct statx status {};
-    if (statx(AT_FDCWD, path.c_str(), follow_link ? 0 : AT_SYMLINK_NOFOLLOW, STATX_INO | STATX_BTIME, &status) != 0) {
-        return {};
+    if (host::statx(host::here, path, follow_link ? 0 : AT_SYMLINK_NOFOLLOW, STATX_INO | STATX_BTIME, &status) != 0) {
+        throw failure{errno};
     }
     narrow_string identity;
     append_hex(identity, status.stx_ino);
@@ -48,10 +65,11 @@ narrow_string identity_of(narrow_string const & path, bool follow_link) {
     }
     // No birth time: inodes are at least apart from those of other file systems.
     struct statfs system {};
-    if (statfs(path.c_str(), &system) == 0) {
-        for (int half : system.f_fsid.__val) {
-            append_hex(identity += '/', static_cast<unsigned>(half));
-        }
+    if (host::statfs(path, &system) != 0) {
+        throw failure{errno};
+    }
+    for (int half : system.f_fsid.__val) {
+        append_hex(identity += '/', static_cast<unsigned>(half));
     }
     return identity;
 }
@@ -64,24 +82,19 @@ struct claim {
 /// What the attribute of `path` says; an empty id if it says nothing.
 claim claim_of(narrow_string const & path, bool follow_link) {
     narrow_string text;
-    if (!get_attribute(path, attribute, follow_link, text) || text.size() <= id_length || text[id_length] != ' '
+    if (!read_attribute(path, follow_link, true, text) || text.size() <= id_length || text[id_length] != ' '
         || text.find_first_not_of("0123456789abcdef") != id_length) {
         return {};
     }
     return {text.substr(0, id_length), text.substr(id_length + 1)};
 }
 
-/// 0 or an `errno`. The identity is asked again afterwards: the first write to a file on an overlay gives it a new one.
-int set_claim(narrow_string const & path, narrow_string const & id) {
-    for (narrow_string identity = identity_of(path, true);;) {
-        if (int const error = set_attribute(path, attribute, id + ' ' + identity)) {
-            return error;
-        }
-        narrow_string const now = identity_of(path, true);
-        if (now == identity) {
-            return 0;
-        }
-        identity = now;
+/// The identity is asked again afterwards: the first write to a file on an overlay gives it a new one.
+void set_claim(narrow_string const & path, narrow_string const & id) {
+    narrow_string written;
+    for (narrow_string identity = identity_of(path, true); identity != written; identity = identity_of(path, true)) {
+        write_attribute(path, id + ' ' + identity);
+        written = identity;
     }
 }
 
@@ -91,8 +104,8 @@ narrow_string volume_of(narrow_string const & store) { return store.substr(0, st
 narrow_string path_in_volume(narrow_string const & store, narrow_string const & file) {
     narrow_string const volume = volume_of(store);
     char resolved[PATH_MAX];
-    if (realpath(file.c_str(), resolved) == nullptr) {
-        return {};
+    if (host::realpath(file, resolved) == nullptr) {
+        throw failure{errno};
     }
     std::string_view const path = resolved;
     return narrow_string(path.starts_with(volume) ? path.substr(volume.size()) : path);
@@ -102,36 +115,36 @@ narrow_string folder_of(narrow_string const & store, narrow_string const & id) {
 
 bool owner_was_at(narrow_string const & store, narrow_string const & id, narrow_string const & path) {
     narrow_string last;
-    return get_attribute(folder_of(store, id), attribute, false, last) && last == path;
+    return read_attribute(folder_of(store, id), false, false, last) && last == path;
 }
 
 bool settled(narrow_string const & store) {
     narrow_string identity;
-    return get_attribute(store, attribute, false, identity) && identity == identity_of(store, false);
+    return read_attribute(store, false, true, identity) && identity == identity_of(store, false);
 }
 
 /// Holds the store's folder locked against other processes; a file system without locks goes without.
 descriptor_guard lock(narrow_string const & store) {
-    descriptor_guard folder(open(store.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
-    while (folder.get() >= 0 && flock(folder.get(), LOCK_EX) != 0 && errno == EINTR) {
+    descriptor_guard folder(host::open(store, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+    while (folder.get() >= 0 && host::flock(folder.get(), LOCK_EX) != 0 && errno == EINTR) {
     }
     return folder;
 }
 
 /// Everyone who may write some file of the volume may give it streams, so the store is open as a folder for temporary
 /// files is; the folders in it admit whom their files admit.
-int make_store(narrow_string const & store) {
-    if (mkdir(store.c_str(), S_IRWXU) != 0 && errno != EEXIST) {
-        return errno;
+void make_store(narrow_string const & store) {
+    if (host::mkdir(store, S_IRWXU) != 0 && errno != EEXIST) {
+        throw failure{errno};
     }
     narrow_string identity;
-    if (get_attribute(store, attribute, false, identity)) {
-        return 0;
+    if (read_attribute(store, false, true, identity)) {
+        return;
     }
-    if (chmod(store.c_str(), S_ISVTX | S_IRWXU | S_IRWXG | S_IRWXO) != 0) {
-        return errno;
+    if (host::chmod(store, S_ISVTX | S_IRWXU | S_IRWXG | S_IRWXO) != 0) {
+        throw failure{errno};
     }
-    return set_attribute(store, attribute, identity_of(store, false));
+    write_attribute(store, identity_of(store, false));
 }
 
 /// The bits of a folder that lets in the readers and writers of a file with the bits `file`, and always its owner.
@@ -141,47 +154,57 @@ mode_t folder_bits(mode_t file) {
     return S_IRWXU | readers | writers | readers >> 2 | writers >> 1;
 }
 
-int make_id_folder(narrow_string const & store, narrow_string const & id, narrow_string const & file) {
+void make_id_folder(narrow_string const & store, narrow_string const & id, narrow_string const & file) {
     narrow_string const folder = folder_of(store, id);
-    if (mkdir(folder.c_str(), S_IRWXU) != 0 && errno != EEXIST) {
-        return errno;
+    bool const made = host::mkdir(folder, S_IRWXU) == 0;
+    if (!made && errno != EEXIST) {
+        throw failure{errno};
     }
     narrow_string const path = path_in_volume(store, file);
     narrow_string last;
-    if (get_attribute(folder, attribute, false, last)) {
+    if (read_attribute(folder, false, true, last)) {
         if (last != path) {
-            set_attribute(folder, attribute, path);
+            write_attribute(folder, path);
         }
-        return 0;
+        return;
     }
     // New, or left by a process that ended here.
     struct stat owner {};
-    if (stat(file.c_str(), &owner) != 0) {
-        return errno;
+    if (host::stat(file, &owner) != 0) {
+        throw failure{errno};
     }
     if (owner.st_uid != geteuid() || owner.st_gid != getegid()) {
         // Only root can; for others the bits below must do.
-        static_cast<void>(!chown(folder.c_str(), owner.st_uid, owner.st_gid));
+        static_cast<void>(!host::chown(folder, owner.st_uid, owner.st_gid));
     }
-    if (chmod(folder.c_str(), folder_bits(owner.st_mode)) != 0) {
-        return errno;
+    if (host::chmod(folder, folder_bits(owner.st_mode)) != 0 && made) {
+        throw failure{errno};
     }
-    // Only a hint for the time after the volume has been copied: without it, a folder with one claimant finds it.
-    set_attribute(folder, attribute, path);
-    return 0;
+    write_attribute(folder, path);
 }
 
-int new_id(narrow_string & id) {
+narrow_string new_id() {
     unsigned char random[id_length / 2];
-    if (getentropy(random, sizeof random) != 0) {
-        return errno;
+    if (host::getentropy(random, sizeof random) != 0) {
+        throw failure{errno};
     }
-    id.clear();
+    narrow_string id;
     for (unsigned char byte : random) {
         id += "0123456789abcdef"[byte >> 4];
         id += "0123456789abcdef"[byte & 0xF];
     }
-    return 0;
+    return id;
+}
+
+narrow_string find_owner(narrow_string const & store, narrow_string const & file, bool follow_link) {
+    claim const found = claim_of(file, follow_link);
+    if (found.id.empty() || found.identity == identity_of(file, follow_link)) {
+        return found.id;
+    }
+    // On a copy that could not be settled, as it cannot be written, the place decides.
+    narrow_string identity;
+    bool const copied = read_attribute(store, false, false, identity) && identity != identity_of(store, false);
+    return copied && owner_was_at(store, found.id, path_in_volume(store, file)) ? found.id : narrow_string();
 }
 
 struct claimant {
@@ -209,8 +232,12 @@ public:
     /// Gives every folder its owner. False if some file could not be seen or written.
     bool settle() {
         for (auto const & [id, claimants] : by_id_) {
-            claimant const * const owner = owner_of(id, claimants);
-            if (owner != nullptr && !owner->proven && set_claim(owner->path, id) != 0) {
+            try {
+                claimant const * const owner = owner_of(id, claimants);
+                if (owner != nullptr && !owner->proven) {
+                    set_claim(owner->path, id);
+                }
+            } catch (failure const &) {
                 complete_ = false;
             }
         }
@@ -219,24 +246,27 @@ public:
 
 private:
     void walk_folder(narrow_string const & folder, std::vector<narrow_string> & folders) {
-        DIR * const entries = opendir((folder + '/').c_str());
+        DIR * const entries = host::opendir(folder + '/');
         if (entries == nullptr) {
             complete_ = complete_ && errno == ENOENT;
             return;
         }
-        while (dirent const * const entry = readdir(entries)) {
+        errno = 0;
+        while (dirent const * const entry = host::readdir(entries)) {
             std::string_view const name = entry->d_name;
             narrow_string const path = (folder + '/').append(name);
             if (name != "." && name != ".." && path != store_) {
                 look_at(path, folders);
             }
+            errno = 0;
         }
-        closedir(entries);
+        complete_ = complete_ && errno == 0;
+        host::closedir(entries);
     }
 
     void look_at(narrow_string const & path, std::vector<narrow_string> & folders) {
         struct stat status {};
-        if (lstat(path.c_str(), &status) != 0) {
+        if (host::lstat(path, &status) != 0) {
             complete_ = complete_ && errno == ENOENT;
             return;
         }
@@ -245,10 +275,19 @@ private:
         } else if (!S_ISREG(status.st_mode)) {
             return;
         }
-        claim const found = claim_of(path, false);
-        if (!found.id.empty() && access(folder_of(store_, found.id).c_str(), F_OK) == 0) {
-            by_id_[found.id].push_back(
-                {path, {status.st_dev, status.st_ino}, found.identity == identity_of(path, false)});
+        try {
+            claim const found = claim_of(path, false);
+            if (found.id.empty()) {
+                return;
+            }
+            if (host::access(folder_of(store_, found.id), F_OK) == 0) {
+                bool const proven = found.identity == identity_of(path, false);
+                by_id_[found.id].push_back({path, {status.st_dev, status.st_ino}, proven});
+            } else if (errno != ENOENT) {
+                complete_ = false;
+            }
+        } catch (failure const & f) {
+            complete_ = complete_ && f.error == ENOENT;
         }
     }
 
@@ -275,47 +314,54 @@ private:
 
 } // namespace
 
-narrow_string stream_owner(narrow_string const & store, narrow_string const & file, bool follow_link) {
-    claim const found = claim_of(file, follow_link);
-    if (found.id.empty() || found.identity == identity_of(file, follow_link)) {
-        return found.id;
+uint32 stream_owner(narrow_string const & store, narrow_string const & file, bool follow_link, narrow_string & id) {
+    try {
+        id = find_owner(store, file, follow_link);
+        return 0;
+    } catch (failure const & f) {
+        return code_of(f.error);
     }
-    // On a copy that could not be settled, as it cannot be written, the place decides.
-    bool const owner = !settled(store) && owner_was_at(store, found.id, path_in_volume(store, file));
-    return owner ? found.id : narrow_string();
 }
 
 uint32 make_stream_owner(narrow_string const & store, narrow_string const & file, narrow_string & id) {
-    if (int const error = make_store(store)) {
-        return code_of(error);
-    }
-    id = stream_owner(store, file, true);
-    if (id.empty()) {
-        descriptor_guard const locked = lock(store);
-        id = stream_owner(store, file, true);
+    try {
+        id = find_owner(store, file, true);
+        make_store(store);
         if (id.empty()) {
-            int error = new_id(id);
-            error = error != 0 ? error : set_claim(file, id);
-            if (error != 0) {
-                return code_of(error);
+            descriptor_guard const locked = lock(store);
+            id = find_owner(store, file, true);
+            if (id.empty()) {
+                id = new_id();
+                set_claim(file, id);
             }
         }
+        make_id_folder(store, id, file);
+        return 0;
+    } catch (failure const & f) {
+        return code_of(f.error);
     }
-    return code_of(make_id_folder(store, id, file));
 }
 
-void settle_owners(narrow_string const & volume, narrow_string const & store) {
-    if (access(store.c_str(), F_OK) != 0 || settled(store)) {
-        return;
+uint32 settle_owners(narrow_string const & volume, narrow_string const & store) {
+    if (host::access(store, F_OK) != 0) {
+        return errno == ENOENT ? 0 : code_of(errno);
     }
-    descriptor_guard const locked = lock(store);
-    if (settled(store)) {
-        return;
-    }
-    claims found(store);
-    found.walk(volume);
-    if (found.settle()) {
-        set_attribute(store, attribute, identity_of(store, false));
+    try {
+        if (settled(store)) {
+            return 0;
+        }
+        descriptor_guard const locked = lock(store);
+        if (settled(store)) {
+            return 0;
+        }
+        claims found(store);
+        found.walk(volume);
+        if (found.settle()) {
+            set_attribute(store, attribute, identity_of(store, false));
+        }
+        return 0;
+    } catch (failure const & f) {
+        return code_of(f.error);
     }
 }
 
