@@ -1,9 +1,15 @@
+#include "platform/environment.h"
+#include "platform/host.h"
 #include "platform/posix/shell_link_reader.h"
+#include "platform/shell_links.h"
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <sys/stat.h>
 
 namespace {
 
@@ -132,6 +138,39 @@ TEST(shell_link, wrong_numbers) {
         }
     }
     EXPECT_EQ(target_of(std::string(1'000'000, 'L')), u"?");
+}
+
+// The file itself: what is no file must not be waited for.
+TEST(shell_link, files) {
+    char pattern[] = "/var/tmp/socle_links_XXXXXX";
+    std::filesystem::path const folder = mkdtemp(pattern);
+    std::filesystem::create_directory(folder / "folder.lnk");
+    std::ofstream(folder / "empty.lnk").close();
+    std::ofstream(folder / "huge.lnk") << sample("local_ascii.lnk");
+    std::filesystem::resize_file(folder / "huge.lnk", 1 << 30);
+    ASSERT_EQ(mkfifo((folder / "pipe.lnk").c_str(), 0600), 0);
+    for (char const * name : {"folder.lnk", "empty.lnk", "huge.lnk", "pipe.lnk", "missing.lnk"}) {
+        wide_string target = u"as it was";
+        EXPECT_FALSE(platform::ResolveShellLink(platform::from_host(folder / name), target)) << name;
+        EXPECT_EQ(target, u"as it was") << name;
+    }
+    wide_string target;
+    EXPECT_TRUE(platform::ResolveShellLink(platform::from_host(TEST_DATA "/links/nonascii.lnk"), target));
+    EXPECT_EQ(target, u"C:\\socle\\Gr\xf6\xdf\x65 \xe9t\xe9.txt");
+    std::filesystem::remove_all(folder);
+}
+
+TEST(environment, text) {
+    setenv("SOCLE_TEST", "C:\\\xc3\xa9 \xe2\x82\xac \xd0\xb6", 1);
+    wide_string wide;
+    narrow_string narrow;
+    EXPECT_TRUE(platform::_wgetenv("SOCLE_TEST", wide));
+    EXPECT_EQ(wide, u"C:\\\xe9 \u20ac \u0436");
+    EXPECT_TRUE(platform::getenv("SOCLE_TEST", narrow));
+    EXPECT_EQ(narrow, "C:\\\xe9 \x80 ?");
+    unsetenv("SOCLE_TEST");
+    EXPECT_FALSE(platform::getenv("SOCLE_TEST", narrow));
+    EXPECT_EQ(narrow, "C:\\\xe9 \x80 ?");
 }
 
 } // namespace

@@ -1,0 +1,63 @@
+// The backup calls on open files of an attached volume.
+
+#include "platform/backup.h"
+#include "platform/errors.h"
+#include "platform/host.h"
+#include "platform/posix/volumes.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <fcntl.h>
+#include <filesystem>
+#include <fstream>
+#include <unistd.h>
+
+namespace {
+
+using namespace platform;
+namespace fs = std::filesystem;
+
+TEST(backup, goes_to_the_file_wherever_it_lies) {
+    char pattern[] = "/var/tmp/socle_backup_XXXXXX";
+    fs::path const folder = mkdtemp(pattern);
+    ASSERT_EQ(attach_volume('N', folder, "NTFS"), 0u);
+    std::ofstream(folder / "from") << "data";
+    std::ofstream(folder / "to") << "";
+    posix::named_streams const & streams = *posix::volume_of_letter(u'N')->streams;
+    narrow_string host;
+    ASSERT_EQ(streams.locate(folder / "from", u"note", true, host), 0u);
+    std::ofstream(host) << "of the stream";
+    int const from = open((folder / "from").c_str(), O_RDONLY);
+    int const to = open((folder / "to").c_str(), O_RDWR);
+    fs::rename(folder / "from", folder / "moved");
+
+    backup_context * reading = nullptr;
+    backup_context * writing = nullptr;
+    char block[4096];
+    uint32 got = 0;
+    uint32 put = 0;
+    ASSERT_TRUE(BackupRead(from, block, sizeof block, got, false, reading));
+    EXPECT_EQ(got, 20u + 4 + 20 + 22 + 13);
+    ASSERT_TRUE(BackupWrite(to, block, got, put, writing));
+    EXPECT_EQ(put, got);
+    uint64 skipped = 0;
+    EXPECT_FALSE(BackupSeek(from, all_ones, skipped, reading));
+    EXPECT_EQ(GetLastError(), ERROR_SEEK);
+    for (backup_context ** context : {&reading, &writing}) {
+        EXPECT_TRUE(BackupRead(from, nullptr, 0, got, true, *context));
+        EXPECT_EQ(*context, nullptr);
+    }
+    ASSERT_EQ(streams.locate(folder / "to", u"note", false, host), 0u);
+    EXPECT_EQ(fs::file_size(host), 13u);
+
+    EXPECT_FALSE(BackupRead(-1, block, 20, got, false, reading));
+    EXPECT_EQ(GetLastError(), ERROR_INVALID_HANDLE);
+    BackupRead(-1, nullptr, 0, got, true, reading);
+    close(from);
+    close(to);
+    detach_volume('N');
+    fs::remove_all(folder);
+}
+
+} // namespace
