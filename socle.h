@@ -2,6 +2,7 @@
 
 // Every public header of the library.
 
+#include "any/converter.h"
 #include "any/exception.h"
 #include "any/integers.h"
 #include "any/time.h"
@@ -63,6 +64,7 @@
 #include "stream/vector_output.h"
 #include "stream/xml_output.h"
 #include "un/array.h"
+#include "un/ci_wchar_t_traits.h"
 #include "un/digits.h"
 #include "un/exception.h"
 #include "un/parser.h"

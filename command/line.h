@@ -8,8 +8,7 @@ namespace command {
 /// order, as a vector for its user, while the options hold their values.
 ///
 /// An argument that starts with "-" is an option: its whole name, and its value behind a "=" if it has one. What a
-/// second
-/// "=" would cut off is dropped. Every other argument is a positional parameter, the empty one too.
+/// second "=" would cut off is dropped. Every other argument is a positional parameter, the empty one too.
 class SOCLE_API line : public std::vector<narrow_string> {
 public:
     /// Copies the `argc` strings of `argv`, the program's name at index 0 included.

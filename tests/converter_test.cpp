@@ -1,0 +1,91 @@
+#include "any/converter.h"
+
+#include "support/locale.h"
+
+namespace {
+
+struct row {
+    wide_string text;
+    bool done;
+    narrow_string bytes;
+};
+
+TEST(Converter, WalksThePagesUntilOneHoldsTheText) {
+    check_in_locale("ru_RU.UTF-8", [] {
+        any::converter const converter(437, 1253);
+        for (auto const & [text, done, bytes] : {
+                 row{u"abc \xE9", true, "abc \x82"},    // by the page picked, 437
+                 row{u"\x20AC", true, "\x88"},          // by the ANSI page, 1251, although 1250 holds it as 0x80
+                 row{u"\x41F\x20AC", true, "\xCF\x88"}, // the same
+                 row{u"\x104", true, "\xA5"},           // by 1250, the first of those listed
+                 row{u"\x3042", true, "\x82\xA0"},      // by 932
+                 row{u"\x3042\x104", false, ""},        // each by a page, but both by none
+                 row{u"\xD83D\xDE00", false, ""},
+             }) {
+            narrow_string result = "what stood there";
+            EXPECT_EQ(converter.from_unicode(text, result, true), done) << bytes;
+            EXPECT_EQ(result, bytes);
+            EXPECT_EQ(converter.from_unicode(text, true), bytes);
+        }
+        EXPECT_EQ(converter.from_unicode(u"\x20AC", false), "\x80") << "1253 holds it";
+    });
+}
+
+TEST(Converter, TakesTheSystemsPages) {
+    check_in_locale("ru_RU", [] {
+        any::converter const converter;
+        EXPECT_EQ(converter.ansi_page(), 1251);
+        EXPECT_EQ(converter.oem_page(), 866);
+        EXPECT_EQ(converter.from_unicode(u"\x41F", true), "\xCF");
+        EXPECT_EQ(converter.from_unicode(u"\x41F", false), "\x8F");
+        EXPECT_EQ(converter.to_unicode("\xCF", true), u"\x41F");
+        EXPECT_EQ(converter.to_unicode("\xCF", false), u"\x2567");
+    });
+}
+
+TEST(Converter, DropsZerosAtTheEndAlone) {
+    any::converter const converter(1252, 932);
+    for (auto const & [text, done, bytes] : {row{u"", true, ""}, row{wide_string(3, u'\0'), true, ""},
+                                             row{{u'a', u'\0', u'b', u'\0', u'\0'}, true, {'a', '\0', 'b'}}}) {
+        for (bool const ansi : {true, false}) {
+            narrow_string result = "what stood there";
+            EXPECT_EQ(converter.from_unicode(text, result, ansi), done);
+            EXPECT_EQ(result, bytes);
+        }
+    }
+}
+
+TEST(Converter, ToUnicodeTakesAnyBytes) {
+    any::converter const converter(1252, 932);
+    for (bool const ansi : {true, false}) {
+        wide_string result = u"what stood there";
+        EXPECT_TRUE(converter.to_unicode("", result, ansi));
+        EXPECT_EQ(result, u"");
+        EXPECT_EQ(converter.to_unicode({'\0', 'a', '\0'}, ansi), (wide_string{u'\0', u'a', u'\0'}));
+    }
+    EXPECT_EQ(converter.to_unicode("\x82\xA0z", false), u"\x3042z");
+    wide_string lone_lead;
+    EXPECT_TRUE(converter.to_unicode("\x82", lone_lead, false));
+    EXPECT_EQ(lone_lead.size(), 1u);
+    narrow_string every(256, '\0');
+    for (std::size_t i = 0; i < 256; ++i)
+        every[255 - i] = static_cast<char>(i); // the zero last, where it goes
+    wide_string const units = converter.to_unicode(every, true);
+    EXPECT_EQ(units.size(), 256u);
+    EXPECT_EQ(converter.from_unicode(units, true), every.substr(0, 255));
+}
+
+TEST(Converter, UnknownPages) {
+    check_in_locale("C", [] {
+        any::converter const unknown(-1, 65001);
+        wide_string wide = u"what stood there";
+        EXPECT_FALSE(unknown.to_unicode("a", wide, true));
+        EXPECT_EQ(wide, u"");
+        EXPECT_EQ(unknown.to_unicode("a", true), u"");
+        EXPECT_EQ(unknown.from_unicode(u"abc\x20AC", true), "abc\x80") << "by the pages listed";
+        EXPECT_EQ(unknown.from_unicode(u"\x3042.", false), "\xE3\x81\x82.") << "two bytes a unit are enough";
+        EXPECT_EQ(unknown.from_unicode(u"\x3042", false), "\x82\xA0") << "three bytes do not fit";
+    });
+}
+
+} // namespace
