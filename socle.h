@@ -24,6 +24,7 @@
 #include "nio/bit_input.h"
 #include "nio/bit_output.h"
 #include "nio/blocks.h"
+#include "nio/channel.h"
 #include "nio/exception.h"
 #include "nio/input.h"
 #include "nio/integer_codes.h"
