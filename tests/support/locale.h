@@ -3,7 +3,22 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <iostream>
 #include <string>
+
+namespace support {
+
+/// Ends a process of `check_in_locale`, which prints nothing by itself.
+[[noreturn]] inline void end_check() {
+    testing::TestResult const & result = *testing::UnitTest::GetInstance()->current_test_info()->result();
+    for (int i = 0; i < result.total_part_count(); ++i) {
+        auto const & part = result.GetTestPartResult(i);
+        std::cerr << part.file_name() << ':' << part.line_number() << ": " << part.message() << '\n';
+    }
+    std::exit(result.Failed());
+}
+
+} // namespace support
 
 /// Runs `check` in a process of its own that is started with `locale`, since a process never changes its code pages.
 /// To be called once in a test, at its start.
@@ -12,6 +27,6 @@ inline void check_in_locale(char const * locale, void (*check)()) {
     std::string const before = set ? set : "";
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     setenv("LC_ALL", locale, 1);
-    EXPECT_EXIT((check(), std::_Exit(testing::Test::HasFailure())), testing::ExitedWithCode(0), "");
+    EXPECT_EXIT((check(), support::end_check()), testing::ExitedWithCode(0), "");
     setenv("LC_ALL", before.c_str(), 1);
 }
