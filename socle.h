@@ -27,6 +27,7 @@
 #include "nio/blocks.h"
 #include "nio/channel.h"
 #include "nio/exception.h"
+#include "nio/filesystem_exception.h"
 #include "nio/input.h"
 #include "nio/integer_codes.h"
 #include "nio/memory.h"

@@ -6,8 +6,8 @@
 
 namespace platform {
 
-/// Between 16-bit text and the ANSI page. What the page lacks becomes a question mark.
+/// Between 16-bit text and the ANSI page. What the page lacks becomes `missing`.
 wide_string from_ansi(std::string_view bytes);
-narrow_string to_ansi(std::u16string_view text);
+narrow_string to_ansi(std::u16string_view text, char missing = '?');
 
 } // namespace platform

@@ -1,3 +1,4 @@
+#include "nio/filesystem_exception.h"
 #include "platform/error_text.h"
 #include "platform/errors.h"
 #include "platform/posix/error_codes.h"
@@ -29,6 +30,24 @@ TEST(system_error, text_in_a_buffer) {
     EXPECT_EQ(buffer[size], '\0');
     EXPECT_EQ(FormatMessageA(ERROR_FILE_NOT_FOUND, buffer, size + 1), size);
     EXPECT_EQ(FormatMessageA(ERROR_FILE_NOT_FOUND, buffer, size), 0u);
+}
+
+TEST(system_error, in_a_filesystem_exception) {
+    SetLastError(ERROR_FILE_NOT_FOUND);
+    nio::filesystem_exception const missing("cannot open file", u"a\\\xe9\u0436");
+    EXPECT_EQ(missing.message(), "cannot open file (a\\\xe9_) 2 " + system_error_text(2));
+    EXPECT_EQ(missing.error(), 2u);
+    SetLastError(0xFFFFFFFF);
+    EXPECT_EQ(nio::filesystem_exception("odd", u"").message(), "odd () 4294967295 unknown error");
+    SetLastError(ERROR_BROKEN_PIPE);
+    nio::filesystem_exception const ended("cannot read", u"stdin");
+    EXPECT_EQ(ended.message(), "cannot read");
+    EXPECT_EQ(ended.error(), 109u);
+    try {
+        throw ended;
+    } catch (basic::exception const & e) {
+        EXPECT_EQ(e.message(), "cannot read");
+    }
 }
 
 } // namespace

@@ -27,6 +27,8 @@ void expect_words(un::exception const & e) {
 
 void expect_words(basic::exception const & e) { EXPECT_EQ(e.message(), plugin_message); }
 
+void expect_words(nio::filesystem_exception const & e) { EXPECT_TRUE(e.message().starts_with(plugin_message)); }
+
 /// Takes `thrown` with a handler for its very class.
 template <class Exception>
 void expect_caught(std::exception_ptr const & thrown) {
@@ -54,6 +56,7 @@ constexpr row rows[] = {
     {"io::exception", expect_caught<io::exception>},
     {"basic::exception", expect_caught<basic::exception>},
     {"nio::exception", expect_caught<nio::exception>},
+    {"nio::filesystem_exception", expect_caught<nio::filesystem_exception>},
 };
 
 struct closing {

@@ -42,6 +42,7 @@ constexpr row rows[] = {
     {"io::exception", [] { throw io::exception(plugin_message, plugin_origin, plugin_error); }},
     {"basic::exception", throw_plain<basic::exception>},
     {"nio::exception", throw_plain<nio::exception>},
+    {"nio::filesystem_exception", [] { throw nio::filesystem_exception(plugin_message, u"path"); }},
 };
 
 } // namespace
