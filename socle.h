@@ -5,6 +5,7 @@
 #include "any/converter.h"
 #include "any/exception.h"
 #include "any/integers.h"
+#include "any/path.h"
 #include "any/string.h"
 #include "any/time.h"
 #include "any/utf8_coder.h"

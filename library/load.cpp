@@ -1,6 +1,7 @@
 // What is set up while the library is loaded, all of it here, in this order.
 
 #include "any/converter.h"
+#include "any/path.h"
 #include "nio/time_internal.h"
 #include "platform/clock.h"
 #include "un/exception.h"
@@ -9,6 +10,8 @@
 // The code pages that a text can go through. Empty until the first converter is made.
 
 std::vector<uint32> any::converter::installed_pages_;
+
+any::path const any::path::null;
 
 // The counts in a second of the machine's counter. Without a counter the library does not come up.
 

@@ -1,0 +1,149 @@
+#include "any/path.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using elements = std::vector<any::string>;
+
+elements of(any::path const & path) { return {path.begin(), path.end()}; }
+
+TEST(Path, Cuts) {
+    struct row {
+        wide_string text;
+        elements cut;
+        wide_string joined;
+    };
+    for (auto const & [text, cut, joined] : {
+             row{u"", {}, u""},
+             row{u".", {}, u""},
+             row{u"..", {u".."}, u".."},
+             row{u"a", {u"a"}, u"a"},
+             row{u"C:\\dir\\file.txt", {u"C:", u"dir", u"file.txt"}, u"C:\\dir\\file.txt"},
+             row{u"a/b", {u"a", u"b"}, u"a\\b"},
+             row{u"a/b/", {u"a", u"b"}, u"a\\b"},
+             row{u"a//b", {u"a", u"", u"b"}, u"a\\\\b"},
+             row{u"a/./b", {u"a", u"b"}, u"a\\b"},
+             row{u"./a/.", {u"a"}, u"a"},
+             row{u"a//.", {u"a"}, u"a"},
+             row{u"/a", {u"", u"a"}, u"\\a"},
+             row{u"\\\\server\\share", {u"", u"", u"server", u"share"}, u"\\\\server\\share"},
+             row{u"\\", {}, u""},
+             row{u"/\\/", {}, u""},
+             row{{u'a', u'\0', u'/', u'\0'},
+                 {wide_string{u'a', u'\0'}, wide_string{u'\0'}},
+                 {u'a', u'\0', u'\\', u'\0'}},
+         }) {
+        any::path const path(text, true);
+        EXPECT_EQ(of(path), cut) << path.full_string().str(true);
+        EXPECT_EQ(path.full_string(), joined);
+        EXPECT_EQ(path.full_size(), joined.size());
+    }
+    EXPECT_EQ(of(any::path(u"a/./b", false)), (elements{u"a", u".", u"b"}));
+    EXPECT_EQ(of(any::path(u".", false)), elements{u"."});
+}
+
+TEST(Path, CutsAtTheSeparatorsGiven) {
+    any::path path(u"a/b:c", u":", true);
+    EXPECT_EQ(of(path), (elements{u"a/b", u"c"}));
+    EXPECT_EQ(path.full_string(), u"a/b:c");
+    path = u"x:./y:.:";
+    EXPECT_EQ(of(path), (elements{u"x", u"./y"}));
+    EXPECT_EQ(of(any::path(u"a:b;c/d", u";:/", true)), (elements{u"a", u"b", u"c", u"d"}));
+    any::path whole(u"a/b", u"", true);
+    EXPECT_EQ(of(whole), elements{u"a/b"});
+    whole += u"c";
+    EXPECT_EQ(whole.full_string(), u"a/bc") << "nothing to join with";
+    EXPECT_EQ(whole.full_size(), 4u);
+    whole.reset_separator();
+    EXPECT_EQ(whole.full_string(), u"a/b\\c");
+    path.clear();
+    path += any::path(u"p/q", true);
+    EXPECT_EQ(path.full_string(), u"p:q");
+    EXPECT_EQ(path.parent().full_string(), u"p");
+    EXPECT_EQ(((path + u"r").parent() + u"s").full_string(), u"p\\q\\s") << "a parent has the default ones";
+    EXPECT_EQ((path + any::path(u"r/s", true)).full_string(), u"p:q:r:s");
+}
+
+TEST(Path, Leaf) {
+    struct row {
+        char16_t const * leaf;
+        char16_t const * name;
+        char16_t const * ext;
+    };
+    for (auto const & [leaf, name, ext] : {row{u"a.b.c", u"a.b", u".c"}, row{u"abc", u"abc", u""},
+                                           row{u".profile", u"", u".profile"}, row{u"a.", u"a", u"."}}) {
+        any::path path(u"x.y/z", true);
+        path.leaf() = leaf;
+        EXPECT_EQ(path.leaf_name(), name);
+        EXPECT_EQ(path.leaf_ext(), ext);
+        EXPECT_EQ(path.leaf_size(), path.leaf().size());
+        EXPECT_EQ(path.parent_string(), u"x.y");
+        EXPECT_EQ(path.parent_size(), 3u);
+    }
+}
+
+TEST(Path, AddsAndDrops) {
+    any::path path;
+    path.add_leaf(u"");
+    EXPECT_EQ(of(path), elements{u""});
+    EXPECT_EQ(path.full_string(), u"");
+    path += u"";
+    EXPECT_EQ(path.size(), 1u);
+    path += u"a";
+    EXPECT_EQ(path.full_string(), u"\\a");
+    path.push_back(u"");
+    EXPECT_EQ(path.full_string(), u"\\a\\");
+    path.set_parent(any::path(u"p/q", true));
+    EXPECT_EQ(of(path), (elements{u"p", u"q"}));
+    any::path into(u"x", u":", true);
+    path.get_parent(into);
+    into += u"y";
+    EXPECT_EQ(into.full_string(), u"p:y");
+    path.to_parent();
+    EXPECT_EQ(of(path), elements{u"p"});
+    EXPECT_EQ(path.parent_string(), u"");
+    EXPECT_EQ(path.parent_size(), 0u);
+    path.to_parent();
+    path.to_parent();
+    EXPECT_TRUE(path.empty());
+    EXPECT_TRUE(path.parent().empty());
+    EXPECT_TRUE(any::path::null.empty());
+}
+
+TEST(Path, TakesItsOwnElements) {
+    any::path const start(u"a long name that is stored apart/another such long name.txt", true);
+    elements const both = of(start);
+    any::path path = start;
+    path.add_leaf(path.leaf());
+    path.push_back(*path.begin());
+    EXPECT_EQ(of(path), (elements{both[0], both[1], both[1], both[0]}));
+    path = start;
+    path.set_parent(path);
+    EXPECT_EQ(of(path), (elements{both[0], both[1], both[1]}));
+    path = start;
+    path += path;
+    EXPECT_EQ(of(path), (elements{both[0], both[1], both[0], both[1]}));
+    path.get_parent(path);
+    EXPECT_EQ(path.size(), 3u);
+    path = start;
+    path.leaf().str(true);
+    path.get_full_string(path.leaf());
+    EXPECT_EQ(path.leaf(), start.full_string());
+    path = path.leaf();
+    EXPECT_EQ(of(path), both);
+    path.leaf() += u"x";
+    path.get_parent_string(*path.begin());
+    EXPECT_EQ(*path.begin(), both[0]);
+}
+
+TEST(Path, Order) {
+    elements const sorted = {u"", u"A", u"a", u"a/b", u"a b", u"b"};
+    for (std::size_t i = 0; i < sorted.size(); ++i) {
+        for (std::size_t k = 0; k < sorted.size(); ++k) {
+            EXPECT_EQ(any::path(sorted[i], true) < any::path(sorted[k], u":/", true), i < k) << i << " " << k;
+        }
+    }
+}
+
+} // namespace
