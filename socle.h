@@ -5,6 +5,7 @@
 #include "any/converter.h"
 #include "any/exception.h"
 #include "any/integers.h"
+#include "any/name.h"
 #include "any/path.h"
 #include "any/string.h"
 #include "any/time.h"

@@ -1,7 +1,7 @@
 #include "any/string.h"
 
-#include "any/converter.h"
 #include "any/exception.h"
+#include "any/system_pages_internal.h"
 
 #include <algorithm>
 #include <string_view>
@@ -11,11 +11,6 @@ namespace any {
 namespace {
 
 constexpr std::string_view fallback_alphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+-";
-
-converter const & system_pages() {
-    static converter const pages;
-    return pages;
-}
 
 /// Whether a page leaves the units 0x01 to 0x7F as they are.
 bool holds_ascii(bool ansi) {

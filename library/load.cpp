@@ -1,6 +1,7 @@
 // What is set up while the library is loaded, all of it here, in this order.
 
 #include "any/converter.h"
+#include "any/name.h"
 #include "any/path.h"
 #include "nio/time_internal.h"
 #include "platform/clock.h"
@@ -11,6 +12,7 @@
 
 std::vector<uint32> any::converter::installed_pages_;
 
+any::name const any::name::null;
 any::path const any::path::null;
 
 // The counts in a second of the machine's counter. Without a counter the library does not come up.
