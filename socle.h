@@ -24,6 +24,7 @@
 #include "io/mac/os_type.h"
 #include "io/mac/point.h"
 #include "io/mac/rect.h"
+#include "io/system_error.h"
 #include "nio/bit_input.h"
 #include "nio/bit_output.h"
 #include "nio/blocks.h"

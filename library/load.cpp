@@ -3,8 +3,11 @@
 #include "any/converter.h"
 #include "any/name.h"
 #include "any/path.h"
+#include "nio/platform_internal.h"
 #include "nio/time_internal.h"
+#include "platform/backup.h"
 #include "platform/clock.h"
+#include "platform/environment.h"
 #include "un/exception.h"
 #include "un/timer.h"
 
@@ -29,6 +32,16 @@ struct timer_start : un::timer {
 } const start_timer;
 
 } // namespace
+
+// Whether this is the system with NTFS streams. There, backups may go past what the user could open otherwise.
+
+bool const nio::platform_is_nt = [] {
+    bool const is_nt = platform::GetVersionExA() == platform::VER_PLATFORM_WIN32_NT;
+    if (is_nt) {
+        platform::EnableBackupPrivileges();
+    }
+    return is_nt;
+}();
 
 // The time zone, which stays as it was for the life of the process.
 

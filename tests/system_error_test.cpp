@@ -1,3 +1,5 @@
+#include "io/exception.h"
+#include "io/system_error.h"
 #include "nio/filesystem_exception.h"
 #include "platform/error_text.h"
 #include "platform/errors.h"
@@ -48,6 +50,21 @@ TEST(system_error, in_a_filesystem_exception) {
     } catch (basic::exception const & e) {
         EXPECT_EQ(e.message(), "cannot read");
     }
+}
+
+TEST(system_error, raised_by_the_io_family) {
+    any::path const path(any::string(u"a\\\xe9"), false);
+    SetLastError(ERROR_FILE_NOT_FOUND);
+    try {
+        io::raise_system_error(path, "cannot open", "io::fork");
+        ADD_FAILURE();
+    } catch (io::exception const & e) {
+        EXPECT_EQ(e.message(), "cannot open \"a\\\xe9\"; 2 " + system_error_text(2));
+        EXPECT_EQ(e.origin(), "io::fork");
+        EXPECT_EQ(e.error(), 2);
+    }
+    SetLastError(ERROR_BROKEN_PIPE);
+    EXPECT_NO_THROW(io::raise_system_error(path, "cannot read from", "io::fork"));
 }
 
 } // namespace
