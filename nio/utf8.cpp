@@ -1,0 +1,142 @@
+#include "nio/utf8.h"
+
+#include <cstring>
+
+namespace nio {
+
+namespace {
+
+constexpr char16_t replacement = 0xFFFD;
+constexpr std::size_t step = 16; // units, or bytes, that are looked at together
+
+unsigned char value(char byte) { return static_cast<unsigned char>(byte); }
+
+bool continues(char byte) { return (value(byte) & 0xC0) == 0x80; }
+
+/// Whether none of the next `step` elements is above ASCII.
+template <class Unit>
+bool is_ascii(Unit const * from) {
+    uint64 bits = 0;
+    for (std::size_t i = 0; i < step * sizeof(Unit) / sizeof bits; ++i) {
+        uint64 word;
+        std::memcpy(&word, reinterpret_cast<char const *>(from) + i * sizeof word, sizeof word);
+        bits |= word;
+    }
+    return (bits & (sizeof(Unit) == 1 ? 0x8080808080808080 : 0xFF80FF80FF80FF80)) == 0;
+}
+
+template <class From, class To>
+void copy_ascii(From const * from, To * to) {
+    for (std::size_t i = 0; i < step; ++i)
+        to[i] = static_cast<To>(from[i]);
+}
+
+std::size_t encoded_size(wide_string const & text) {
+    std::size_t size = text.size();
+    for (char16_t const unit : text)
+        size += std::size_t(unit >= 0x80) + std::size_t(unit >= 0x800);
+    return size;
+}
+
+/// The sequence at `at`, of any length and worth, as one unit; moves `at` behind it.
+char16_t decode_any(char const *& at, char const * end, bool validate) {
+    uint32 const length = _utf8_size(*at);
+    uint32 u = value(*at) & (length <= 1 ? 0x7Fu : 0x7Fu >> length);
+    uint32 count = 1;
+    for (++at; count < length && at != end && continues(*at); ++at, ++count)
+        u = u << 6 | (value(*at) & 0x3F);
+    if (count != length)
+        return replacement;
+    if (validate) {
+        bool const overlong = (count == 2 && (u & 0xFF80) == 0) || (count == 3 && u >> 11 == 0);
+        if (overlong || count >= 4 || (u >= 0xD800 && u <= 0xDFFF) || u == 0xFFFE || u == 0xFFFF)
+            return replacement;
+    }
+    return static_cast<char16_t>(u);
+}
+
+} // namespace
+
+uint32 _utf8_size(char16_t unit) { return unit < 0x80 ? 1 : unit < 0x800 ? 2 : 3; }
+
+uint32 _utf8_size(uint16 unit) { return _utf8_size(static_cast<char16_t>(unit)); }
+
+uint32 _utf8_size(char lead) {
+    unsigned char const byte = value(lead);
+    if (byte < 0x80)
+        return 1;
+    if (byte < 0xC0 || byte > 0xFD)
+        return 0;
+    return byte < 0xE0 ? 2 : byte < 0xF0 ? 3 : byte < 0xF8 ? 4 : byte < 0xFC ? 5 : 6;
+}
+
+void _utf8_encode(wide_string const & text, narrow_string & out) {
+    out.clear();
+    out.resize(encoded_size(text));
+    char * to = out.data();
+    char16_t const * from = text.data();
+    char16_t const * const end = from + text.size();
+    while (from != end) {
+        if (std::size_t(end - from) >= step && is_ascii(from)) {
+            copy_ascii(from, to);
+            from += step;
+            to += step;
+            continue;
+        }
+        // Up to the next unit of ASCII, which may be the first of many.
+        do {
+            unsigned const unit = *from++;
+            if (unit < 0x80) {
+                *to++ = static_cast<char>(unit);
+                break;
+            }
+            if (unit < 0x800) {
+                *to++ = static_cast<char>(0xC0 | unit >> 6);
+            } else {
+                *to++ = static_cast<char>(0xE0 | unit >> 12);
+                *to++ = static_cast<char>(0x80 | (unit >> 6 & 0x3F));
+            }
+            *to++ = static_cast<char>(0x80 | (unit & 0x3F));
+        } while (from != end);
+    }
+}
+
+void _utf8_decode(narrow_string const & bytes, wide_string & out, bool validate) {
+    out.clear();
+    out.resize(bytes.size());
+    char16_t * to = out.data();
+    char const * from = bytes.data();
+    char const * const end = from + bytes.size();
+    while (from != end) {
+        if (std::size_t(end - from) >= step && is_ascii(from)) {
+            copy_ascii(from, to);
+            from += step;
+            to += step;
+            continue;
+        }
+        do {
+            unsigned const lead = value(*from);
+            if (lead < 0x80) {
+                *to++ = static_cast<char16_t>(lead);
+                ++from;
+                break;
+            }
+            if (lead >= 0xE0 && lead < 0xF0 && end - from >= 3 && continues(from[1]) && continues(from[2])) {
+                unsigned const u = (lead & 0xF) << 12 | (value(from[1]) & 0x3Fu) << 6 | (value(from[2]) & 0x3Fu);
+                if (u >= 0x800 && u < 0xFFFE && (u & 0xF800) != 0xD800) {
+                    *to++ = static_cast<char16_t>(u);
+                    from += 3;
+                    continue;
+                }
+            } else if (lead >= 0xC2 && lead < 0xE0 && end - from >= 2 && continues(from[1])) {
+                *to++ = static_cast<char16_t>((lead & 0x1F) << 6 | (value(from[1]) & 0x3Fu));
+                from += 2;
+                continue;
+            }
+            *to++ = decode_any(from, end, validate);
+        } while (from != end);
+    }
+    out.resize(static_cast<std::size_t>(to - out.data()));
+}
+
+} // namespace nio

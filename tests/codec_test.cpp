@@ -1,0 +1,226 @@
+#include "basic/exception.h"
+#include "nio/buffered_input.h"
+#include "nio/encoding.h"
+#include "nio/strings.h"
+#include "stream/vector_input.h"
+#include "tests/support/streams.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+
+namespace {
+
+using support::fragment_source;
+using support::recording_target;
+using namespace std::string_literals;
+
+wide_string decoded(narrow_string const & bytes, bool validate) {
+    wide_string out = u"old";
+    nio::_utf8_decode(bytes, out, validate);
+    return out;
+}
+
+TEST(Utf8, DecodesWhatItKnowsAndMarksTheRest) {
+    struct {
+        narrow_string bytes;
+        wide_string valid, any;
+    } const table[] = {
+        {"", u"", u""},
+        {"a\0b"s, u"a\0b"s, u"a\0b"s},
+        {"\x7F\xC2\x80\xDF\xBF\xE0\xA0\x80\xE2\x82\xAC", u"\x7F\x80\x7FF\x800\x20AC", u"\x7F\x80\x7FF\x800\x20AC"},
+        {"\xED\xA0\xBD\xED\xB8\x80", u"\xFFFD\xFFFD", u"\xD83D\xDE00"},
+        {"\xF0\x9F\x98\x80", u"\xFFFD", u"\xF600"},
+        {"\xFC\x84\x80\x80\x80\x81z", u"\xFFFDz", u"\x0001z"},
+        {"\xC0\x80", u"\xFFFD", u"\0"s},
+        {"\xE0\x80\x80", u"\xFFFD", u"\0"s},
+        {"\x80\xFF\xFE", u"\xFFFD\xFFFD\xFFFD", u"\xFFFD\xFFFD\xFFFD"},
+        {"\xE2\x82", u"\xFFFD", u"\xFFFD"},
+        {"\xE2\x82\x41", u"\xFFFD\x41", u"\xFFFD\x41"},
+        {"\xF8\x88\x80", u"\xFFFD", u"\xFFFD"},
+        {"\xC3\xC3\xA9", u"\xFFFD\xE9", u"\xFFFD\xE9"},
+        {"\xEF\xBF\xBE\xEF\xBF\xBF\xEF\xBF\xBD", u"\xFFFD\xFFFD\xFFFD", u"\xFFFE\xFFFF\xFFFD"},
+    };
+    for (auto const & c : table) {
+        EXPECT_EQ(decoded(c.bytes, true), c.valid);
+        EXPECT_EQ(decoded(c.bytes, false), c.any);
+        // The same in the midst of text that can be taken in words.
+        narrow_string const text(40, 'x');
+        EXPECT_EQ(decoded(text + c.bytes + text, true), decoded(text, true) + c.valid + decoded(text, true));
+    }
+}
+
+/// The rules of decoding, unit by unit.
+wide_string plain_decode(narrow_string const & bytes, bool validate) {
+    wide_string out;
+    for (std::size_t i = 0; i < bytes.size();) {
+        uint32 const n = nio::_utf8_size(bytes[i]);
+        uint32 u = static_cast<unsigned char>(bytes[i]) & (n <= 1 ? 0x7F : 0x7F >> n), k = 1;
+        for (; k < n && i + k < bytes.size() && (bytes[i + k] & 0xC0) == 0x80; ++k)
+            u = u << 6 | (bytes[i + k] & 0x3F);
+        bool const bad = validate
+                         && ((k == 2 && u < 0x80) || (k == 3 && u < 0x800) || k >= 4 || (u >= 0xD800 && u <= 0xDFFF)
+                             || u == 0xFFFE || u == 0xFFFF);
+        out += k != n || bad ? u'\xFFFD' : static_cast<char16_t>(u);
+        i += k;
+    }
+    return out;
+}
+
+TEST(Utf8, RoundTripsEveryUnitAndAnyBytes) {
+    wide_string all;
+    for (unsigned unit = 0; unit < 0x10000; ++unit) {
+        wide_string const one(1, static_cast<char16_t>(unit));
+        narrow_string bytes;
+        nio::_utf8_encode(one, bytes);
+        ASSERT_EQ(bytes.size(), nio::_utf8_size(one[0]));
+        ASSERT_EQ(nio::_utf8_size(bytes[0]), bytes.size());
+        ASSERT_EQ(decoded(bytes, false), one);
+        all += one;
+    }
+    std::mt19937 random(5);
+    for (int i = 0; i < 3000; ++i) {
+        wide_string units(random() % 70, u'\0');
+        narrow_string noise(random() % 70, '\0');
+        unsigned const top = i % 3 == 0 ? 0x90 : i % 3 == 1 ? 0x900 : 0x10000;
+        for (auto & unit : units)
+            unit = static_cast<char16_t>(random() % top);
+        for (auto & byte : noise)
+            byte = static_cast<char>(random() % 4 == 0 ? random() % 256 : random() % 128 + (random() % 2) * 0x80);
+        narrow_string bytes;
+        nio::_utf8_encode(units, bytes);
+        ASSERT_EQ(decoded(bytes, false), units);
+        for (bool const validate : {true, false})
+            ASSERT_EQ(decoded(noise, validate), plain_decode(noise, validate));
+    }
+}
+
+TEST(Codec, FollowsItsSelector) {
+    EXPECT_EQ(nio::encode(u"\x20AC\x0416", 1252), "\x80_");
+    EXPECT_EQ(nio::encode(u"\x20AC\x0416", 1251), "\x88\xC6");
+    EXPECT_EQ(nio::encode(u"\x20AC", -3), "\xE2\x82\xAC");
+    EXPECT_EQ(nio::decode("\x80", 1252), u"\x20AC");
+    EXPECT_EQ(nio::decode("\xF0\x9F\x98\x80", -3), u"\xFFFD");
+    EXPECT_EQ(nio::decode("\xF0\x9F\x98\x80", 65001), u"\xD83D\xDE00");
+    EXPECT_EQ(nio::_codepage(932), 932);
+    for (int const oem : {0, -2, -3, -99}) {
+        EXPECT_EQ(nio::_codepage(oem), nio::_codepage(0));
+        EXPECT_NE(nio::_codepage(oem), nio::_codepage(-1));
+    }
+    for (int const encoding : {-3, -1, 0, 932, 12345}) {
+        EXPECT_EQ(nio::encode(u"", encoding), "");
+        EXPECT_EQ(nio::decode("", encoding), u"");
+    }
+    EXPECT_EQ(nio::encode(u"text", 12345), "");
+    EXPECT_EQ(nio::decode("text", 12345), u"");
+    EXPECT_EQ(nio::encode(u"\0a\0\0"s, 1252), "\0a"s);
+    EXPECT_EQ(nio::encode(u"\0\0"s, 1252), "");
+    EXPECT_EQ(nio::decode("a\0"s, 1252), u"a\0"s);
+}
+
+TEST(Codec, TranslateLeavesNoOther) {
+    wide_string text = u"a_b";
+    nio::translate(text, u'a', u'b');
+    EXPECT_EQ(text, u"b__");
+    nio::translate(text, u'_', u'_');
+    EXPECT_EQ(text, u"b__");
+}
+
+TEST(Fields, ReadAsLongAsTheyAre) {
+    struct {
+        uint32 length, field_size;
+        bool stop;
+        narrow_string text;
+        uint64 tell;
+    } const table[] = {
+        {4, 8, true, "ab", 8}, {4, 8, false, "ab\0c"s, 8}, {8, 4, false, "ab\0cdefg"s, 8}, {4, 0, false, "ab\0c"s, 4},
+        {0, 0, true, "", 0},   {0, 3, true, "", 3},        {2, 99, true, "ab", 10},
+    };
+    for (auto const & c : table) {
+        fragment_source in({"ab\0cdefghi"s});
+        EXPECT_EQ(nio::read_string(in, c.length, c.field_size, c.stop), c.text);
+        EXPECT_EQ(in.tell(), c.tell);
+    }
+    byte_vector const data = support::bytes("\xE2\x82\xAC");
+    stream::vector_input euro(data), long_field(data);
+    EXPECT_EQ(nio::read(euro, -3, 3, 0, false), u"\x20AC");
+    try {
+        nio::read_string(long_field, 0xFFFFFFFF, 0, false);
+        ADD_FAILURE();
+    } catch (basic::exception const & e) {
+        EXPECT_EQ(e.message(), "input stream is too short to complete a string");
+    }
+    EXPECT_EQ(long_field.tell(), 3u);
+}
+
+TEST(Fields, WriteTextAndZeros) {
+    struct {
+        uint32 field_size, limit;
+        narrow_string written;
+    } const table[] = {{0, 0, "abcdef"}, {8, 4, "abcd\0\0\0\0"s}, {8, 0, "abcdef\0\0"s}, {2, 9, "abcdef"}, {0, 1, "a"}};
+    for (auto const & c : table) {
+        recording_target bytes, text;
+        nio::write_string(bytes, "abcdef", c.field_size, c.limit);
+        nio::write(text, u"abcdef", -3, c.field_size, c.limit);
+        EXPECT_EQ(bytes.data, c.written);
+        EXPECT_EQ(text.data, c.written);
+        EXPECT_EQ(nio::written_size(u"abcdef", -3, c.field_size, c.limit), c.written.size());
+    }
+    recording_target empty;
+    nio::write_string(empty, "", 0, 0);
+    nio::write_c(empty, u"\x20AC", -3);
+    EXPECT_EQ(empty.writes, (std::vector<uint32>{0, 3, 1}));
+    EXPECT_EQ(empty.data, "\xE2\x82\xAC\0"s);
+}
+
+/// Over a source that hands out single bytes, and over one that holds them in memory.
+template <class Act>
+void each_way(narrow_string const & data, Act act) {
+    fragment_source single({data});
+    act(single);
+    byte_vector const vector = support::bytes(data);
+    stream::vector_input memory(vector);
+    act(memory);
+    fragment_source beneath({data});
+    nio::buffered_input parts(beneath, 3);
+    act(parts);
+}
+
+TEST(Terminated, TextEndsAtItsZero) {
+    each_way("ab\0\0\xC3\xA9"s, [](nio::input & in) {
+        EXPECT_EQ(nio::read_c(in, -3), u"ab");
+        EXPECT_EQ(in.tell(), 3u);
+        EXPECT_EQ(nio::read_c(in, -3), u"");
+        EXPECT_EQ(nio::read_c(in, -3), u"\xE9");
+        EXPECT_EQ(nio::read_c(in, -3), u"");
+    });
+}
+
+TEST(Lines, EndAtAnyLineEnd) {
+    each_way("\r\n\r\nab\r\n\ncd\refghij\n\0k"s, [](nio::input & in) {
+        struct {
+            uint32 size;
+            char const * line;
+            uint64 tell;
+        } const table[] = {{0, "", 0}, {5, "ab", 7}, {2, "cd", 11}, {4, "efgh", 16}, {4, "ij", 19}};
+        for (auto const & c : table) {
+            basic::buffer<char> line(c.size);
+            EXPECT_TRUE(nio::read_line(in, line));
+            EXPECT_EQ(std::string(line.data(), line.size()), c.line);
+            EXPECT_EQ(in.tell(), c.tell);
+        }
+        basic::buffer<char> rest(9);
+        EXPECT_FALSE(nio::read_line(in, rest));
+        EXPECT_EQ(std::string(rest.data(), rest.size()), "\0k"s);
+        rest.resize(3);
+        EXPECT_FALSE(nio::read_line(in, rest));
+        EXPECT_EQ(rest.size(), 0u);
+    });
+    fragment_source in({"ab\ncd"});
+    char storage[8];
+    basic::buffer<char> fixed(storage, 8);
+    EXPECT_THROW(nio::read_line(in, fixed), std::logic_error);
+    EXPECT_EQ(in.tell(), 3u);
+}
+
+} // namespace
