@@ -23,6 +23,7 @@ uint32 code_of(int error) {
     case ENOSYS:
     case ENOTSUP: return ERROR_NOT_SUPPORTED;
     case EEXIST: return ERROR_ALREADY_EXISTS;
+    case ESPIPE: return ERROR_SEEK;
     case EINVAL: return ERROR_INVALID_PARAMETER;
     case ENOSPC:
     case EDQUOT:

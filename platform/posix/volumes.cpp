@@ -3,6 +3,7 @@
 #include "platform/errors.h"
 #include "platform/host.h"
 #include "platform/posix/error_codes.h"
+#include "platform/posix/extended_attributes.h"
 #include "platform/posix/host_calls.h"
 #include "platform/posix/report.h"
 
@@ -21,7 +22,7 @@ namespace {
 std::vector<volume> & table() {
     static std::vector<volume> volumes = [] {
         std::vector<volume> start;
-        start.push_back({'C', {}, {}, nullptr});
+        start.push_back({'C', {}, {}, nullptr, false});
         return start;
     }();
     return volumes;
@@ -50,11 +51,13 @@ uint32 attach(char letter, narrow_string const & folder, narrow_string const & f
         return ERROR_PATH_NOT_FOUND;
     }
     narrow_string const top = resolved;
-    volume added{capital, top == "/" ? narrow_string() : top, file_system, nullptr};
+    volume added{capital, top == "/" ? narrow_string() : top, file_system, nullptr, false};
     if (file_system == "NTFS") {
         if (uint32 const code = make_named_streams(top, added.streams)) {
             return code;
         }
+        narrow_string value;
+        added.ntfs_disk = get_attribute(top, "system.ntfs_attrib", true, value);
     }
     table().push_back(std::move(added));
     return 0;

@@ -13,6 +13,7 @@ struct volume {
     narrow_string folder; // absolute, free of links, without a separator at its end: empty for the host's root
     narrow_string file_system;
     std::unique_ptr<named_streams> streams; // none where files have no named streams
+    bool ntfs_disk;                         // whether it gives a file's NTFS attributes as extended ones
 };
 
 /// The volume of a letter in either case; null if there is none.

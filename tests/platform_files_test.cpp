@@ -1,0 +1,349 @@
+#include "platform/errors.h"
+#include "platform/files.h"
+#include "platform/host.h"
+#include "tests/support/scratch.h"
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <fcntl.h>
+#include <filesystem>
+#include <functional>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <sys/wait.h>
+
+namespace {
+
+using namespace platform;
+namespace fs = std::filesystem;
+
+constexpr uint32 read_write = GENERIC_READ | GENERIC_WRITE;
+constexpr uint32 share_all = FILE_SHARE_READ | FILE_SHARE_WRITE;
+
+class platform_files : public testing::Test {
+protected:
+    ~platform_files() override { detach_volume('N'); }
+
+    int open(std::string const & name) const {
+        return CreateFileW(scratch_.path(name), GENERIC_READ, share_all, OPEN_EXISTING, 0);
+    }
+    int open_rw(std::string const & name) const {
+        return CreateFileW(scratch_.path(name), read_write, FILE_SHARE_READ, OPEN_EXISTING, 0);
+    }
+    int create(std::string const & name, uint32 disposition = CREATE_ALWAYS) const {
+        return CreateFileW(scratch_.path(name), read_write, FILE_SHARE_READ, disposition, 0);
+    }
+
+    /// The system code of an opening, whose handle is closed at once.
+    static uint32 code_of(int file) {
+        return file == INVALID_HANDLE_VALUE ? GetLastError() : CloseHandle(file) ? 0 : 1;
+    }
+
+    /// The exit status of a process that does this.
+    static int in_process(std::function<int()> const & work) {
+        pid_t const child = fork();
+        if (child == 0) {
+            _exit(work());
+        }
+        int status = 0;
+        waitpid(child, &status, 0);
+        return WIFEXITED(status) ? WEXITSTATUS(status) : 1000 + WTERMSIG(status);
+    }
+
+    scratch scratch_;
+};
+
+TEST_F(platform_files, open_or_say_why_not) {
+    scratch_.write("file", "bytes");
+    scratch_.write("locked", "bytes");
+    scratch_.write("what?", "bytes");
+    fs::permissions(scratch_.host("locked"), fs::perms::owner_read | fs::perms::group_write);
+    fs::create_directory(scratch_.host("folder"));
+    fs::create_symlink("file", scratch_.host("link"));
+    fs::create_symlink("nothing", scratch_.host("dangling"));
+    fs::create_symlink("loop", scratch_.host("loop"));
+    std::string const longest(300, 'x');
+    std::string const deep = std::string(5000, 'x').replace(2500, 1, "/");
+    struct {
+        std::string name;
+        uint32 open, open_rw, create_new, create_always, times, backup;
+    } const cases[] = {
+        {"file", 0, 0, 80, 0, 0, 0},          {"link", 0, 0, 80, 0, 0, 0},
+        {"locked", 0, 5, 80, 5, 0, 0},        {"what?", 0, 0, 80, 0, 0, 0},
+        {"folder", 5, 5, 80, 5, 0, 0},        {"none", 2, 2, 0, 0, 2, 2},
+        {"none/file", 3, 3, 3, 3, 3, 3},      {"file/file", 3, 3, 3, 3, 3, 3},
+        {"file/", 3, 3, 3, 3, 3, 3},          {"dangling", 2, 2, 80, 80, 0, 2},
+        {"loop", 2, 2, 80, 80, 0, 2},         {"a\"b", 2, 2, 123, 123, 2, 2},
+        {"a\nb", 2, 2, 123, 123, 2, 2},       {longest, 206, 206, 206, 206, 206, 206},
+        {deep, 206, 206, 206, 206, 206, 206},
+    };
+    for (auto const & c : cases) {
+        SCOPED_TRACE(c.name.substr(0, 40));
+        if (c.name != "locked" || geteuid() == 0) {
+            EXPECT_EQ(code_of(open(c.name)), c.open);
+        }
+        EXPECT_EQ(code_of(open_rw(c.name)), c.open_rw);
+        EXPECT_EQ(code_of(CreateFileW(scratch_.path(c.name), 0, share_all, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS)),
+                  c.times);
+        EXPECT_EQ(code_of(CreateFileW(scratch_.path(c.name), GENERIC_READ, FILE_SHARE_READ, OPEN_EXISTING,
+                                      FILE_FLAG_BACKUP_SEMANTICS)),
+                  c.backup);
+        EXPECT_EQ(code_of(create(c.name, CREATE_NEW)), c.create_new);
+        EXPECT_EQ(code_of(create(c.name)), c.create_always);
+    }
+    EXPECT_FALSE(scratch_.exists("nothing"));
+    EXPECT_EQ(scratch_.read("locked"), "bytes");
+    EXPECT_EQ(scratch_.read("link"), "");
+    EXPECT_EQ(code_of(CreateFileW(u"Q:\\x", GENERIC_READ, 3, OPEN_EXISTING, 0)), 3u);
+    EXPECT_EQ(code_of(CreateFileW(u"\\\\server\\share", GENERIC_READ, 3, OPEN_EXISTING, 0)), 53u);
+    EXPECT_EQ(code_of(CreateFileW(wide_string(u"C:\\etc\\passwd\0x", 15), GENERIC_READ, 3, OPEN_EXISTING, 0)), 123u);
+}
+
+TEST_F(platform_files, exclude_other_writers_and_never_a_reader) {
+    scratch_.write("file", "precious");
+    struct {
+        char const * what;
+        uint32 access, sharing, flags;
+        uint32 writer, creator, reader, backup; // what others get
+    } const holders[] = {
+        {"writer", read_write, FILE_SHARE_READ, 0, 32, 32, 0, 32},
+        {"reader", GENERIC_READ, share_all, 0, 0, 0, 0, 0},
+        {"backup", GENERIC_READ, FILE_SHARE_READ, FILE_FLAG_BACKUP_SEMANTICS, 32, 32, 0, 0},
+        {"times", GENERIC_WRITE, share_all, FILE_FLAG_BACKUP_SEMANTICS, 0, 0, 0, 0},
+    };
+    for (auto const & holder : holders) {
+        SCOPED_TRACE(holder.what);
+        scratch_.write("file", "precious");
+        int const held = CreateFileW(scratch_.path("file"), holder.access, holder.sharing, OPEN_EXISTING, holder.flags);
+        ASSERT_GE(held, 0);
+        auto const others = [&] {
+            uint32 const backup = code_of(CreateFileW(scratch_.path("file"), GENERIC_READ, FILE_SHARE_READ,
+                                                      OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS));
+            bool const right = code_of(open_rw("file")) == holder.writer && code_of(open("file")) == holder.reader
+                               && backup == holder.backup && code_of(create("file")) == holder.creator;
+            return right && (holder.creator == 0 || scratch_.read("file") == "precious") ? 0 : 1;
+        };
+        EXPECT_EQ(others(), 0);
+        scratch_.write("file", "precious");
+        EXPECT_EQ(in_process(others), 0);
+        EXPECT_TRUE(CloseHandle(held));
+        EXPECT_EQ(code_of(open_rw("file")), 0u);
+    }
+}
+
+TEST_F(platform_files, read_write_and_resize) {
+    int const file = create("file");
+    ASSERT_GE(file, 0);
+    uint32 done = 0;
+    uint64 position = 0;
+    uint64 size = 0;
+    EXPECT_TRUE(WriteFile(file, "0123456789", 10, done));
+    EXPECT_EQ(done, 10u);
+    EXPECT_TRUE(SetFilePointer(file, 4, FILE_BEGIN, position) && SetEndOfFile(file) && GetFileSize(file, size));
+    EXPECT_EQ(size, 4u);
+    EXPECT_TRUE(SetFilePointer(file, int64{5} << 32, FILE_BEGIN, position) && SetEndOfFile(file));
+    EXPECT_TRUE(GetFileSize(file, size) && SetFilePointer(file, 0, FILE_CURRENT, position));
+    EXPECT_EQ(size, uint64{5} << 32);
+    EXPECT_EQ(position, uint64{5} << 32);
+    EXPECT_FALSE(SetFilePointer(file, -1, FILE_BEGIN, position));
+    EXPECT_EQ(GetLastError(), 131u);
+    EXPECT_TRUE(SetFilePointer(file, (int64{5} << 32) - 3, FILE_BEGIN, position));
+    char bytes[8] = "xxxxxxx";
+    EXPECT_TRUE(ReadFile(file, bytes, 8, done));
+    EXPECT_EQ(std::string(bytes, 8), std::string("\0\0\0xxxx\0", 8));
+    EXPECT_EQ(done, 3u);
+    EXPECT_TRUE(ReadFile(file, bytes, 8, done) && FlushFileBuffers(file));
+    EXPECT_EQ(done, 0u);
+    EXPECT_EQ(GetFileType(file), FILE_TYPE_DISK);
+    EXPECT_NE(fcntl(file, F_GETFD) & FD_CLOEXEC, 0);
+    EXPECT_TRUE(CloseHandle(file));
+}
+
+TEST_F(platform_files, refuse_what_the_handle_is_not_for) {
+    scratch_.write("file", "bytes");
+    int const reader = open("file");
+    int const writer = CreateFileW(scratch_.path("file"), GENERIC_WRITE, FILE_SHARE_READ, OPEN_EXISTING, 0);
+    int const times = CreateFileW(scratch_.path("file"), 0, share_all, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS);
+    char byte = 'x';
+    uint32 done = 7;
+    uint64 value = 0;
+    struct {
+        char const * what;
+        bool result;
+        uint32 code;
+    } const cases[] = {
+        {"write", WriteFile(reader, &byte, 1, done), GetLastError()},
+        {"resize", SetEndOfFile(reader), GetLastError()},
+        {"flush", FlushFileBuffers(reader), GetLastError()},
+        {"read", ReadFile(writer, &byte, 1, done), GetLastError()},
+        {"read times", ReadFile(times, &byte, 1, done), GetLastError()},
+        {"resize times", SetEndOfFile(times), GetLastError()},
+    };
+    for (auto const & c : cases) {
+        EXPECT_FALSE(c.result) << c.what;
+        EXPECT_EQ(c.code, 5u) << c.what;
+    }
+    for (int const file : {reader, writer, times}) {
+        EXPECT_TRUE(CloseHandle(file));
+    }
+    for (int const file : {INVALID_HANDLE_VALUE, 100000}) {
+        for (auto const & use : std::vector<std::function<bool()>>{
+                 [&] { return WriteFile(file, &byte, 1, done); }, [&] { return ReadFile(file, &byte, 1, done); },
+                 [&] { return SetFilePointer(file, 0, FILE_CURRENT, value); }, [&] { return SetEndOfFile(file); },
+                 [&] { return FlushFileBuffers(file); }, [&] { return GetFileSize(file, value); },
+                 [&] { return GetFileType(file) != 0; }, [&] { return CloseHandle(file); }}) {
+            SetLastError(0);
+            EXPECT_FALSE(use());
+            EXPECT_EQ(GetLastError(), 6u);
+        }
+    }
+}
+
+TEST_F(platform_files, of_pipes_end_in_codes_and_not_in_signals) {
+    int ends[2];
+    ASSERT_EQ(pipe2(ends, O_CLOEXEC), 0);
+    EXPECT_EQ(GetFileType(ends[0]), FILE_TYPE_PIPE);
+    uint32 done = 0;
+    char bytes[4];
+    uint64 value = 0;
+    EXPECT_TRUE(WriteFile(ends[1], "ab", 2, done));
+    EXPECT_TRUE(ReadFile(ends[0], bytes, 4, done));
+    EXPECT_EQ(done, 2u);
+    EXPECT_FALSE(SetFilePointer(ends[0], 0, FILE_CURRENT, value));
+    EXPECT_EQ(GetLastError(), 25u);
+    EXPECT_FALSE(GetFileSize(ends[0], value));
+    EXPECT_TRUE(FlushFileBuffers(ends[1]));
+    int const reader = dup(ends[0]);
+    EXPECT_TRUE(CloseHandle(ends[0]) && CloseHandle(reader));
+    EXPECT_FALSE(WriteFile(ends[1], "ab", 2, done));
+    EXPECT_EQ(GetLastError(), 232u);
+    sigset_t pending;
+    sigset_t mask;
+    sigpending(&pending);
+    pthread_sigmask(SIG_SETMASK, nullptr, &mask);
+    EXPECT_FALSE(sigismember(&pending, SIGPIPE) || sigismember(&mask, SIGPIPE));
+    struct sigaction action {};
+    sigaction(SIGPIPE, nullptr, &action);
+    EXPECT_EQ(action.sa_handler, SIG_DFL);
+    EXPECT_TRUE(CloseHandle(ends[1]));
+
+    ASSERT_EQ(pipe2(ends, O_CLOEXEC | O_NONBLOCK), 0);
+    EXPECT_EQ(in_process([&] { return WriteFile(ends[1], std::string(1 << 20, 'x').data(), 0, done) ? 0 : 1; }), 0);
+    EXPECT_TRUE(CloseHandle(ends[1]));
+    EXPECT_FALSE(ReadFile(ends[0], bytes, 4, done));
+    EXPECT_EQ(GetLastError(), 109u);
+    EXPECT_EQ(done, 0u);
+    EXPECT_TRUE(CloseHandle(ends[0]));
+
+    ASSERT_EQ(socketpair(AF_UNIX, SOCK_STREAM, 0, ends), 0);
+    EXPECT_TRUE(CloseHandle(ends[0]));
+    EXPECT_FALSE(WriteFile(ends[1], "ab", 2, done));
+    EXPECT_EQ(GetLastError(), 232u);
+    EXPECT_TRUE(CloseHandle(ends[1]));
+}
+
+TEST_F(platform_files, that_are_no_files_keep_nobody_waiting) {
+    ASSERT_EQ(mkfifo(scratch_.host("fifo").c_str(), 0600), 0);
+    int const listener = socket(AF_UNIX, SOCK_STREAM, 0);
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    scratch_.host("socket").copy(address.sun_path, sizeof address.sun_path - 1);
+    ASSERT_EQ(bind(listener, reinterpret_cast<sockaddr *>(&address), sizeof address), 0);
+    close(listener);
+    int const fifo = open("fifo");
+    ASSERT_GE(fifo, 0);
+    EXPECT_EQ(fcntl(fifo, F_GETFL) & O_NONBLOCK, 0);
+    char byte = 0;
+    uint32 done = 0;
+    EXPECT_FALSE(ReadFile(fifo, &byte, 1, done));
+    EXPECT_EQ(GetLastError(), 109u);
+    EXPECT_TRUE(CloseHandle(fifo));
+    EXPECT_EQ(code_of(CreateFileW(scratch_.path("fifo"), GENERIC_WRITE, 3, OPEN_EXISTING, 0)), 5u);
+    EXPECT_EQ(code_of(open("socket")), 5u);
+    EXPECT_EQ(GetFileAttributesW(scratch_.path("fifo")), FILE_ATTRIBUTE_DEVICE);
+    EXPECT_EQ(GetFileAttributesW(scratch_.path("socket")), FILE_ATTRIBUTE_DEVICE);
+}
+
+TEST_F(platform_files, leave_the_standard_streams_their_numbers) {
+    scratch_.write("file", "bytes");
+    EXPECT_EQ(in_process([&] {
+                  for (int i = 0; i < 3; ++i) {
+                      close(i);
+                  }
+                  if (GetStdHandle(STD_OUTPUT_HANDLE) != INVALID_HANDLE_VALUE || GetLastError() != 6) {
+                      return 1;
+                  }
+                  return open("file") > 2 && create("new") > 2 && fcntl(0, F_GETFD) < 0 ? 0 : 2;
+              }),
+              0);
+    int const out = GetStdHandle(STD_OUTPUT_HANDLE);
+    EXPECT_GT(out, 2);
+    EXPECT_NE(fcntl(out, F_GETFD) & FD_CLOEXEC, 0);
+    EXPECT_TRUE(CloseHandle(out));
+    EXPECT_GE(fcntl(1, F_GETFD), 0);
+    EXPECT_EQ(GetStdHandle(3), INVALID_HANDLE_VALUE);
+}
+
+TEST_F(platform_files, have_attributes) {
+    scratch_.write("file", "");
+    fs::create_directory(scratch_.host("folder"));
+    fs::create_symlink("file", scratch_.host("link"));
+    fs::create_symlink("folder", scratch_.host("folder_link"));
+    fs::create_symlink("nothing", scratch_.host("dangling"));
+    struct {
+        std::string name;
+        uint32 set, get;
+    } const cases[] = {
+        {"file", 0, 0x20},      {"folder", 0, 0x10},    {"link", 0, 0x420},     {"folder_link", 0, 0x410},
+        {"dangling", 0, 0x420}, {"file", 0x80, 0x80},   {"link", 0, 0x480},     {"file", 0xFFFFFFFF, 0x127},
+        {"file", 0x22, 0x22},   {"folder", 0x07, 0x17}, {"folder", 0x80, 0x10}, {"link", 0x21, 0x421},
+        {"file", 0, 0x21},      {"folder/", 0, 0x10},
+    };
+    for (auto const & c : cases) {
+        if (c.set != 0) {
+            EXPECT_TRUE(SetFileAttributesW(scratch_.path(c.name), c.set)) << c.name << GetLastError();
+        }
+        EXPECT_EQ(GetFileAttributesW(scratch_.path(c.name)), c.get) << c.name;
+    }
+    struct {
+        std::string name;
+        uint32 code;
+    } const missing[] = {{"none", 2}, {"none/x", 3}, {"file/x", 3}, {"file/", 3}};
+    for (auto const & c : missing) {
+        EXPECT_EQ(GetFileAttributesW(scratch_.path(c.name)), INVALID_FILE_ATTRIBUTES);
+        EXPECT_EQ(GetLastError(), c.code) << c.name;
+        EXPECT_FALSE(SetFileAttributesW(scratch_.path(c.name), 1));
+        EXPECT_EQ(GetLastError(), c.code) << c.name;
+    }
+    EXPECT_FALSE(SetFileAttributesW(scratch_.path("dangling"), 1));
+}
+
+TEST_F(platform_files, have_named_streams_on_ntfs) {
+    fs::create_directory(scratch_.host("vol"));
+    ASSERT_EQ(attach_volume('N', scratch_.host("vol"), "NTFS"), 0u);
+    auto const open_stream = [](wide_string const & path, uint32 disposition) {
+        return CreateFileW(path, read_write, FILE_SHARE_READ, disposition, 0);
+    };
+    EXPECT_EQ(code_of(open_stream(u"N:\\f:note", OPEN_EXISTING)), 2u);
+    EXPECT_EQ(code_of(open_stream(u"N:\\no\\f:note", CREATE_NEW)), 3u);
+    EXPECT_EQ(code_of(open_stream(u"N:\\what?:note", CREATE_NEW)), 123u);
+    int const stream = open_stream(u"N:\\f:no?te", CREATE_NEW);
+    ASSERT_GE(stream, 0);
+    uint32 done = 0;
+    EXPECT_TRUE(WriteFile(stream, "words", 5, done));
+    EXPECT_EQ(code_of(open_stream(scratch_.path("vol") + u"/f:no?te:$DATA", OPEN_EXISTING)), 32u);
+    EXPECT_TRUE(CloseHandle(stream));
+    EXPECT_EQ(code_of(open_stream(u"N:\\f:no?te", CREATE_NEW)), 80u);
+    EXPECT_EQ(GetFileAttributesW(u"N:\\f:no?te"), 0x20u);
+    EXPECT_EQ(GetFileAttributesW(u"N:\\f:none"), INVALID_FILE_ATTRIBUTES);
+    EXPECT_EQ(scratch_.read("vol/f"), "");
+    EXPECT_TRUE(SetFileAttributesW(u"N:\\f", FILE_ATTRIBUTE_READONLY));
+    EXPECT_EQ(code_of(open_stream(u"N:\\f:no?te", CREATE_ALWAYS)), 5u);
+    int const again = CreateFileW(u"N:\\f:no?te", GENERIC_READ, share_all, OPEN_EXISTING, 0);
+    char bytes[8];
+    EXPECT_TRUE(ReadFile(again, bytes, 8, done) && CloseHandle(again));
+    EXPECT_EQ(std::string(bytes, done), "words");
+}
+
+} // namespace
