@@ -1,6 +1,6 @@
 #include "nio/filesystem_exception.h"
 
-#include "platform/ansi_text.h"
+#include "nio/encoding.h"
 #include "platform/error_text.h"
 #include "platform/errors.h"
 
@@ -19,7 +19,7 @@ namespace {
 filesystem_exception::filesystem_exception(narrow_string const & message, wide_string const & path)
     : exception(message), error_(platform::GetLastError()) {
     if (error_ != platform::ERROR_BROKEN_PIPE) {
-        this->message(message + " (" + platform::to_ansi(path, '_') + ") " + std::to_string(error_) + ' '
+        this->message(message + " (" + encode(path, -1) + ") " + std::to_string(error_) + ' '
                       + platform::system_error_text(error_));
     }
 }

@@ -12,11 +12,11 @@ wide_string from_ansi(std::string_view bytes) {
     return text;
 }
 
-narrow_string to_ansi(std::u16string_view text, char missing) {
+narrow_string to_ansi(std::u16string_view text) {
     uint32 const page = GetACP();
     uint32 const count = static_cast<uint32>(text.size());
-    narrow_string bytes(WideCharToMultiByte(page, text.data(), count, nullptr, 0, &missing, nullptr), '\0');
-    WideCharToMultiByte(page, text.data(), count, bytes.data(), static_cast<uint32>(bytes.size()), &missing, nullptr);
+    narrow_string bytes(WideCharToMultiByte(page, text.data(), count, nullptr, 0, nullptr, nullptr), '\0');
+    WideCharToMultiByte(page, text.data(), count, bytes.data(), static_cast<uint32>(bytes.size()), nullptr, nullptr);
     return bytes;
 }
 

@@ -1,0 +1,145 @@
+#include "nio/filesystem_exception.h"
+#include "nio/fork_names.h"
+#include "nio/item.h"
+#include "platform/host.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// A scratch folder, beside an attached NTFS volume as drive N. Both go with their contents.
+class nio_item : public testing::Test {
+protected:
+    nio_item() {
+        char pattern[] = "/var/tmp/socle_item_XXXXXX";
+        host_ = mkdtemp(pattern);
+        path_ = platform::from_host(host_.string()) + u'\\';
+        fs::create_directory(host_ / "ntfs");
+        attached_ = platform::attach_volume('N', host_ / "ntfs", "NTFS");
+    }
+    ~nio_item() override {
+        platform::detach_volume('N');
+        fs::remove_all(host_);
+    }
+    void SetUp() override { ASSERT_EQ(attached_, 0u); }
+
+    void write(char const * name, std::string const & bytes) const { std::ofstream(host_ / name) << bytes; }
+
+    fs::path host_;
+    wide_string path_;
+    uint32 attached_ = 0;
+};
+
+TEST_F(nio_item, fork_names_by_text) {
+    EXPECT_EQ(nio::ufs_name(u"dir\\a"), u"dir\\._a");
+    EXPECT_EQ(nio::ufs_name(u"a"), u"._a");
+    EXPECT_EQ(nio::ntfs_rsrc_name(u"d\\a"), u"d\\a:AFP_Resource");
+    EXPECT_EQ(nio::ntfs_info_name(u"d\\a"), u"d\\a:AFP_AfpInfo");
+    EXPECT_TRUE(nio::is_ntfs_rsrc_name(u":AFP_Resource"));
+    EXPECT_FALSE(nio::is_ntfs_rsrc_name(u"AFP_Resource"));
+    EXPECT_FALSE(nio::is_ntfs_rsrc_name(u"a:AFP_Resourc"));
+    EXPECT_TRUE(nio::is_ntfs_info_name(u"a:AFP_AfpInfo"));
+    EXPECT_FALSE(nio::is_ntfs_info_name(u"a:AFP_AfpInf"));
+}
+
+TEST_F(nio_item, fork_names_by_volume) {
+    wide_string const flat = path_ + u"a";
+    EXPECT_FALSE(nio::is_ntfs(flat));
+    EXPECT_TRUE(nio::is_ntfs(u"N:\\a"));
+    EXPECT_TRUE(nio::is_ntfs(u"n:/missing/a"));
+    EXPECT_TRUE(nio::is_ntfs(path_ + u"x\\..\\ntfs\\a"));
+    EXPECT_FALSE(nio::is_ntfs(u"Q:\\a"));
+    EXPECT_FALSE(nio::is_ntfs(u"\\\\host\\share\\a"));
+    EXPECT_FALSE(nio::is_ntfs(u""));
+    struct row {
+        wide_string path;
+        bool must_exist, allow_ntfs, in_stream;
+    };
+    write("ntfs/plain", "");
+    for (row const & r : {
+             row{u"N:\\plain", false, true, true},
+             row{u"N:\\plain", true, true, false},
+             row{u"N:\\plain", false, false, false},
+             row{flat, false, true, false},
+         }) {
+        EXPECT_EQ(nio::is_ntfs_rsrc_name(nio::rsrc_name(r.path, r.must_exist, r.allow_ntfs)), r.in_stream);
+        EXPECT_EQ(nio::is_ntfs_info_name(nio::info_name(r.path, r.must_exist, r.allow_ntfs)), r.in_stream);
+    }
+    EXPECT_FALSE(nio::exists_rsrc(flat));
+    write("._a", "");
+    EXPECT_TRUE(nio::exists_rsrc(flat));
+    EXPECT_TRUE(nio::exists_ufs(flat));
+}
+
+TEST_F(nio_item, exists_whatever_it_is) {
+    write("file", "");
+    fs::create_directory(host_ / "dir");
+    fs::create_symlink("dir", host_ / "to_dir");
+    fs::create_symlink("nowhere", host_ / "dangling");
+    struct row {
+        char16_t const * name;
+        bool exists, directory;
+    };
+    for (row const & r : {row{u"file", true, false}, row{u"dir", true, true}, row{u"dir\\", true, true},
+                          row{u"to_dir", true, true}, row{u"dangling", true, false}, row{u"missing", false, false},
+                          row{u"file\\x", false, false}, row{u"a?", false, false}}) {
+        nio::item const item(path_ + r.name);
+        EXPECT_EQ(item.exists(), r.exists);
+        EXPECT_EQ(item.is_directory(), r.directory);
+    }
+    EXPECT_FALSE(nio::exists(u""));
+    EXPECT_FALSE(nio::exists(path_ + wide_string(5000, u'x')));
+}
+
+TEST_F(nio_item, make_absolute) {
+    EXPECT_EQ(nio::make_absolute(u"\\a/b\\.\\c\\..\\d"), u"C:\\a\\b\\d");
+    EXPECT_EQ(nio::make_absolute(u"N:a"), u"N:\\a");
+    EXPECT_EQ(nio::make_absolute(u""), u"");
+}
+
+TEST_F(nio_item, make_unique) {
+    write("a.b.txt", "");
+    write("a.b_1.txt", "");
+    write(".profile", "");
+    EXPECT_EQ(nio::make_unique(path_ + u"free", 0), path_ + u"free");
+    EXPECT_EQ(nio::make_unique(path_ + u"a.b.txt", 2), path_ + u"a.b_2.txt");
+    EXPECT_EQ(nio::make_unique(path_ + u".profile", 1), path_ + u"_1.profile");
+    for (uint32 tries : {0u, 1u}) {
+        try {
+            nio::make_unique(path_ + u"a.b.txt", tries);
+            ADD_FAILURE();
+        } catch (nio::filesystem_exception const & e) {
+            EXPECT_TRUE(e.message().starts_with("cannot resolve a name conflict (C:\\var\\tmp\\socle_item_"));
+        }
+    }
+}
+
+TEST_F(nio_item, links) {
+    EXPECT_TRUE(nio::is_link(u"d\\A.LNK"));
+    EXPECT_FALSE(nio::is_link(u"d.lnk\\A"));
+    fs::copy(fs::path(TEST_DATA) / "links/nonascii.lnk", host_ / "x.Lnk");
+    fs::copy(fs::path(TEST_DATA) / "links/nonascii.lnk", host_ / "x");
+    write("broken.lnk", "no link");
+    EXPECT_EQ(nio::resolve_link(path_ + u"x.Lnk"), u"C:\\socle\\Gr\xf6\xdf\x65 \xe9t\xe9.txt");
+    for (char16_t const * name : {u"x", u"broken.lnk", u"missing.lnk"}) {
+        EXPECT_EQ(nio::resolve_link(path_ + name), path_ + name);
+    }
+}
+
+TEST_F(nio_item, temp_directory) {
+    ::setenv("TEMP", "/tmp/\xc3\xa9", 1);
+    ::setenv("TMP", "/other", 1);
+    EXPECT_EQ(nio::temp_directory(), u"/tmp/\xe9");
+    ::unsetenv("TEMP");
+    EXPECT_EQ(nio::temp_directory(), u"/other");
+    ::unsetenv("TMP");
+    EXPECT_EQ(nio::temp_directory(), u".");
+}
+
+} // namespace
