@@ -31,12 +31,12 @@ std::size_t path::find_separator(wide_string const & text, std::size_t start) co
 }
 
 void path::set(string const & text, bool skip_dots) {
-    std::size_t pieces = 1;
-    for (std::size_t at = find_separator(text, 0); at != text.size(); at = find_separator(text, at + 1)) {
-        ++pieces;
+    std::ptrdiff_t pieces = 1;
+    for (char16_t const separator : separators_) {
+        pieces += std::ranges::count(text, separator);
     }
     std::vector<string> elements;
-    elements.reserve(pieces);
+    elements.reserve(static_cast<std::size_t>(pieces));
     for (std::size_t start = 0; start <= text.size();) {
         std::size_t const end = find_separator(text, start);
         if (!skip_dots || end - start != 1 || text[start] != u'.') {
@@ -79,8 +79,8 @@ void path::join(std::size_t count, string & result) const {
     wide_string text;
     text.reserve(joined_size(count));
     for (std::size_t i = 0; i < count; ++i) {
-        if (i != 0) {
-            text.append(separators_, 0, 1);
+        if (i != 0 && !separators_.empty()) {
+            text += separators_.front();
         }
         text += elements_[i];
     }

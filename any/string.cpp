@@ -12,23 +12,33 @@ namespace {
 
 constexpr std::string_view fallback_alphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+-";
 
-/// Whether a page leaves the units 0x01 to 0x7F as they are.
-bool holds_ascii(bool ansi) {
-    static auto const test = [](bool page) {
+/// What is known of a page, so that conversions can be left out.
+struct page_facts {
+    bool ascii;  // the units 0x01 to 0x7F are bytes of the same value
+    bool stable; // all bytes but 0, wherever they came from, return to themselves through 16-bit text
+
+    explicit page_facts(bool ansi) {
+        narrow_string bytes;
         wide_string units;
-        for (char16_t unit = 1; unit < 0x80; ++unit) {
-            units += unit;
-        }
-        narrow_string const bytes(units.begin(), units.end());
-        return system_pages().from_unicode(units, page) == bytes && system_pages().to_unicode(bytes, page) == units;
-    };
-    static bool const ansi_page = test(true);
-    static bool const oem_page = test(false);
-    return ansi ? ansi_page : oem_page;
+        auto const return_up_to = [&](unsigned last) {
+            while (bytes.size() < last) {
+                bytes += static_cast<char>(bytes.size() + 1);
+            }
+            units = system_pages().to_unicode(bytes, ansi);
+            return units.size() == bytes.size() && system_pages().from_unicode(units, ansi) == bytes;
+        };
+        ascii = return_up_to(0x7F) && units == wide_string(bytes.begin(), bytes.end());
+        stable = return_up_to(0xFF);
+    }
+};
+
+page_facts const & facts(bool ansi) {
+    static page_facts const pages[] = {page_facts(false), page_facts(true)};
+    return pages[ansi];
 }
 
 /// Copies a text of the units 0x01 to 0x7F alone. False, with `result` in any state, if there are others.
-bool narrow_ascii(std::u16string_view text, narrow_string & result) {
+bool narrow_ascii(wide_string const & text, narrow_string & result) {
     result.resize(text.size());
     char * out = result.data();
     unsigned others = 0;
@@ -37,6 +47,10 @@ bool narrow_ascii(std::u16string_view text, narrow_string & result) {
         *out++ = static_cast<char>(unit);
     }
     return others == 0;
+}
+
+bool is_ascii(narrow_string const & bytes) {
+    return std::ranges::all_of(bytes, [](char byte) { return static_cast<unsigned char>(byte) < 0x80; });
 }
 
 void fold(wide_string const & text, narrow_string & result) {
@@ -63,7 +77,7 @@ void string::set(narrow_string const & text, bool ansi) {
 void string::set(unsigned char const * text, bool ansi) { set(narrow_string(text + 1, text + 1 + *text), ansi); }
 
 void string::get_str(narrow_string & result, bool ansi) const {
-    if (holds_ascii(ansi) && narrow_ascii(*this, result)) {
+    if (facts(ansi).ascii && narrow_ascii(*this, result)) {
         return;
     }
     if (!system_pages().from_unicode(*this, result, ansi)) {
@@ -103,12 +117,13 @@ bool string::pattern_match(string const & pattern) const {
         return true;
     }
     std::string_view pieces = pattern.str(true);
-    std::u16string_view const text = c_str(); // up to its first zero
     narrow_string bytes;
-    bool const ascii = holds_ascii(true) && narrow_ascii(text, bytes);
-    if (!ascii) {
-        string(wide_string(text)).get_str(bytes, true);
+    if (auto const zero = find(u'\0'); zero == npos) {
+        get_str(bytes, true);
+    } else {
+        string(substr(0, zero)).get_str(bytes, true);
     }
+    bool const stable = facts(true).stable || (facts(true).ascii && is_ascii(bytes));
     std::string_view rest = bytes;
     for (bool first = true;; first = false) {
         auto const star = pieces.find('*');
@@ -122,7 +137,7 @@ bool string::pattern_match(string const & pattern) const {
         }
         pieces.remove_prefix(star + 1);
         rest.remove_prefix(found);
-        if (!ascii) {
+        if (!stable) {
             // The bytes may be of another page than the ANSI one, or begin within a character.
             string(narrow_string(rest), true).get_str(bytes, true);
             rest = bytes;
