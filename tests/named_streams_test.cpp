@@ -17,7 +17,7 @@
 #include <iterator>
 #include <optional>
 #include <sys/stat.h>
-#include <sys/xattr.h>
+#include <thread>
 #include <unistd.h>
 
 namespace {
@@ -228,6 +228,21 @@ TEST_F(named_streams_test, what_cannot_have_them) {
     EXPECT_EQ(make_named_streams("/proc/self", none), ERROR_NOT_SUPPORTED);
     EXPECT_EQ(make_named_streams(path("missing"), none), ERROR_FILE_NOT_FOUND);
     EXPECT_EQ(none, nullptr);
+}
+
+TEST_F(named_streams_test, made_by_many_at_once) {
+    for (int round = 0; round < 10; ++round) {
+        fs::path const file = path(std::to_string(round).c_str());
+        write(file, "data");
+        std::vector<std::thread> threads;
+        for (char16_t name = u'a'; name < u'i'; ++name) {
+            threads.emplace_back([this, file, name] { write_stream(file, wide_string(1, name), "x"); });
+        }
+        for (std::thread & thread : threads) {
+            thread.join();
+        }
+        EXPECT_EQ(list(file).size(), 8u);
+    }
 }
 
 TEST_F(named_streams_test, a_copied_attribute_takes_nothing_over) {

@@ -36,14 +36,6 @@ uint64 number_at(narrow_string const & text, std::size_t at, std::size_t width) 
 
 std::size_t name_size(narrow_string const & head) { return static_cast<std::size_t>(number_at(head, 16, 4)); }
 
-descriptor_guard open_stream(narrow_string const & host, int flags) {
-    int file = -1;
-    do {
-        file = host::open(host, flags | O_CLOEXEC, S_IRUSR | S_IWUSR | S_IRGRP | S_IWGRP | S_IROTH | S_IWOTH);
-    } while (file < 0 && errno == EINTR);
-    return descriptor_guard(file);
-}
-
 /// Opens the stream that the name of a record stands for, empty and for this writer alone.
 uint32 create_stream(backup_file const & file, narrow_string const & head, descriptor_guard & stream) {
     wide_string text;
@@ -61,7 +53,7 @@ uint32 create_stream(backup_file const & file, narrow_string const & head, descr
     if (uint32 const code = file.streams->locate(file.path, name, true, host)) {
         return code;
     }
-    stream = open_stream(host, O_WRONLY | O_CREAT);
+    stream = open_retried(host, O_WRONLY | O_CREAT);
     if (stream.get() < 0) {
         return code_of(errno);
     }
@@ -139,7 +131,7 @@ uint32 backup_reader::next_record(backup_file const & file) {
         narrow_string host;
         uint32 const code = file.streams->locate(file.path, name, false, host);
         if (code == 0) {
-            stream_ = open_stream(host, O_RDONLY);
+            stream_ = open_retried(host, O_RDONLY);
         }
         if (code == ERROR_FILE_NOT_FOUND || (code == 0 && stream_.get() < 0 && errno == ENOENT)) {
             continue; // Removed since the names were listed.

@@ -44,14 +44,6 @@ void remove_entries(descriptor_guard folder) {
     host::closedir(entries);
 }
 
-int open_retried(narrow_string const & path, int flags) {
-    int file = -1;
-    do {
-        file = host::open(path, flags | O_CLOEXEC, S_IRUSR | S_IWUSR | S_IRGRP | S_IWGRP | S_IROTH | S_IWOTH);
-    } while (file < 0 && errno == EINTR);
-    return file;
-}
-
 int write_all(int file, char const * bytes, std::size_t size) {
     while (size > 0) {
         ssize_t const written = host::write(file, bytes, size);
@@ -68,11 +60,11 @@ int write_all(int file, char const * bytes, std::size_t size) {
 
 /// 0 or an `errno`.
 int copy_file(narrow_string const & from, narrow_string const & to) {
-    descriptor_guard const source(open_retried(from, O_RDONLY));
+    descriptor_guard const source = open_retried(from, O_RDONLY);
     if (source.get() < 0) {
         return errno;
     }
-    descriptor_guard const target(open_retried(to, O_WRONLY | O_CREAT | O_TRUNC));
+    descriptor_guard const target = open_retried(to, O_WRONLY | O_CREAT | O_TRUNC);
     if (target.get() < 0) {
         return errno;
     }

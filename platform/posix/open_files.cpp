@@ -29,18 +29,9 @@ struct open_request {
     int host_flags() const { return writes() ? reads() ? O_RDWR : O_WRONLY : O_RDONLY; }
 };
 
-int open_retried(narrow_string const & path, int flags, mode_t mode = 0) {
-    for (;;) {
-        int const file = host::open(path, flags | O_NOCTTY | O_CLOEXEC, mode);
-        if (file >= 0 || errno != EINTR) {
-            return file;
-        }
-    }
-}
-
 /// The standard streams keep their numbers, also while they are closed.
-int open_above_standard(narrow_string const & path, int flags, mode_t mode = 0) {
-    descriptor_guard file(open_retried(path, flags, mode));
+int open_above_standard(narrow_string const & path, int flags) {
+    descriptor_guard file = open_retried(path, flags);
     return file.get() > STDERR_FILENO || file.get() < 0 ? file.release()
                                                         : host::duplicate(file.get(), STDERR_FILENO + 1);
 }
@@ -117,7 +108,6 @@ uint32 open_or_make(volume const & on, narrow_string const & path, bool safe, op
     if (request.disposition == OPEN_EXISTING) {
         return open_existing(on, path, request, file);
     }
-    constexpr mode_t everyone = S_IRUSR | S_IWUSR | S_IRGRP | S_IWGRP | S_IROTH | S_IWOTH;
     // Again if the file comes or goes between two calls, but not for ever.
     for (int attempt = 0; attempt < 100; ++attempt) {
         if (request.disposition == CREATE_ALWAYS) {
@@ -137,7 +127,7 @@ uint32 open_or_make(volume const & on, narrow_string const & path, bool safe, op
         if (!there && !safe) {
             return ERROR_INVALID_NAME;
         }
-        file = descriptor_guard(open_above_standard(path, request.host_flags() | O_CREAT | O_EXCL, everyone));
+        file = descriptor_guard(open_above_standard(path, request.host_flags() | O_CREAT | O_EXCL));
         if (file.get() >= 0) {
             return lock(file.get(), request);
         }
