@@ -1,0 +1,173 @@
+#include "platform/code_pages.h"
+#include "platform/directories.h"
+#include "platform/errors.h"
+#include "platform/file_times.h"
+#include "platform/files.h"
+#include "platform/host.h"
+#include "platform/posix/host_calls.h"
+#include "tests/support/scratch.h"
+
+#include <gtest/gtest.h>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+using namespace platform;
+namespace fs = std::filesystem;
+
+uint32 code(bool done) { return done ? 0 : GetLastError(); }
+
+std::vector<wide_string> search(wide_string const & pattern) {
+    std::vector<wide_string> names;
+    WIN32_FIND_DATAW data;
+    file_search * const found = FindFirstFileW(pattern, data);
+    if (found == nullptr)
+        return names;
+    do
+        names.push_back(data.cFileName);
+    while (FindNextFileW(found, data));
+    EXPECT_EQ(GetLastError(), ERROR_NO_MORE_FILES);
+    FindClose(found);
+    return names;
+}
+
+uint32 search_code(wide_string const & pattern) {
+    WIN32_FIND_DATAW data;
+    file_search * const found = FindFirstFileW(pattern, data);
+    if (found == nullptr)
+        return GetLastError();
+    FindClose(found);
+    return 0;
+}
+
+TEST(platform_directories, are_searched_in_the_native_order) {
+    scratch const folder;
+    for (char const * name : {"b", "A", "a", "_", "B1", "\xC3\xA4", "\xC3\x84z", "!", "C", "c\xFF", "q?\\:\n"})
+        folder.write(name, "");
+    std::vector<wide_string> const expected = {
+        u".", u"..", u"!", u"A", u"a", u"b", u"B1", u"C", u"c\xDCFF", u"q?\xF05C\xF03A\n", u"_", u"\xE4", u"\xC4z"};
+    EXPECT_EQ(search(folder.path("*")), expected);
+    EXPECT_EQ(search(folder.path("") + u"/*"), expected);
+    EXPECT_EQ(search(folder.path("A")), (std::vector<wide_string>{u"A"}));
+
+    // What is found can be opened and deleted by the name that was found, whatever the host thinks of it.
+    WIN32_FIND_DATAA narrow;
+    file_search * const ansi = FindFirstFileA("C:" + folder.folder() + "\\*", narrow);
+    std::vector<narrow_string> names;
+    do
+        names.push_back(narrow.cFileName);
+    while (FindNextFileA(ansi, narrow));
+    FindClose(ansi);
+    EXPECT_EQ(names, (std::vector<narrow_string>{".", "..", "!", "A", "a", "b", "B1", "C", "_", "\xE4", "\xC4z"}));
+}
+
+TEST(platform_directories, say_why_there_is_no_search) {
+    scratch const folder;
+    folder.write("file", "");
+    fs::create_directory(folder.host("empty"));
+    fs::create_symlink("empty", folder.host("link"));
+    fs::create_symlink("nothing", folder.host("dangling"));
+    struct {
+        char const * pattern;
+        uint32 code;
+    } const table[] = {{"empty/*", 0}, {"link/*", 0},    {"none/*", 3},   {"file/*", 267}, {"dangling/*", 3},
+                       {"none", 2},    {"none/none", 3}, {"dangling", 0}, {"a*b", 50},     {"empty/", 2}};
+    for (auto const & c : table)
+        EXPECT_EQ(search_code(folder.path("") + u"\\" + from_host(c.pattern)), c.code) << c.pattern;
+    EXPECT_EQ(search_code(u"."), 0u);
+    EXPECT_EQ(search_code(u"Q:\\*"), 3u);
+    EXPECT_EQ(search(folder.path("empty") + u"\\*"), (std::vector<wide_string>{u".", u".."}));
+}
+
+TEST(platform_directories, are_made_and_removed) {
+    scratch const folder;
+    folder.write("file", "");
+    fs::create_directory(folder.host("full"));
+    folder.write("full/x", "");
+    fs::create_symlink("full", folder.host("link"));
+    fs::create_symlink("file", folder.host("file_link"));
+    fs::create_symlink("nothing", folder.host("dangling"));
+    struct {
+        char const * name;
+        uint32 create, remove;
+    } const table[] = {
+        {"new", 0, 0},           {"file", 183, 267},     {"full", 183, 145}, {"none/new", 3, 3}, {"file/new", 3, 3},
+        {"file_link", 183, 267}, {"dangling", 183, 267}, {"a?b", 123, 2},    {"link", 183, 0},   {"trailing/", 0, 0},
+    };
+    for (auto const & c : table) {
+        auto const path = folder.path(c.name);
+        EXPECT_EQ(code(CreateDirectoryW(path)), c.create) << c.name;
+        EXPECT_EQ(code(RemoveDirectoryW(path)), c.remove) << c.name;
+    }
+    EXPECT_TRUE(folder.exists("full/x"));
+    EXPECT_FALSE(folder.exists("link"));
+    fs::create_directory(folder.host("odd?"));
+    EXPECT_EQ(code(RemoveDirectoryW(folder.path("odd?"))), 0u);
+    EXPECT_EQ(code(CreateDirectoryW(u"")), 3u);
+}
+
+TEST(platform_directories, take_their_streams_along) {
+    scratch const folder;
+    if (attach_volume('N', folder.folder(), "NTFS") != 0)
+        GTEST_SKIP() << "no extended attributes in the folder for tests";
+    ASSERT_EQ(code(CreateDirectoryW(u"N:\\d")), 0u);
+    int const stream = CreateFileW(u"N:\\d:note", GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ, CREATE_NEW, 0);
+    ASSERT_NE(stream, INVALID_HANDLE_VALUE);
+    CloseHandle(stream);
+    EXPECT_EQ(search(u"N:\\*"), (std::vector<wide_string>{u".", u"..", u"d"}));
+    EXPECT_EQ(code(RemoveDirectoryW(u"N:\\d")), 0u);
+    ASSERT_EQ(code(CreateDirectoryW(u"N:\\d")), 0u);
+    EXPECT_EQ(CreateFileW(u"N:\\d:note", GENERIC_READ, FILE_SHARE_READ, OPEN_EXISTING, 0), INVALID_HANDLE_VALUE);
+    detach_volume('N');
+}
+
+TEST(platform_file_times, are_kept_for_files_folders_and_what_cannot_be_written) {
+    scratch const folder;
+    folder.write("file", "x");
+    folder.write("locked", "x");
+    fs::permissions(folder.host("locked"), fs::perms::owner_read);
+    fs::create_directory(folder.host("folder"));
+    uint64 const created = 126227808001234567, modified = 130000000007654321, before_1970 = 100000000000000000;
+    for (char const * name : {"file", "locked", "folder"}) {
+        auto const path = folder.path(name);
+        auto const open = [&](uint32 access) {
+            return CreateFileW(path, access, FILE_SHARE_READ | FILE_SHARE_WRITE, OPEN_EXISTING,
+                               FILE_FLAG_BACKUP_SEMANTICS);
+        };
+        uint64 was_created = 0, was_modified = 0, now_created = 0, now_modified = 0;
+        int handle = open(0);
+        ASSERT_NE(handle, INVALID_HANDLE_VALUE) << name;
+        ASSERT_TRUE(GetFileTime(handle, was_created, was_modified));
+        CloseHandle(handle);
+        EXPECT_GT(was_created, created);
+        EXPECT_LE(was_created, was_modified);
+
+        handle = open(GENERIC_WRITE);
+        ASSERT_NE(handle, INVALID_HANDLE_VALUE) << name;
+        EXPECT_TRUE(SetFileTime(handle, nullptr, &modified)) << name;
+        EXPECT_TRUE(GetFileTime(handle, now_created, now_modified));
+        EXPECT_EQ(now_modified, modified);
+        EXPECT_EQ(now_created, was_created);
+        EXPECT_TRUE(SetFileTime(handle, &created, nullptr)) << name;
+        EXPECT_TRUE(GetFileTime(handle, now_created, now_modified));
+        EXPECT_EQ(now_modified, modified);
+        EXPECT_EQ(now_created, created) << name;
+        EXPECT_TRUE(SetFileTime(handle, &before_1970, &before_1970));
+        CloseHandle(handle);
+        handle = open(0);
+        EXPECT_TRUE(GetFileTime(handle, now_created, now_modified));
+        EXPECT_EQ(now_created, before_1970);
+        EXPECT_EQ(now_modified, before_1970);
+        CloseHandle(handle);
+    }
+    struct stat status {};
+    ASSERT_EQ(stat(folder.host("locked").c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 0777, 0400u);
+    uint64 time = 0;
+    EXPECT_FALSE(GetFileTime(INVALID_HANDLE_VALUE, time, time));
+    EXPECT_EQ(GetLastError(), ERROR_INVALID_HANDLE);
+}
+
+} // namespace
