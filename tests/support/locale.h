@@ -21,7 +21,7 @@ namespace support {
 } // namespace support
 
 /// Runs `check` in a process of its own that is started with `locale`, since a process never changes its code pages.
-/// To be called once in a test, at its start.
+/// To be called before anything else in a test.
 inline void check_in_locale(char const * locale, void (*check)()) {
     char const * const set = std::getenv("LC_ALL");
     std::string const before = set ? set : "";
