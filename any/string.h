@@ -4,6 +4,8 @@
 #include "basic/types.h"
 #include "un/ci_wchar_t_traits.h"
 
+#include <utility>
+
 namespace any {
 
 /// 16-bit text, compared and changed as a plain one, that also gives itself in other forms. Each form is worked out
@@ -16,7 +18,7 @@ public:
     using ci_string = std::basic_string<char16_t, un::ci_wchar_t_traits>;
 
     string() = default;
-    string(wide_string const & text) : wide_string(text) {}
+    string(wide_string text) : wide_string(std::move(text)) {}
     string(char16_t const * text) : wide_string(text) {}
     /// As `set`; `text` ends at its first zero.
     string(char const * text, bool ansi);
