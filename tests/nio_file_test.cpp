@@ -1,0 +1,373 @@
+#include "nio/attributes.h"
+#include "nio/directory.h"
+#include "nio/exception.h"
+#include "nio/file.h"
+#include "nio/filesystem_exception.h"
+#include "nio/fork_names.h"
+#include "platform/errors.h"
+#include "platform/file_times.h"
+#include "platform/files.h"
+#include "platform/host.h"
+#include "tests/support/scratch.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <functional>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+namespace fs = std::filesystem;
+using namespace std::string_literals;
+
+std::string raised(std::function<void()> const & act) {
+    try {
+        act();
+    } catch (nio::filesystem_exception const & e) {
+        return e.message().substr(0, e.message().find(" ("));
+    } catch (nio::exception const & e) {
+        return e.message();
+    }
+    return "nothing";
+}
+
+std::string rest(nio::file & file) {
+    std::string all(1000, '\0');
+    all.resize(file.read(all.data(), 1000));
+    return all;
+}
+
+void put(nio::file & file, std::string const & text) { file.write(text.data(), static_cast<uint32>(text.size())); }
+
+/// A folder that is also the NTFS volume `N:`, if the file system can keep streams.
+class ntfs_folder {
+public:
+    ntfs_folder() : attached_(platform::attach_volume('N', folder.folder(), "NTFS") == 0) {}
+    ~ntfs_folder() {
+        if (attached_)
+            platform::detach_volume('N');
+    }
+    bool attached() const { return attached_; }
+
+    scratch folder;
+
+private:
+    bool attached_;
+};
+
+TEST(nio_file, opens_by_its_mode) {
+    scratch const folder;
+    folder.write("file", "bytes");
+    struct {
+        char const * name;
+        int mode;
+        bool open;
+        char const * raised;
+    } const table[] = {
+        {"none", 0, false, "nothing"},
+        {"none", 1, false, "cannot open file"},
+        {"none", 2, false, "cannot open file"},
+        {"none", 5, false, "cannot open file"},
+        {"none", 6, false, "cannot open file"},
+        {"file", 7, false, "unknown file open mode"},
+        {"file", -1, false, "unknown file open mode"},
+        {"file", 1, true, "nothing"},
+        {"file", 2, true, "nothing"},
+        {"file", 3, false, "nothing"},
+        {"new", 3, true, "nothing"},
+        {"file", 5, true, "nothing"},
+        {"file", 6, true, "nothing"},
+        {"file", 4, true, "nothing"},
+    };
+    for (auto const & c : table) {
+        bool open = false;
+        EXPECT_EQ(raised([&] { open = nio::file(folder.path(c.name), c.mode).is_open(); }), c.raised)
+            << c.name << c.mode;
+        EXPECT_EQ(open, c.open) << c.name << c.mode;
+    }
+    EXPECT_EQ(folder.read("file"), ""); // the last one made it anew
+}
+
+TEST(nio_file, reads_writes_and_resizes) {
+    scratch const folder;
+    nio::file file(folder.path("a/b/c"), 0);
+    EXPECT_EQ(file.tell(), all_ones);
+    EXPECT_FALSE(file.seek(0));
+    EXPECT_FALSE(file.resize(3));
+    EXPECT_EQ(raised([&] { file.size(); }), "cannot determine the size");
+    char byte;
+    EXPECT_EQ(file.read(&byte, 0), 0u);
+    EXPECT_EQ(raised([&] { file.read(&byte, 1); }), "cannot read");
+    EXPECT_EQ(raised([&] { file.write("x", 1); }), "cannot write");
+
+    EXPECT_FALSE(file.create(false)); // with both parents
+    put(file, "0123456789");
+    EXPECT_EQ(file.tell(), 10u);
+    EXPECT_TRUE(file.seek(6));
+    EXPECT_TRUE(file.resize(20));
+    EXPECT_EQ(file.tell(), 6u);
+    EXPECT_TRUE(file.resize(4));
+    EXPECT_EQ(file.tell(), 4u);
+    EXPECT_EQ(static_cast<nio::output &>(file).size(), 4u);
+    EXPECT_FALSE(file.seek(all_ones - 3));
+    EXPECT_FALSE(file.resize(all_ones));
+    EXPECT_EQ(file.tell(), 4u);
+    file.seek(0);
+    EXPECT_EQ(rest(file), "0123");
+    EXPECT_FALSE(file.console());
+    file.close();
+    EXPECT_FALSE(file.create(false));
+    EXPECT_FALSE(file.is_open());
+    EXPECT_FALSE(file.create(true));
+    EXPECT_EQ(file.size(), 0u);
+}
+
+TEST(nio_file, is_created_under_a_normal_name) {
+    scratch const folder;
+    nio::file file(folder.path("dir") + u"\\a?b", 0);
+    EXPECT_TRUE(file.create(false));
+    EXPECT_EQ(file.path(), folder.path("dir") + u"\\a_b");
+    put(file, "first");
+    file.close();
+    file.path() = folder.path("dir") + u"\\a?b";
+    EXPECT_EQ(raised([&] { file.create(false); }), "cannot create");
+    EXPECT_EQ(file.path(), folder.path("dir") + u"\\a?b");
+    EXPECT_EQ(folder.read("dir/a_b"), "first");
+    nio::directory directory(folder.path("x?/y*"));
+    EXPECT_TRUE(directory.create());
+    EXPECT_TRUE(fs::is_directory(folder.host("x_/y_")));
+    EXPECT_FALSE(directory.create());
+}
+
+TEST(nio_file, keeps_its_fork_in_a_sidecar) {
+    scratch const folder;
+    folder.write("f", "data");
+    nio::file file(folder.path("f"), 0);
+    EXPECT_EQ(raised([&] { file.open_rsrc(); }), "cannot open file");
+    EXPECT_FALSE(file.create_rsrc(true, false));
+    EXPECT_EQ(file.tell(), 0u);
+    EXPECT_EQ(file.size(), 0u);
+    EXPECT_EQ(folder.read("._f").size(), 82u);
+    put(file, "resource");
+    EXPECT_TRUE(file.resize(3));
+    EXPECT_EQ(file.tell(), 3u);
+    file.close();
+    EXPECT_EQ(folder.read("._f").substr(82), "res");
+    file.open_rsrc_rw();
+    EXPECT_EQ(rest(file), "res");
+    file.seek(0);
+    EXPECT_EQ(rest(file), "res");
+    file.close();
+    EXPECT_FALSE(file.create_rsrc(true, false)); // one is there
+    EXPECT_FALSE(file.is_open());
+    file.open();
+    EXPECT_EQ(rest(file), "data");
+    file.close();
+
+    folder.write("g", "");
+    folder.write("._g", "short");
+    nio::file other(folder.path("g"), 0);
+    other.open_rsrc();
+    EXPECT_EQ(other.size(), 0u);
+    EXPECT_EQ(rest(other), "");
+
+    nio::file odd(folder.path("") + u"\\n?", 0);
+    EXPECT_TRUE(odd.create_rsrc(false, true));
+    EXPECT_EQ(odd.path(), folder.path("") + u"\\n_");
+    EXPECT_EQ(folder.read("._n_").size(), 82u);
+
+    file.unlink(true);
+    EXPECT_FALSE(folder.exists("f") || folder.exists("._f"));
+    file.unlink(false);
+    EXPECT_EQ(raised([&] { file.unlink(true); }), "cannot delete");
+}
+
+TEST(nio_file, keeps_its_fork_in_a_stream) {
+    ntfs_folder const ntfs;
+    if (!ntfs.attached())
+        GTEST_SKIP() << "no extended attributes in the folder for tests";
+    nio::file file(u"N:\\f", 3);
+    put(file, "data");
+    file.close();
+    EXPECT_FALSE(file.create_rsrc(true, false));
+    put(file, "resource");
+    file.close();
+    file.open_rsrc();
+    EXPECT_EQ(rest(file), "resource");
+    file.close();
+    EXPECT_FALSE(ntfs.folder.exists("._f"));
+    nio::file note(u"N:\\f:note", 3);
+    put(note, "remember");
+    note.close();
+
+    // All but the data and the fork goes through a backup to another file, in pieces of any size.
+    for (uint32 const size : {1u, 7u, 4096u}) {
+        file.open_ntfs();
+        nio::file copy(u"N:\\copy" + wide_string(1, static_cast<char16_t>(u'0' + size % 10)), 3);
+        copy.close();
+        copy.open_ntfs_w();
+        std::string block(size, '\0');
+        for (uint32 got; (got = file.read_ntfs(block.data(), size)) > 0;)
+            copy.write_ntfs(block.data(), got);
+        EXPECT_EQ(file.read_ntfs(block.data(), size), 0u);
+        file.close_ntfs();
+        copy.close_ntfs();
+        EXPECT_FALSE(copy.is_open());
+        nio::file copied(copy.path() + u":note", 1);
+        EXPECT_EQ(rest(copied), "remember");
+        EXPECT_FALSE(nio::exists(copy.path() + u":AFP_Resource"));
+    }
+}
+
+TEST(nio_directory, shows_no_sidecars) {
+    scratch const folder;
+    for (char const * name : {"a", "._a", "b", "._c", ".x", "..x"})
+        folder.write(name, "");
+    auto const root = folder.path("");
+    nio::directory const directory(root);
+    std::vector<wide_string> shown;
+    for (auto it = directory.begin(); it != directory.end(); ++it)
+        shown.push_back(it->substr(it->rfind(u'\\') + 1));
+    EXPECT_EQ(shown, (std::vector<wide_string>{u"..x", u".x", u"a", u"b"}));
+    // A copy shows the same entry, but goes on from the top.
+    auto it = directory.begin();
+    ++it, ++it, ++it;
+    nio::directory::iterator copy(it);
+    EXPECT_EQ(*copy, *it);
+    ++copy;
+    EXPECT_TRUE(copy->ends_with(u"\\.x"));
+    EXPECT_TRUE((++it) == directory.end());
+    EXPECT_TRUE(nio::directory(folder.path("none")).begin() == directory.end());
+}
+
+TEST(nio_directory, is_emptied_but_not_through_links) {
+    scratch const folder;
+    for (char const * name : {"outside/deep", "tree/sub/sub"})
+        fs::create_directories(folder.host(name));
+    for (char const * name :
+         {"outside/file", "outside/deep/file", "tree/a", "tree/._a", "tree/sub/b", "tree/sub/sub/c"})
+        folder.write(name, "x");
+    fs::create_symlink("../outside", folder.host("tree/link"));
+    fs::create_symlink("../outside/file", folder.host("tree/sub/file_link"));
+    fs::create_symlink("nothing", folder.host("tree/dangling"));
+    fs::create_symlink("loop", folder.host("tree/loop"));
+    fs::create_symlink("outside", folder.host("root_link"));
+    ASSERT_EQ(mkfifo(folder.host("tree/pipe").c_str(), 0600), 0);
+    nio::directory tree(folder.path("tree"));
+    EXPECT_EQ(raised([&] { tree.unlink(true); }), "cannot delete");
+    tree.unlink(false);
+    tree.unlink_with_children(true);
+    EXPECT_FALSE(folder.exists("tree"));
+    nio::directory(folder.path("root_link")).unlink_with_children(true);
+    EXPECT_FALSE(folder.exists("root_link"));
+    EXPECT_TRUE(folder.exists("outside/file") && folder.exists("outside/deep/file"));
+    nio::unlink(folder.path("outside/file"), true);
+    EXPECT_EQ(raised([&] { nio::unlink(folder.path("outside/file"), true); }), "cannot delete");
+}
+
+TEST(nio_directory, fails_at_once_where_nothing_can_be_made) {
+    scratch const folder;
+    folder.write("file", "");
+    wide_string deep = folder.path("file");
+    for (int i = 0; i < 60; ++i)
+        deep += u"\\d";
+    nio::directory directory(deep);
+    EXPECT_FALSE(directory.create());
+}
+
+TEST(nio_attributes, go_from_one_file_to_another) {
+    scratch const folder;
+    folder.write("from", "x");
+    folder.write("to", "y");
+    fs::create_directory(folder.host("folder"));
+    nio::item from(folder.path("from")), to(folder.path("to")), directory(folder.path("folder"));
+    nio::attributes set(from);
+    EXPECT_EQ(set.mode, 0640u);
+    EXPECT_EQ(set.finder_info, (std::array<unsigned char, 32>{}));
+    set.created.set(126227808000000000, nio::time::format_file_time);
+    set.modified.set(126227808010000000, nio::time::format_file_time);
+    set.read_only = true;
+    set.file_attributes = platform::FILE_ATTRIBUTE_HIDDEN;
+    std::generate(set.finder_info.begin(), set.finder_info.end(), [n = 0]() mutable { return ++n; });
+    set.apply(to, true, true);
+    nio::attributes got(to);
+    EXPECT_EQ(got.mode, 0440u);
+    EXPECT_TRUE(got.read_only);
+    EXPECT_EQ(got.file_attributes, platform::FILE_ATTRIBUTE_HIDDEN | platform::FILE_ATTRIBUTE_READONLY);
+    EXPECT_EQ(got.created.file_time(), set.created.file_time());
+    EXPECT_EQ(got.modified.file_time(), set.modified.file_time());
+    EXPECT_EQ(got.finder_info, set.finder_info);
+    EXPECT_EQ(folder.read("._to").size(), 82u);
+
+    nio::attributes plain;
+    plain.apply(to, false, true); // no times, and no sidecar touched
+    EXPECT_EQ(nio::attributes(to).modified.file_time(), set.modified.file_time());
+    EXPECT_EQ(nio::attributes(to).finder_info, set.finder_info);
+    EXPECT_EQ(nio::attributes(directory).mode, 0750u);
+    set.apply(directory, false, false);
+    EXPECT_EQ(nio::attributes(directory).mode, 0550u);
+    plain.apply(directory, false, false);
+    nio::item none(folder.path("none"));
+    EXPECT_EQ(raised([&] { nio::attributes missing(none); }), "cannot access timestamps");
+}
+
+TEST(nio_attributes, change_only_the_information_of_a_sidecar) {
+    scratch const folder;
+    folder.write("f", "");
+    // Another program's: the resource data first, the information behind it.
+    std::string const head = "\0\5\x16\7\0\2\0\0________________\0\2"
+                             "\0\0\0\2\0\0\0\x32\0\0\0\4"
+                             "\0\0\0\x09\0\0\0\x36\0\0\0\x20"s;
+    std::string const info(32, 'i'), foreign = head + "rsrc" + info + "more";
+    folder.write("._f", foreign);
+    nio::item item(folder.path("f"));
+    nio::attributes set(item);
+    EXPECT_EQ(set.finder_info[0], 'i');
+    set.finder_info.fill('n');
+    set.apply(item, true, false);
+    EXPECT_EQ(folder.read("._f"), head + "rsrc" + std::string(32, 'n') + "more");
+    for (std::string const & other :
+         {"no sidecar at all, but someone's data"s, head.substr(0, 40), head.substr(0, 30)}) {
+        folder.write("._f", other);
+        set.finder_info.fill('k');
+        set.load(item);
+        EXPECT_EQ(set.finder_info[0], 'k');
+        EXPECT_EQ(raised([&] { set.apply(item, true, false); }), "cannot write");
+        EXPECT_EQ(folder.read("._f"), other);
+    }
+    folder.write("._f", "");
+    set.apply(item, true, false);
+    EXPECT_EQ(folder.read("._f").size(), 82u);
+    fs::remove(folder.host("._f"));
+    ASSERT_EQ(mkfifo(folder.host("._f").c_str(), 0600), 0);
+    set.load(item); // does not wait for a writer
+    fs::remove(folder.host("._f"));
+    fs::create_directory(folder.host("._f"));
+    set.load(item);
+    set.apply(item, true, false);
+}
+
+TEST(nio_attributes, keep_the_information_in_a_stream) {
+    ntfs_folder const ntfs;
+    if (!ntfs.attached())
+        GTEST_SKIP() << "no extended attributes in the folder for tests";
+    nio::file file(u"N:\\f", 3);
+    file.close();
+    nio::attributes set(file);
+    set.finder_info.fill('f');
+    set.apply(file, true, true);
+    nio::file info(u"N:\\f:AFP_AfpInfo", 1);
+    std::string const block = rest(info);
+    EXPECT_EQ(block, "AFP\0\0\0\1\0\0\0\0\0\0\0\0\0"s + std::string(32, 'f') + std::string(12, '\0'));
+    info.close();
+    EXPECT_EQ(nio::attributes(file).finder_info[0], 0); // looked for only beside a resource fork
+    file.create_rsrc(true, false);
+    file.close();
+    EXPECT_EQ(nio::attributes(file).finder_info[0], 'f');
+    set.apply(file, true, false);
+    EXPECT_EQ(ntfs.folder.read("._f").size(), 82u);
+}
+
+} // namespace
