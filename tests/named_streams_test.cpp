@@ -3,6 +3,7 @@
 #include "platform/backup.h"
 #include "platform/errors.h"
 #include "platform/posix/backup_records.h"
+#include "platform/posix/host_calls.h"
 #include "platform/posix/named_streams.h"
 #include "platform/posix/stream_names.h"
 #include "tests/support/ntfs_image.h"
@@ -10,6 +11,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdlib>
 #include <fcntl.h>
 #include <filesystem>
@@ -290,6 +292,27 @@ TEST_F(named_streams_test, a_copied_or_moved_volume_keeps_them) {
     attach("copy");
     EXPECT_EQ(read_stream(folder_ / "copy/another", u"note"), "-");
     expect_all("moved");
+}
+
+// A copy that cannot be written: nothing can be settled there, so a file is known by its place.
+TEST_F(named_streams_test, a_read_only_copy_shows_them) {
+    for (char const * name : {"a", "renamed"}) {
+        write(path(name), "data");
+        write_stream(path(name), u"note", name);
+    }
+    fs::rename(path("renamed"), path("r"));
+    copy_all("volume/a", "volume/x copy");
+    copy_all("volume", "copy");
+    host::fault = [](char const * call) { return std::string_view(call) == "setxattr" ? EROFS : 0; };
+    attach("copy");
+    EXPECT_EQ(read_stream(folder_ / "copy/a", u"note"), "a");
+    EXPECT_EQ(read_stream(folder_ / "copy/r", u"note"), "-");
+    EXPECT_EQ(read_stream(folder_ / "copy/x copy", u"note"), "-");
+    narrow_string place;
+    EXPECT_EQ(streams_->locate(folder_ / "copy/r", u"note", true, place), ERROR_WRITE_PROTECT);
+    host::fault = nullptr;
+    attach("copy");
+    EXPECT_EQ(read_stream(folder_ / "copy/r", u"note"), "renamed");
 }
 
 TEST_P(both_stores_test, copy_to_another_volume) {
