@@ -53,7 +53,7 @@ uint32 create_stream(backup_file const & file, narrow_string const & head, descr
     if (uint32 const code = file.streams->locate(file.path, name, true, host)) {
         return code;
     }
-    stream = open_retried(host, O_WRONLY | O_CREAT);
+    stream = open_descriptor(host, O_WRONLY | O_CREAT);
     if (stream.get() < 0) {
         return code_of(errno);
     }
@@ -131,7 +131,7 @@ uint32 backup_reader::next_record(backup_file const & file) {
         narrow_string host;
         uint32 const code = file.streams->locate(file.path, name, false, host);
         if (code == 0) {
-            stream_ = open_retried(host, O_RDONLY);
+            stream_ = open_descriptor(host, O_RDONLY);
         }
         if (code == ERROR_FILE_NOT_FOUND || (code == 0 && stream_.get() < 0 && errno == ENOENT)) {
             continue; // Removed since the names were listed.

@@ -2,7 +2,6 @@
 
 #include "platform/posix/host_calls.h"
 
-#include <cerrno>
 #include <utility>
 
 namespace platform::posix {
@@ -32,13 +31,9 @@ private:
 /// The bits of a new file before the process's mask takes some away.
 constexpr mode_t everyone = S_IRUSR | S_IWUSR | S_IRGRP | S_IWGRP | S_IROTH | S_IWOTH;
 
-/// Opens a file, again where a signal interrupts that. The descriptor is closed on exec.
-inline descriptor_guard open_retried(narrow_string const & path, int flags, mode_t mode = everyone) {
-    int file = -1;
-    do {
-        file = host::open(path, flags | O_NOCTTY | O_CLOEXEC, mode);
-    } while (file < 0 && errno == EINTR);
-    return descriptor_guard(file);
+/// Opens a file. The descriptor is closed on exec.
+inline descriptor_guard open_descriptor(narrow_string const & path, int flags, mode_t mode = everyone) {
+    return descriptor_guard(host::open(path, flags | O_NOCTTY | O_CLOEXEC, mode));
 }
 
 } // namespace platform::posix

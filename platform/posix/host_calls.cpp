@@ -25,14 +25,25 @@ bool fails(char const * call) {
     return error != 0;
 }
 
+/// Makes a call again where a signal interrupts it.
+template <class Call>
+auto retried(char const * name, Call call) -> decltype(call()) {
+    for (;;) {
+        auto const result = fails(name) ? -1 : call();
+        if (result != -1 || errno != EINTR) {
+            return result;
+        }
+    }
+}
+
 } // namespace
 
 int open(narrow_string const & path, int flags, mode_t mode) {
-    return fails("open") ? -1 : ::open(path.c_str(), flags, mode);
+    return retried("open", [&] { return ::open(path.c_str(), flags, mode); });
 }
 
 int openat(int folder, narrow_string const & path, int flags) {
-    return fails("openat") ? -1 : ::openat(folder, path.c_str(), flags);
+    return retried("openat", [&] { return ::openat(folder, path.c_str(), flags); });
 }
 
 int close(int file) {
@@ -46,18 +57,20 @@ int status_flags(int file) { return fails("status_flags") ? -1 : ::fcntl(file, F
 
 int set_status_flags(int file, int flags) { return fails("set_status_flags") ? -1 : ::fcntl(file, F_SETFL, flags); }
 
-ssize_t read(int file, void * buffer, std::size_t size) { return fails("read") ? -1 : ::read(file, buffer, size); }
+ssize_t read(int file, void * buffer, std::size_t size) {
+    return retried("read", [&] { return ::read(file, buffer, size); });
+}
 
 ssize_t pread(int file, void * buffer, std::size_t size, off_t position) {
-    return fails("pread") ? -1 : ::pread(file, buffer, size, position);
+    return retried("pread", [&] { return ::pread(file, buffer, size, position); });
 }
 
 ssize_t pwrite(int file, void const * buffer, std::size_t size, off_t position) {
-    return fails("pwrite") ? -1 : ::pwrite(file, buffer, size, position);
+    return retried("pwrite", [&] { return ::pwrite(file, buffer, size, position); });
 }
 
 ssize_t write(int file, void const * buffer, std::size_t size) {
-    return fails("write") ? -1 : ::write(file, buffer, size);
+    return retried("write", [&] { return ::write(file, buffer, size); });
 }
 
 ssize_t write_quietly(int file, void const * buffer, std::size_t size) {
@@ -95,11 +108,17 @@ int wait_for(int file, short events) {
 
 off_t lseek(int file, off_t distance, int method) { return fails("lseek") ? -1 : ::lseek(file, distance, method); }
 
-int ftruncate(int file, off_t size) { return fails("ftruncate") ? -1 : ::ftruncate(file, size); }
+int ftruncate(int file, off_t size) {
+    return retried("ftruncate", [&] { return ::ftruncate(file, size); });
+}
 
-int fsync(int file) { return fails("fsync") ? -1 : ::fsync(file); }
+int fsync(int file) {
+    return retried("fsync", [&] { return ::fsync(file); });
+}
 
-int flock(int file, int operation) { return fails("flock") ? -1 : ::flock(file, operation); }
+int flock(int file, int operation) {
+    return retried("flock", [&] { return ::flock(file, operation); });
+}
 
 int stat(narrow_string const & path, struct stat * status) { return fails("stat") ? -1 : ::stat(path.c_str(), status); }
 
@@ -166,7 +185,14 @@ char * realpath(narrow_string const & path, char * resolved) {
 
 char * getcwd(char * buffer, std::size_t size) { return fails("getcwd") ? nullptr : ::getcwd(buffer, size); }
 
-DIR * opendir(narrow_string const & path) { return fails("opendir") ? nullptr : ::opendir(path.c_str()); }
+DIR * opendir(narrow_string const & path) {
+    for (;;) {
+        DIR * const folder = fails("opendir") ? nullptr : ::opendir(path.c_str());
+        if (folder != nullptr || errno != EINTR) {
+            return folder;
+        }
+    }
+}
 
 DIR * fdopendir(int file) { return fails("fdopendir") ? nullptr : ::fdopendir(file); }
 

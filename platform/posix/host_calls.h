@@ -11,7 +11,7 @@
 #include <unistd.h>
 
 /// Every call that this folder makes to the host's files: the same names, results and `errno` as the host's own. So a
-/// test can let any of them fail.
+/// test can let any of them fail. Opening, reading, writing, locking, truncating and syncing go on after a signal.
 namespace platform::posix::host {
 
 /// Asked before each call, with its name; what it returns but 0 is the `errno` with which the call fails instead.

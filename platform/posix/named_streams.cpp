@@ -60,11 +60,11 @@ int write_all(int file, char const * bytes, std::size_t size) {
 
 /// 0 or an `errno`.
 int copy_file(narrow_string const & from, narrow_string const & to) {
-    descriptor_guard const source = open_retried(from, O_RDONLY);
+    descriptor_guard const source = open_descriptor(from, O_RDONLY);
     if (source.get() < 0) {
         return errno;
     }
-    descriptor_guard const target = open_retried(to, O_WRONLY | O_CREAT | O_TRUNC);
+    descriptor_guard const target = open_descriptor(to, O_WRONLY | O_CREAT | O_TRUNC);
     if (target.get() < 0) {
         return errno;
     }

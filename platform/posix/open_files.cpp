@@ -31,7 +31,7 @@ struct open_request {
 
 /// The standard streams keep their numbers, also while they are closed.
 int open_above_standard(narrow_string const & path, int flags) {
-    descriptor_guard file = open_retried(path, flags);
+    descriptor_guard file = open_descriptor(path, flags);
     return file.get() > STDERR_FILENO || file.get() < 0 ? file.release()
                                                         : host::duplicate(file.get(), STDERR_FILENO + 1);
 }
@@ -42,12 +42,8 @@ uint32 lock(int file, open_request const & request) {
         return 0;
     }
     int const kind = request.writes() ? LOCK_EX : LOCK_SH;
-    int result = 0;
-    do {
-        result = host::flock(file, kind | LOCK_NB);
-    } while (result != 0 && errno == EINTR);
     // On a host without locks everybody is let in.
-    return result != 0 && errno == EWOULDBLOCK ? ERROR_SHARING_VIOLATION : 0;
+    return host::flock(file, kind | LOCK_NB) != 0 && errno == EWOULDBLOCK ? ERROR_SHARING_VIOLATION : 0;
 }
 
 /// Opens without waiting for the other end of a pipe.

@@ -47,13 +47,9 @@ uint32 list_folder(std::u16string_view path, std::vector<wide_string> & names) {
         return code;
     if (!at.stream.empty())
         return ERROR_DIRECTORY;
-    DIR * opened;
-    do
-        opened = host::opendir(at.host);
-    while (opened == nullptr && errno == EINTR);
-    int const error = errno;
-    std::unique_ptr<DIR, int (*)(DIR *)> const folder(opened, host::closedir);
+    std::unique_ptr<DIR, int (*)(DIR *)> const folder(host::opendir(at.host), host::closedir);
     if (!folder) {
+        int const error = errno;
         // What is missing in front of the search's last name is a path.
         return error == ENOENT ? ERROR_PATH_NOT_FOUND : error == ENOTDIR ? ERROR_DIRECTORY : code_of(error);
     }

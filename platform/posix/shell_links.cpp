@@ -17,7 +17,7 @@ constexpr std::size_t longest_link = std::size_t{1024} * 1024;
 
 /// The bytes of a regular file; empty if it cannot be read or is too long. Nothing else is opened in earnest.
 narrow_string read_link(narrow_string const & path) {
-    posix::descriptor_guard const file = posix::open_retried(path, O_RDONLY | O_NONBLOCK);
+    posix::descriptor_guard const file = posix::open_descriptor(path, O_RDONLY | O_NONBLOCK);
     struct stat status {};
     if (file.get() < 0 || posix::host::fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode)) {
         return {};

@@ -125,7 +125,7 @@ bool settled(narrow_string const & store) {
 
 /// Holds the store's folder locked against other processes; a file system without locks goes without.
 descriptor_guard lock(narrow_string const & store) {
-    descriptor_guard folder = open_retried(store, O_RDONLY | O_DIRECTORY | O_NOFOLLOW);
+    descriptor_guard folder = open_descriptor(store, O_RDONLY | O_DIRECTORY | O_NOFOLLOW);
     while (folder.get() >= 0 && host::flock(folder.get(), LOCK_EX) != 0 && errno == EINTR) {
     }
     return folder;

@@ -94,26 +94,15 @@ uint32 set_end(int file) {
         return code;
     }
     off_t const position = host::lseek(file, 0, SEEK_CUR);
-    int result = -1;
-    do {
-        result = position < 0 ? -1 : host::ftruncate(file, position);
-    } while (result != 0 && errno == EINTR);
-    return result == 0 ? 0 : code_of(errno);
+    return position >= 0 && host::ftruncate(file, position) == 0 ? 0 : code_of(errno);
 }
 
 uint32 flush(int file) {
     if (uint32 const code = check_writable(file)) {
         return code;
     }
-    for (;;) {
-        // What cannot be synced, a pipe or a terminal, holds nothing back.
-        if (host::fsync(file) == 0 || errno == EINVAL) {
-            return 0;
-        }
-        if (errno != EINTR) {
-            return code_of(errno);
-        }
-    }
+    // What cannot be synced, a pipe or a terminal, holds nothing back.
+    return host::fsync(file) == 0 || errno == EINVAL ? 0 : code_of(errno);
 }
 
 uint32 set_position(int file, int64 distance, uint32 method, uint64 & position) {
