@@ -170,4 +170,19 @@ TEST(platform_file_times, are_kept_for_files_folders_and_what_cannot_be_written)
     EXPECT_EQ(GetLastError(), ERROR_INVALID_HANDLE);
 }
 
+TEST(platform_directories, show_no_store_of_streams_however_they_are_reached) {
+    scratch const folder;
+    fs::create_directory(folder.host("volume"));
+    ASSERT_EQ(attach_volume('N', folder.host("volume"), "NTFS"), 0u);
+    int const stream = CreateFileW(u"N:\\f:note", GENERIC_WRITE, FILE_SHARE_READ, CREATE_NEW, 0);
+    EXPECT_TRUE(CloseHandle(stream));
+    fs::create_directory_symlink("volume", folder.host("link"));
+    fs::create_directory_symlink(".socle_streams", folder.host("volume/inside"));
+    std::vector<wide_string> const expected = {u".", u"..", u"f", u"inside"};
+    for (wide_string const & pattern : {wide_string(u"N:\\*"), folder.path("volume/*"), folder.path("link/*")})
+        EXPECT_EQ(search(pattern), expected);
+    EXPECT_EQ(search_code(u"N:\\inside\\*"), ERROR_ACCESS_DENIED);
+    EXPECT_EQ(detach_volume('N'), 0u);
+}
+
 } // namespace

@@ -46,6 +46,9 @@ protected:
         if (child == 0) {
             _exit(work());
         }
+        return exit_status(child);
+    }
+    static int exit_status(pid_t child) {
         int status = 0;
         waitpid(child, &status, 0);
         return WIFEXITED(status) ? WEXITSTATUS(status) : 1000 + WTERMSIG(status);
@@ -228,12 +231,23 @@ TEST_F(platform_files, of_pipes_end_in_codes_and_not_in_signals) {
     EXPECT_EQ(action.sa_handler, SIG_DFL);
     EXPECT_TRUE(CloseHandle(ends[1]));
 
+    // What does not wait by itself is waited for, on both sides.
     ASSERT_EQ(pipe2(ends, O_CLOEXEC | O_NONBLOCK), 0);
-    EXPECT_EQ(in_process([&] { return WriteFile(ends[1], std::string(1 << 20, 'x').data(), 0, done) ? 0 : 1; }), 0);
+    std::string const much(1 << 20, 'x');
+    pid_t const writer = fork();
+    if (writer == 0) {
+        _exit(WriteFile(ends[1], much.data(), 1 << 20, done) ? 0 : 1);
+    }
     EXPECT_TRUE(CloseHandle(ends[1]));
-    EXPECT_FALSE(ReadFile(ends[0], bytes, 4, done));
+    std::size_t total = 0;
+    std::string block(1 << 20, ' ');
+    while (ReadFile(ends[0], block.data(), 1 << 20, done)) {
+        total += done;
+    }
     EXPECT_EQ(GetLastError(), 109u);
     EXPECT_EQ(done, 0u);
+    EXPECT_EQ(total, much.size());
+    EXPECT_EQ(exit_status(writer), 0);
     EXPECT_TRUE(CloseHandle(ends[0]));
 
     ASSERT_EQ(socketpair(AF_UNIX, SOCK_STREAM, 0, ends), 0);

@@ -44,6 +44,12 @@ bool append_name(narrow_string & host, std::u16string_view name) {
     return true;
 }
 
+/// No path leads to where streams are kept.
+uint32 check_not_hidden(resolved_path const & resolved) {
+    bool const hidden = resolved.on->streams != nullptr && resolved.on->streams->hidden(resolved.host);
+    return hidden ? ERROR_ACCESS_DENIED : 0;
+}
+
 /// The real file behind a last name that is a link: its volume keeps the streams.
 void follow_last_link(resolved_path & resolved) {
     char real[PATH_MAX];
@@ -98,8 +104,7 @@ uint32 resolve_names(path_text const & path, resolved_path & resolved) {
             return code;
         }
     }
-    bool const hidden = resolved.on->streams != nullptr && resolved.on->streams->hidden(resolved.host);
-    return hidden ? ERROR_ACCESS_DENIED : 0;
+    return check_not_hidden(resolved);
 }
 
 uint32 resolve(std::u16string_view path, resolved_path & resolved) {
@@ -109,6 +114,14 @@ uint32 resolve(std::u16string_view path, resolved_path & resolved) {
         return code;
     }
     return text.is_share() ? ERROR_BAD_NETPATH : resolve_names(text, resolved);
+}
+
+uint32 resolve_target(std::u16string_view path, resolved_path & resolved) {
+    if (uint32 const code = resolve(path, resolved))
+        return code;
+    if (any_attached())
+        follow_last_link(resolved);
+    return check_not_hidden(resolved);
 }
 
 uint32 code_at(narrow_string const & host, int error) {

@@ -29,6 +29,9 @@ struct path_text;
 uint32 resolve(std::u16string_view path, resolved_path & resolved);
 uint32 resolve_names(path_text const & path, resolved_path & resolved);
 
+/// The same, but a last name that is a link leads to its target, on the target's volume.
+uint32 resolve_target(std::u16string_view path, resolved_path & resolved);
+
 /// The code of a call that failed on `host` with `error`: a missing parent is told from a missing leaf.
 uint32 code_at(narrow_string const & host, int error);
 

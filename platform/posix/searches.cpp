@@ -43,7 +43,7 @@ struct entry {
 
 uint32 list_folder(std::u16string_view path, std::vector<wide_string> & names) {
     resolved_path at;
-    if (uint32 const code = resolve(path, at))
+    if (uint32 const code = resolve_target(path, at))
         return code;
     if (!at.stream.empty())
         return ERROR_DIRECTORY;
