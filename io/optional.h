@@ -1,0 +1,30 @@
+#pragma once
+
+namespace io {
+
+/// A value that may be absent. Absent or not there is always a value to read: at first a default one, later the last
+/// one that was assigned.
+template <typename T>
+class optional {
+public:
+    optional() = default;
+    optional(T const & value) : present_(true), value_(value) {}
+
+    /// Makes the value present.
+    optional & operator=(T const & value) {
+        value_ = value;
+        present_ = true;
+        return *this;
+    }
+    /// Makes the value absent, and keeps what it was.
+    void clear() noexcept { present_ = false; }
+
+    bool present() const noexcept { return present_; }
+    T const & value() const noexcept { return value_; }
+
+private:
+    bool present_ = false;
+    T value_{};
+};
+
+} // namespace io

@@ -1,0 +1,20 @@
+#pragma once
+
+#include "basic/types.h"
+
+namespace io::win32 {
+
+/// The attribute bits of a file, as the system gives them.
+class attributes {
+public:
+    /// The bits that DOS knows, without the one for a volume's label: read-only, hidden, system, directory, archive.
+    static constexpr uint16 dos_flags = 0x37;
+
+    uint16 to_dos_flags() const { return static_cast<uint16>(flags & dos_flags); }
+    /// Replaces the low 16 bits; those above stay.
+    void from_dos_flags(uint16 bits) { flags = (flags & 0xFFFF0000) | (bits & dos_flags); }
+
+    uint32 flags = 0;
+};
+
+} // namespace io::win32
