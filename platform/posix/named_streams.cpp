@@ -1,6 +1,7 @@
 #include "platform/posix/named_streams.h"
 
 #include "platform/errors.h"
+#include "platform/posix/copies.h"
 #include "platform/posix/descriptor.h"
 #include "platform/posix/disk_streams.h"
 #include "platform/posix/error_codes.h"
@@ -42,48 +43,6 @@ void remove_entries(descriptor_guard folder) {
         }
     }
     host::closedir(entries);
-}
-
-int write_all(int file, char const * bytes, std::size_t size) {
-    while (size > 0) {
-        ssize_t const written = host::write(file, bytes, size);
-        if (written < 0 && errno != EINTR) {
-            return errno;
-        }
-        if (written > 0) {
-            bytes += written;
-            size -= static_cast<std::size_t>(written);
-        }
-    }
-    return 0;
-}
-
-/// 0 or an `errno`.
-int copy_file(narrow_string const & from, narrow_string const & to) {
-    descriptor_guard const source = open_descriptor(from, O_RDONLY);
-    if (source.get() < 0) {
-        return errno;
-    }
-    descriptor_guard const target = open_descriptor(to, O_WRONLY | O_CREAT | O_TRUNC);
-    if (target.get() < 0) {
-        return errno;
-    }
-    std::vector<char> block(std::size_t{256} * 1024);
-    for (;;) {
-        ssize_t const got = host::read(source.get(), block.data(), block.size());
-        if (got < 0 && errno == EINTR) {
-            continue;
-        }
-        if (got < 0) {
-            return errno;
-        }
-        if (got == 0) {
-            return host::fsync(target.get()) == 0 ? 0 : errno;
-        }
-        if (int const error = write_all(target.get(), block.data(), static_cast<std::size_t>(got))) {
-            return error;
-        }
-    }
 }
 
 } // namespace
@@ -144,7 +103,10 @@ uint32 copy_streams(named_streams const & from, narrow_string const & file, name
         narrow_string target;
         code = code != 0 ? code : from.locate(file, name, false, source);
         code = code != 0 ? code : to.locate(copy, name, true, target);
-        code = code != 0 ? code : code_of(copy_file(source, target));
+        descriptor_guard const in(code != 0 ? descriptor_guard() : open_descriptor(source, O_RDONLY));
+        descriptor_guard const out(in.get() < 0 ? descriptor_guard()
+                                                : open_descriptor(target, O_WRONLY | O_CREAT | O_TRUNC));
+        code = code != 0 ? code : out.get() < 0 ? code_of(errno) : copy_bytes(in.get(), out.get());
     }
     return code;
 }

@@ -1,0 +1,228 @@
+#include "platform/posix/copies.h"
+
+#include "platform/errors.h"
+#include "platform/file_times.h"
+#include "platform/files.h"
+#include "platform/host.h"
+#include "platform/posix/descriptor.h"
+#include "platform/posix/error_codes.h"
+#include "platform/posix/extended_attributes.h"
+#include "platform/posix/host_calls.h"
+
+#include <array>
+#include <climits>
+#include <optional>
+#include <sys/file.h>
+#include <vector>
+
+namespace platform::posix {
+
+namespace {
+
+/// Removes a file that is not to stay, with the streams that it has by then.
+class unfinished {
+public:
+    unfinished(volume const & on, narrow_string const & path) : on_(on), path_(path) {}
+    unfinished(unfinished const &) = delete;
+    unfinished & operator=(unfinished const &) = delete;
+    ~unfinished() {
+        if (!path_.empty())
+            remove();
+    }
+
+    int remove() {
+        std::optional<stream_removal> streams;
+        if (on_.streams)
+            streams.emplace(*on_.streams, path_);
+        if (host::unlink(path_) != 0)
+            return errno;
+        if (streams)
+            streams->name_removed();
+        return 0;
+    }
+
+    /// It is `path` now.
+    void renamed(narrow_string const & path) { path_ = path; }
+    void keep() { path_.clear(); }
+
+private:
+    volume const & on_;
+    narrow_string path_;
+};
+
+narrow_string folder_of(narrow_string const & path) {
+    auto const end = path.rfind('/');
+    return end == 0 ? "/" : path.substr(0, end);
+}
+
+/// A name beside `path` that nobody else has.
+uint32 free_name(narrow_string const & path, narrow_string & name) {
+    std::array<unsigned char, 8> bytes;
+    if (host::getentropy(bytes.data(), bytes.size()) != 0)
+        return code_of(errno);
+    name = path.substr(0, path.rfind('/') + 1) + ".socle_";
+    for (unsigned const byte : bytes) {
+        name += "0123456789abcdef"[byte / 16];
+        name += "0123456789abcdef"[byte % 16];
+    }
+    return 0;
+}
+
+/// The user's own extended attributes. The record of streams belongs to the one file that has it.
+uint32 copy_attributes(narrow_string const & from, narrow_string const & to) {
+    std::vector<char> names(65536); // the most that the host gives
+    ssize_t const size = host::listxattr(from, names.data(), names.size());
+    if (size < 0)
+        return errno == ENOTSUP ? 0 : code_of(errno);
+    char const * const end = names.data() + size;
+    for (char const * name = names.data(); name < end; name += narrow_string(name).size() + 1) {
+        narrow_string const text = name;
+        narrow_string value;
+        if (!text.starts_with("user.") || text == "user.socle.streams" || !get_attribute(from, name, true, value))
+            continue;
+        int const error = set_attribute(to, name, value);
+        if (error == ENOTSUP)
+            return 0; // kept where the host can
+        if (error != 0)
+            return code_of(error);
+    }
+    return 0;
+}
+
+uint32 code_if(bool failed) { return failed ? GetLastError() : 0; }
+
+/// Everything but the name, into a file that is open already.
+uint32 copy_all(resolved_path const & from, int source, volume const & on, narrow_string const & path, int target) {
+    struct stat status {};
+    if (host::fstat(source, &status) != 0)
+        return code_of(errno);
+    if (uint32 const code = copy_bytes(source, target))
+        return code;
+    if (from.on->streams) {
+        std::vector<wide_string> names;
+        if (uint32 const code = from.on->streams->list(from.host, names))
+            return code;
+        if (!names.empty() && !on.streams)
+            return ERROR_NOT_SUPPORTED;
+        if (!names.empty()) {
+            if (uint32 const code = copy_streams(*from.on->streams, from.host, *on.streams, path))
+                return code;
+        }
+    }
+    if (uint32 const code = copy_attributes(from.host, path))
+        return code;
+    host::chown(path, status.st_uid, status.st_gid); // as far as the user may
+    if (host::chmod(path, status.st_mode & 07777) != 0)
+        return code_of(errno);
+    uint32 const bits = GetFileAttributesW(from_host(from.host));
+    if (uint32 const code = code_if(bits == INVALID_FILE_ATTRIBUTES || !SetFileAttributesW(from_host(path), bits)))
+        return code;
+    uint64 created = 0, modified = 0;
+    bool const timed = GetFileTime(source, created, modified) && SetFileTime(target, &created, &modified);
+    if (uint32 const code = code_if(!timed))
+        return code;
+    return host::fsync(target) == 0 ? 0 : code_of(errno);
+}
+
+uint32 move_file(resolved_path const & from, resolved_path const & to) {
+    descriptor_guard const source = open_descriptor(from.host, O_RDONLY | O_NOFOLLOW | O_NONBLOCK);
+    if (source.get() < 0)
+        return code_at(from.host, errno);
+    // Whoever writes there would write to what is about to go.
+    if (host::flock(source.get(), LOCK_SH | LOCK_NB) != 0 && errno == EWOULDBLOCK)
+        return ERROR_SHARING_VIOLATION;
+    narrow_string name;
+    if (uint32 const code = free_name(to.host, name))
+        return code;
+    descriptor_guard const target = open_descriptor(name, O_RDWR | O_CREAT | O_EXCL, S_IRUSR | S_IWUSR);
+    if (target.get() < 0)
+        return code_at(to.host, errno);
+    unfinished copy(*to.on, name);
+    if (uint32 const code = copy_all(from, source.get(), *to.on, name, target.get()))
+        return code;
+    if (int const error = rename_unless_there(name, to.host))
+        return code_of(error);
+    copy.renamed(to.host);
+    descriptor_guard const folder = open_descriptor(folder_of(to.host), O_RDONLY | O_DIRECTORY);
+    if (folder.get() < 0 || (host::fsync(folder.get()) != 0 && errno != EINVAL))
+        return code_of(errno);
+    unfinished old(*from.on, from.host);
+    int const error = old.remove();
+    old.keep();
+    if (error != 0)
+        return code_of(error);
+    copy.keep();
+    return 0;
+}
+
+uint32 move_link(resolved_path const & from, resolved_path const & to) {
+    char target[PATH_MAX + 1];
+    ssize_t const size = host::readlink(from.host, target, PATH_MAX);
+    if (size < 0)
+        return code_of(errno);
+    target[size] = '\0';
+    if (host::symlink(target, to.host) != 0)
+        return code_at(to.host, errno);
+    if (host::unlink(from.host) == 0)
+        return 0;
+    uint32 const code = code_of(errno);
+    host::unlink(to.host);
+    return code;
+}
+
+} // namespace
+
+uint32 copy_bytes(int from, int to) {
+    std::vector<char> block(std::size_t{256} * 1024);
+    for (;;) {
+        ssize_t const got = host::read(from, block.data(), block.size());
+        if (got < 0)
+            return code_of(errno);
+        if (got == 0)
+            return host::fsync(to) == 0 ? 0 : code_of(errno);
+        for (ssize_t done = 0; done < got;) {
+            ssize_t const written = host::write(to, block.data() + done, static_cast<std::size_t>(got - done));
+            if (written < 0)
+                return code_of(errno);
+            done += written;
+        }
+    }
+}
+
+uint32 move_between(resolved_path const & from, resolved_path const & to) {
+    struct stat status {};
+    if (host::lstat(from.host, &status) != 0)
+        return code_at(from.host, errno);
+    if (S_ISDIR(status.st_mode))
+        return ERROR_NOT_SAME_DEVICE;
+    if (S_ISLNK(status.st_mode))
+        return move_link(from, to);
+    return S_ISREG(status.st_mode) ? move_file(from, to) : ERROR_NOT_SUPPORTED;
+}
+
+int rename_unless_there(narrow_string const & from, narrow_string const & to) {
+    if (host::rename_no_replace(from, to) == 0)
+        return 0;
+    if (errno != EINVAL && errno != ENOSYS)
+        return errno;
+    int const refused = errno;
+    struct stat status {};
+    if (host::lstat(from, &status) != 0)
+        return errno;
+    if (S_ISDIR(status.st_mode)) {
+        if (to.starts_with(from + '/'))
+            return refused;
+        // No way that holds in a race.
+        struct stat there {};
+        return host::lstat(to, &there) == 0 ? EEXIST : host::rename(from, to) == 0 ? 0 : errno;
+    }
+    if (host::link(from, to) != 0)
+        return errno;
+    if (host::unlink(from) == 0)
+        return 0;
+    int const error = errno;
+    host::unlink(to);
+    return error;
+}
+
+} // namespace platform::posix

@@ -1,0 +1,202 @@
+#include "platform/errors.h"
+#include "platform/file_times.h"
+#include "platform/files.h"
+#include "platform/host.h"
+#include "platform/posix/host_calls.h"
+#include "tests/support/scratch.h"
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <optional>
+#include <string_view>
+#include <sys/stat.h>
+#include <sys/xattr.h>
+#include <unistd.h>
+
+namespace {
+
+using namespace platform;
+namespace fs = std::filesystem;
+
+uint32 code(bool done) { return done ? 0 : GetLastError(); }
+
+TEST(platform_moves, go_where_nothing_is) {
+    scratch const folder;
+    folder.write("file", "bytes");
+    folder.write("other", "other");
+    fs::create_directories(folder.host("tree/sub"));
+    fs::create_symlink("nothing", folder.host("dangling"));
+    fs::create_symlink("tree", folder.host("link"));
+    fs::create_hard_link(folder.host("other"), folder.host("twin"));
+    fs::permissions(folder.host("other"), fs::perms::owner_read);
+    struct {
+        char const * from;
+        char const * to;
+        uint32 code;
+    } const table[] = {
+        {"file", "other", 183},      {"file", "tree", 183},         {"file", "dangling", 183}, {"none", "new", 2},
+        {"none/x", "new", 3},        {"file", "none/new", 3},       {"file", "other/new", 3},  {"file", "a?b", 123},
+        {"file", "new/", 3},         {"tree", "tree/sub/in", 32},   {"tree", "tree", 0},       {"file", "file", 0},
+        {"link/sub", "tree/sub", 0}, {"other", "twin", 183},        {"file", "tree/file", 0},  {"tree/file", "back", 0},
+        {"other", "tree/other", 0},  {"dangling", "link/moved", 0}, {"tree/sub", "sub/", 0},   {"link", "renamed", 0},
+    };
+    for (auto const & c : table)
+        EXPECT_EQ(code(MoveFileW(folder.path(c.from), folder.path(c.to))), c.code) << c.from << " to " << c.to;
+    EXPECT_EQ(folder.read("back"), "bytes");
+    EXPECT_EQ(folder.read("tree/other"), "other");
+    EXPECT_TRUE(fs::is_symlink(folder.host("tree/moved")) && fs::is_symlink(folder.host("renamed")));
+    EXPECT_TRUE(fs::is_directory(folder.host("sub")));
+    folder.write("odd?", "found");
+    EXPECT_EQ(code(MoveFileW(folder.path("odd?"), folder.path("even"))), 0u);
+}
+
+/// A folder on another file system of the host than the one for tests.
+class elsewhere {
+public:
+    elsewhere() {
+        char pattern[] = "/dev/shm/socle_test_XXXXXX";
+        if (char const * const made = mkdtemp(pattern))
+            folder_ = made;
+    }
+    ~elsewhere() {
+        std::error_code ignored;
+        fs::remove_all(folder_, ignored);
+    }
+    bool differs_from(scratch const & folder) const {
+        struct stat here {
+        }, there{};
+        return stat(folder.folder().c_str(), &here) == 0 && stat(folder_.c_str(), &there) == 0
+               && here.st_dev != there.st_dev;
+    }
+    std::string host(std::string const & name) const { return folder_ + "/" + name; }
+    wide_string path(std::string const & name) const { return from_host(host(name)); }
+    std::size_t entries() const {
+        return static_cast<std::size_t>(std::distance(fs::directory_iterator(folder_), fs::directory_iterator()));
+    }
+
+private:
+    std::string folder_;
+};
+
+std::string text(std::string const & path) {
+    std::ifstream in(path, std::ios::binary);
+    return in ? std::string(std::istreambuf_iterator<char>(in), {}) : "(none)";
+}
+
+uint64 modified(wide_string const & path, uint64 & created) {
+    int const file = CreateFileW(path, 0, 3, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS);
+    uint64 time = 0;
+    EXPECT_TRUE(GetFileTime(file, created, time));
+    CloseHandle(file);
+    return time;
+}
+
+TEST(platform_moves, go_between_file_systems_with_all_that_belongs_to_a_file) {
+    scratch const folder;
+    elsewhere const other;
+    if (!other.differs_from(folder))
+        GTEST_SKIP() << "there is one file system only";
+    std::string const bytes(1 << 20, 'b');
+    folder.write("file", bytes);
+    setxattr(folder.host("file").c_str(), "user.note", "n", 1, 0);
+    SetFileAttributesW(folder.path("file"), FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_READONLY);
+    uint64 created = 0, created_then = 0;
+    uint64 const time = modified(folder.path("file"), created);
+    fs::create_symlink("/nothing", folder.host("link"));
+    fs::create_directory(folder.host("tree"));
+    ASSERT_EQ(mkfifo(folder.host("pipe").c_str(), 0600), 0);
+
+    folder.write("busy", "b");
+    int const writer = CreateFileW(folder.path("busy"), GENERIC_WRITE, FILE_SHARE_READ, OPEN_EXISTING, 0);
+    EXPECT_EQ(code(MoveFileW(folder.path("busy"), other.path("busy"))), ERROR_SHARING_VIOLATION);
+    CloseHandle(writer);
+    EXPECT_EQ(code(MoveFileW(folder.path("tree"), other.path("tree"))), ERROR_NOT_SAME_DEVICE);
+    EXPECT_EQ(code(MoveFileW(folder.path("pipe"), other.path("pipe"))), ERROR_NOT_SUPPORTED);
+    EXPECT_EQ(code(MoveFileW(folder.path("link"), other.path("link"))), 0u);
+    EXPECT_EQ(fs::read_symlink(other.host("link")), "/nothing");
+    EXPECT_EQ(code(MoveFileW(folder.path("file"), other.path("link"))), ERROR_ALREADY_EXISTS);
+    EXPECT_EQ(code(MoveFileW(folder.path("file"), other.path("file"))), 0u);
+    EXPECT_FALSE(folder.exists("file"));
+    EXPECT_EQ(text(other.host("file")), bytes);
+    EXPECT_EQ(modified(other.path("file"), created_then), time);
+    EXPECT_TRUE((GetFileAttributesW(other.path("file")) & FILE_ATTRIBUTE_READONLY) != 0);
+    // And back, where attributes are kept.
+    EXPECT_EQ(code(MoveFileW(other.path("file"), folder.path("file"))), 0u);
+    EXPECT_EQ(modified(folder.path("file"), created_then), time);
+    EXPECT_EQ(other.entries(), 1u);
+}
+
+TEST(platform_moves, take_streams_to_another_volume) {
+    scratch const folder;
+    fs::create_directory(folder.host("n"));
+    if (attach_volume('N', folder.host("n"), "NTFS") != 0)
+        GTEST_SKIP() << "no extended attributes in the folder for tests";
+    fs::create_directory(folder.host("m"));
+    ASSERT_EQ(attach_volume('M', folder.host("m"), "NTFS"), 0u);
+    auto const put = [](wide_string const & path, std::string const & bytes) {
+        int const file = CreateFileW(path, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ, CREATE_ALWAYS, 0);
+        uint32 done = 0;
+        EXPECT_TRUE(WriteFile(file, bytes.data(), static_cast<uint32>(bytes.size()), done));
+        CloseHandle(file);
+    };
+    auto const get = [](wide_string const & path) {
+        int const file = CreateFileW(path, GENERIC_READ, 3, OPEN_EXISTING, 0);
+        if (file == INVALID_HANDLE_VALUE)
+            return std::string("(none)");
+        char bytes[100];
+        uint32 done = 0;
+        EXPECT_TRUE(ReadFile(file, bytes, sizeof bytes, done));
+        CloseHandle(file);
+        return std::string(bytes, done);
+    };
+    put(u"N:\\f", "data");
+    put(u"N:\\f:note", "remember");
+    EXPECT_EQ(code(MoveFileW(u"N:\\f", u"N:\\g")), 0u);
+    EXPECT_EQ(get(u"N:\\g:note"), "remember");
+    EXPECT_EQ(code(MoveFileW(u"N:\\g", folder.path("plain"))), ERROR_NOT_SUPPORTED); // it would lose the stream
+    EXPECT_EQ(get(u"N:\\g:note"), "remember");
+    EXPECT_EQ(code(MoveFileW(u"N:\\g", u"M:\\h")), 0u);
+    EXPECT_EQ(get(u"M:\\h"), "data");
+    EXPECT_EQ(get(u"M:\\h:note"), "remember");
+    EXPECT_EQ(get(u"N:\\g"), "(none)");
+    EXPECT_EQ(code(MoveFileW(u"M:\\h:note", u"M:\\h:other")), ERROR_INVALID_NAME);
+    detach_volume('N');
+    detach_volume('M');
+}
+
+int calls_left = 0;
+
+TEST(platform_moves, lose_nothing_wherever_they_fail) {
+    scratch const folder;
+    elsewhere const other;
+    if (!other.differs_from(folder))
+        GTEST_SKIP() << "there is one file system only";
+    for (int const error : {EIO, ENOSPC, EROFS, ENOSYS}) {
+        for (bool const across : {true, false}) {
+            for (int n = 1;; ++n) {
+                SCOPED_TRACE(std::to_string(error) + (across ? " across, " : " within, ") + std::to_string(n));
+                ASSERT_LT(n, 200);
+                folder.write("file", "precious");
+                auto const target = across ? other.host("moved") : folder.host("moved");
+                calls_left = n;
+                static int injected;
+                injected = error;
+                posix::host::fault = [](char const *) { return calls_left > 0 && --calls_left == 0 ? injected : 0; };
+                bool const done = MoveFileW(folder.path("file"), from_host(target));
+                posix::host::fault = nullptr;
+                bool const through = calls_left > 0;
+                EXPECT_EQ(text(folder.host("file")), done ? "(none)" : "precious");
+                EXPECT_EQ(text(target), done ? "precious" : "(none)");
+                EXPECT_EQ(other.entries(), across && done ? 1u : 0u);
+                fs::remove(target);
+                if (through) {
+                    EXPECT_TRUE(done);
+                    break;
+                }
+            }
+        }
+    }
+}
+
+} // namespace
