@@ -48,6 +48,7 @@
 #include "nio/integer_codes.h"
 #include "nio/item.h"
 #include "nio/memory.h"
+#include "nio/move.h"
 #include "nio/multi_input.h"
 #include "nio/multi_output.h"
 #include "nio/output.h"

@@ -1,6 +1,7 @@
 #include "nio/filesystem_exception.h"
 #include "nio/fork_names.h"
 #include "nio/item.h"
+#include "nio/move.h"
 #include "platform/host.h"
 
 #include <gtest/gtest.h>
@@ -8,6 +9,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 
 namespace {
 
@@ -30,6 +32,12 @@ protected:
     void SetUp() override { ASSERT_EQ(attached_, 0u); }
 
     void write(char const * name, std::string const & bytes) const { std::ofstream(host_ / name) << bytes; }
+
+    /// What the file holds, "-" if there is none.
+    std::string read(char const * name) const {
+        std::ifstream in(host_ / name);
+        return in ? std::string(std::istreambuf_iterator<char>(in), {}) : "-";
+    }
 
     fs::path host_;
     wide_string path_;
@@ -140,6 +148,51 @@ TEST_F(nio_item, temp_directory) {
     EXPECT_EQ(nio::temp_directory(), u"/other");
     ::unsetenv("TMP");
     EXPECT_EQ(nio::temp_directory(), u".");
+}
+
+TEST_F(nio_item, moves_a_file_with_its_sidecar) {
+    write("a", "data");
+    write("._a", "fork");
+    wide_string to = path_ + u"b";
+    EXPECT_FALSE(nio::move(path_ + u"a", to, true));
+    EXPECT_EQ(read("b") + read("._b") + read("a") + read("._a"), "datafork--");
+
+    // A name that is not accepted is mended, unless the call must succeed as it is.
+    to = path_ + u"c?";
+    EXPECT_THROW(nio::move(path_ + u"b", to, true), nio::filesystem_exception);
+    EXPECT_EQ(to, path_ + u"c?");
+    EXPECT_TRUE(nio::move(path_ + u"b", to, false));
+    EXPECT_EQ(to, path_ + u"c_");
+    EXPECT_EQ(read("c_") + read("._c_") + read("._b"), "datafork-");
+}
+
+TEST_F(nio_item, moves_that_fail_lose_nothing) {
+    write("a", "data");
+    write("._a", "fork");
+    write("taken", "other");
+    wide_string to = path_ + u"taken";
+    EXPECT_FALSE(nio::move(path_ + u"a", to, false));
+    try {
+        nio::move(path_ + u"a", to, true);
+        ADD_FAILURE();
+    } catch (nio::filesystem_exception const & e) {
+        EXPECT_TRUE(e.message().starts_with("cannot move (C:\\")) << e.message();
+        EXPECT_NE(e.message().find("\\a) 183 "), narrow_string::npos) << e.message();
+        EXPECT_EQ(e.error(), 183u);
+    }
+    EXPECT_EQ(read("a") + read("._a") + read("taken"), "dataforkother");
+
+    // The sidecar's place is taken: the file comes back before the call raises.
+    write("._b", "stray");
+    to = path_ + u"b";
+    EXPECT_THROW(nio::move(path_ + u"a", to, true), nio::filesystem_exception);
+    EXPECT_EQ(read("a") + read("._a") + read("b") + read("._b"), "datafork-stray");
+    // The mended name is tried once.
+    write("d_", "other");
+    to = path_ + u"d?";
+    EXPECT_THROW(nio::move(path_ + u"a", to, false), nio::filesystem_exception);
+    EXPECT_EQ(to, path_ + u"d_");
+    EXPECT_EQ(read("a") + read("d_"), "dataother");
 }
 
 } // namespace
