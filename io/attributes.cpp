@@ -1,10 +1,205 @@
 #include "io/attributes.h"
 
+#include "io/exception.h"
+#include "io/info_header_internal.h"
+#include "io/system_error.h"
+#include "platform/errors.h"
+#include "platform/file_times.h"
+#include "platform/files.h"
+
 namespace io {
+
+namespace {
+
+constexpr char const * origin = "io::attributes";
+
+constexpr uint32 loaded_bits = platform::FILE_ATTRIBUTE_READONLY | platform::FILE_ATTRIBUTE_HIDDEN
+                               | platform::FILE_ATTRIBUTE_SYSTEM | platform::FILE_ATTRIBUTE_DIRECTORY
+                               | platform::FILE_ATTRIBUTE_ARCHIVE | platform::FILE_ATTRIBUTE_NORMAL
+                               | platform::FILE_ATTRIBUTE_TEMPORARY;
+
+wide_string system_name(any::path const & path) { return path.full_string(); }
+
+uint32 bits_of(any::path const & path) { return platform::GetFileAttributesW(system_name(path)); }
+
+bool exists(uint32 bits) { return bits != platform::INVALID_FILE_ATTRIBUTES; }
+
+/// Opening a pipe or a device may have effects, and reading it may wait.
+bool is_device(uint32 bits) { return exists(bits) && (bits & platform::FILE_ATTRIBUTE_DEVICE) != 0; }
+
+int open_times(any::path const & path, uint32 access) {
+    return platform::CreateFileW(system_name(path), access, platform::FILE_SHARE_READ | platform::FILE_SHARE_WRITE,
+                                 platform::OPEN_EXISTING, platform::FILE_FLAG_BACKUP_SEMANTICS);
+}
+
+uint64 const * file_time(any::time const * time, uint64 & value) {
+    if (time == nullptr)
+        return nullptr;
+    value = time->file_time();
+    return &value;
+}
+
+any::path sidecar_of(any::path const & path) {
+    any::path result(path);
+    if (!result.empty())
+        result.leaf() += u".info";
+    return result;
+}
+
+constexpr char const * fork_origin = "io::fork";
+
+/// Closes a file at the end of a block, however that is left.
+struct open_file {
+    int handle;
+    explicit open_file(int opened) : handle(opened) {}
+    open_file(open_file const &) = delete;
+    open_file & operator=(open_file const &) = delete;
+    ~open_file() { platform::CloseHandle(handle); }
+};
+
+/// Seconds since 1904; 0 for a time before that, which the format has no number for.
+uint32 mac_seconds(any::time const & time) {
+    uint64 const first = any::time(0, any::time::format_mac_seconds).file_time();
+    bool const early = time.mac_time() == 0 && time.file_time() < first;
+    return early ? 0 : static_cast<uint32>(time.get(any::time::format_mac_seconds));
+}
+
+[[noreturn]] void refuse_type() { throw exception("unknown attributes type", origin, 0); }
+
+} // namespace
 
 attributes::attributes() = default;
 attributes::attributes(attributes const &) = default;
 attributes & attributes::operator=(attributes const &) = default;
 attributes::~attributes() = default;
+
+void attributes::load(any::path const & path, int type) {
+    win32.clear();
+    mac_file.clear();
+    mac_folder.clear();
+    unix.clear();
+    extra_path.clear();
+    read_only = false;
+
+    any::time first = created.value();
+    any::time last = modified.value();
+    created = first; // present from here on, also if a call fails
+    modified = last;
+    get_time(path, &first, &last);
+    created = first;
+    modified = last;
+
+    uint32 const bits = bits_of(path);
+    if (!exists(bits))
+        raise_system_error(path, "what is this", origin);
+    io::win32::attributes found;
+    found.flags = bits & loaded_bits;
+    win32 = found;
+    read_only = (bits & platform::FILE_ATTRIBUTE_READONLY) != 0;
+    io::unix::attributes derived;
+    derived.mode = read_only.value() ? 0400 : 0640;
+    if ((bits & platform::FILE_ATTRIBUTE_DIRECTORY) != 0)
+        derived.mode.value += 0110;
+    unix = derived;
+
+    switch (type) {
+    case 0:
+    case 2: break;
+    case 1:
+    case 3: load_bin(path); break;
+    default: refuse_type();
+    }
+}
+
+void attributes::apply(any::path const & path, int type) const {
+    set_time(path, created.present() ? &created.value() : nullptr, modified.present() ? &modified.value() : nullptr);
+    uint32 bits = platform::FILE_ATTRIBUTE_ARCHIVE;
+    if (win32.present())
+        bits = win32.value().flags;
+    else if (read_only.present() && read_only.value())
+        bits |= platform::FILE_ATTRIBUTE_READONLY;
+    platform::SetFileAttributesW(system_name(path), bits);
+
+    switch (type) {
+    case 0:
+    case 2:
+    case 3: break;
+    case 1: apply_bin(path); break;
+    default: refuse_type();
+    }
+}
+
+void attributes::load_bin(any::path const & path) {
+    auto const sidecar = sidecar_of(path);
+    uint32 const bits = bits_of(sidecar);
+    if (!exists(bits) || is_device(bits))
+        return;
+    std::array<char, info_header::size> bytes;
+    uint32 count = 0;
+    open_file const file(platform::CreateFileW(system_name(sidecar), platform::GENERIC_READ,
+                                               platform::FILE_SHARE_READ | platform::FILE_SHARE_WRITE,
+                                               platform::OPEN_EXISTING, 0));
+    if (file.handle == platform::INVALID_HANDLE_VALUE)
+        raise_system_error(sidecar, "cannot open", fork_origin);
+    if (!platform::ReadFile(file.handle, bytes.data(), info_header::size, count))
+        raise_system_error(sidecar, "cannot read from", fork_origin);
+    if (count < info_header::least_size)
+        return;
+    info_header header;
+    header.read(bytes.data(), count);
+    auto finder = mac_file.value();
+    finder.info = header.finder;
+    mac_file = finder;
+    created = any::time(header.created, any::time::format_mac_seconds);
+    modified = any::time(header.modified, any::time::format_mac_seconds);
+}
+
+void attributes::apply_bin(any::path const & path) const {
+    auto const sidecar = sidecar_of(path);
+    // Before the old sidecar goes.
+    auto const bytes =
+        info_header{mac_file.value().info, mac_seconds(created.value()), mac_seconds(modified.value())}.write();
+    if (is_device(bits_of(sidecar))) {
+        platform::SetLastError(platform::ERROR_ACCESS_DENIED);
+        raise_system_error(sidecar, "cannot create", fork_origin);
+    }
+    open_file const file(platform::CreateFileW(system_name(sidecar), platform::GENERIC_READ | platform::GENERIC_WRITE,
+                                               platform::FILE_SHARE_READ, platform::CREATE_ALWAYS, 0));
+    if (file.handle == platform::INVALID_HANDLE_VALUE)
+        raise_system_error(sidecar, "cannot create", fork_origin);
+    uint32 done = 0;
+    if (!platform::WriteFile(file.handle, bytes.data(), info_header::size, done))
+        raise_system_error(sidecar, "cannot write to", fork_origin);
+}
+
+void attributes::get_time(any::path const & path, any::time * created, any::time * modified) {
+    if (!exists(bits_of(path)))
+        raise_system_error(path, "what is this", origin);
+    uint64 first = 0;
+    uint64 last = 0;
+    int const handle = open_times(path, 0);
+    bool known = handle != platform::INVALID_HANDLE_VALUE;
+    if (known) {
+        known = platform::GetFileTime(handle, first, last);
+        platform::CloseHandle(handle);
+    }
+    if (!known)
+        raise_system_error(path, "cannot access timestamp(s) of", origin);
+    if (created != nullptr)
+        created->set(first, any::time::format_file_time);
+    if (modified != nullptr)
+        modified->set(last, any::time::format_file_time);
+}
+
+bool attributes::set_time(any::path const & path, any::time const * created, any::time const * modified) {
+    int const handle = open_times(path, platform::GENERIC_WRITE);
+    if (handle == platform::INVALID_HANDLE_VALUE)
+        return false;
+    uint64 first = 0;
+    uint64 last = 0;
+    bool const set = platform::SetFileTime(handle, file_time(created, first), file_time(modified, last));
+    platform::CloseHandle(handle);
+    return set;
+}
 
 } // namespace io
