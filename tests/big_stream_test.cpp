@@ -84,7 +84,10 @@ protected:
         unsigned char head[20];
         uint32 done = 0;
         while (BackupRead(file, reinterpret_cast<char *>(head), 20, done, false, context) && done == 20) {
-            uint64 const size = head[8] | head[9] << 8 | head[10] << 16 | uint64{head[11]} << 24;
+            uint32 size = 0;
+            for (std::size_t i = 12; i-- > 8;) {
+                size = size << 8 | head[i];
+            }
             char16_t name[256] = {};
             BackupRead(file, reinterpret_cast<char *>(name), head[16], done, false, context);
             std::string const digits = ' ' + std::to_string(size) + ", ";

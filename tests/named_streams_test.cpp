@@ -408,6 +408,7 @@ TEST_F(named_streams_test, what_is_no_backup) {
         backup_writer writer;
         uint32 done = 0;
         EXPECT_EQ(writer.write(file, record.data(), static_cast<uint32>(record.size()), done), ERROR_INVALID_DATA);
+        EXPECT_EQ(writer.write(file, "more", 4, done), ERROR_INVALID_DATA);
     }
     EXPECT_EQ(list(path("file")), names{});
     EXPECT_EQ(fs::file_size(path("file")), 4u);

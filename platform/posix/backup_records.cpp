@@ -148,21 +148,14 @@ uint32 backup_reader::next_record(backup_file const & file) {
 uint32 backup_reader::read_data(int own, char * buffer, uint32 size, uint32 & done) {
     int const source = stream_.get() < 0 ? own : stream_.get();
     auto const wanted = static_cast<std::size_t>(std::min<uint64>(size, left_));
-    for (;;) {
-        ssize_t const got = host::pread(source, buffer, wanted, static_cast<off_t>(position_));
-        if (got > 0) {
-            done = static_cast<uint32>(got);
-            position_ += done;
-            left_ -= done;
-            return 0;
-        }
-        if (got == 0) {
-            return ERROR_INVALID_DATA;
-        }
-        if (errno != EINTR) {
-            return code_of(errno);
-        }
+    ssize_t const got = host::pread(source, buffer, wanted, static_cast<off_t>(position_));
+    if (got <= 0) {
+        return got == 0 ? ERROR_INVALID_DATA : code_of(errno);
     }
+    done = static_cast<uint32>(got);
+    position_ += done;
+    left_ -= done;
+    return 0;
 }
 
 void backup_reader::set_head(uint32 kind, uint64 size, wide_string const & name) {
@@ -179,6 +172,9 @@ void backup_reader::set_head(uint32 kind, uint64 size, wide_string const & name)
 uint32 backup_writer::write(backup_file const & file, char const * buffer, uint32 size, uint32 & done) {
     done = 0;
     while (done < size) {
+        if (refused_ != 0) {
+            return refused_;
+        }
         uint32 code = 0;
         if (!head_complete()) {
             std::size_t const whole = head_.size() < head_size ? head_size : head_size + name_size(head_);
@@ -186,6 +182,7 @@ uint32 backup_writer::write(backup_file const & file, char const * buffer, uint3
             head_.append(buffer + done, n);
             done += static_cast<uint32>(n);
             code = head_.size() < head_size ? 0 : start_record(file);
+            refused_ = code;
         } else {
             uint32 written = 0;
             code = write_data(buffer + done, static_cast<uint32>(std::min<uint64>(size - done, left_)), written);
@@ -227,16 +224,14 @@ uint32 backup_writer::write_data(char const * buffer, uint32 size, uint32 & done
     done = size;
     while (target_ >= 0 && size > 0) {
         ssize_t const written = host::pwrite(target_, buffer, size, static_cast<off_t>(position_));
-        if (written < 0 && errno != EINTR) {
+        if (written <= 0) {
             done -= size;
-            return code_of(errno);
+            return written == 0 ? ERROR_IO_DEVICE : code_of(errno);
         }
-        if (written > 0) {
-            buffer += written;
-            size -= static_cast<uint32>(written);
-            position_ += static_cast<uint64>(written);
-            left_ -= static_cast<uint64>(written);
-        }
+        buffer += written;
+        size -= static_cast<uint32>(written);
+        position_ += static_cast<uint64>(written);
+        left_ -= static_cast<uint64>(written);
     }
     left_ -= size;
     return 0;

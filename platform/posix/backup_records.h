@@ -48,6 +48,7 @@ private:
     uint32 write_data(char const * buffer, uint32 size, uint32 & done);
     uint32 finish_record();
 
+    uint32 refused_ = 0; // why a record could not be started, and nothing behind it can be taken
     narrow_string head_; // what has come of the current record's head and name
     int target_ = -1;    // what the record's data go to; nothing for what is passed over
     descriptor_guard stream_;

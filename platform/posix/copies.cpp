@@ -8,6 +8,7 @@
 #include "platform/posix/error_codes.h"
 #include "platform/posix/extended_attributes.h"
 #include "platform/posix/host_calls.h"
+#include "platform/posix/stream_owners.h"
 
 #include <array>
 #include <climits>
@@ -78,7 +79,7 @@ uint32 copy_attributes(narrow_string const & from, narrow_string const & to) {
     for (char const * name = names.data(); name < end; name += narrow_string(name).size() + 1) {
         narrow_string const text = name;
         narrow_string value;
-        if (!text.starts_with("user.") || text == "user.socle.streams" || !get_attribute(from, name, true, value))
+        if (!text.starts_with("user.") || text == owner_attribute || !get_attribute(from, name, true, value))
             continue;
         int const error = set_attribute(to, name, value);
         if (error == ENOTSUP)

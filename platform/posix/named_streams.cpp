@@ -21,7 +21,7 @@ namespace {
 /// Whether files at `volume` can have user attributes at all; `errno` says why not.
 bool keeps_attributes(narrow_string const & volume) {
     narrow_string value;
-    return get_attribute(volume, "user.socle.streams", true, value) || errno == ENODATA;
+    return get_attribute(volume, owner_attribute, true, value) || errno == ENODATA;
 }
 
 /// Removes what lies in an open folder, which it closes. Links are removed, not followed.

@@ -5,7 +5,6 @@
 #include "platform/posix/resolve.h"
 #include "platform/posix/shell_link_reader.h"
 
-#include <cerrno>
 #include <cstddef>
 
 namespace platform {
@@ -30,10 +29,10 @@ narrow_string read_link(narrow_string const & path) {
             bytes.resize(size);
             return bytes;
         }
-        if (got < 0 && errno != EINTR) {
+        if (got < 0) {
             break;
         }
-        size += got > 0 ? static_cast<std::size_t>(got) : 0;
+        size += static_cast<std::size_t>(got);
     }
     return {};
 }

@@ -18,8 +18,6 @@ namespace platform::posix {
 
 namespace {
 
-/// On an owner: its claim. On the store's folder: its identity. On an id's folder: the owner's path in the volume.
-constexpr char const * attribute = "user.socle.streams";
 constexpr std::size_t id_length = 32;
 
 /// Thrown where the host fails, with its `errno`, and caught where this file is entered: nobody must take a file that
@@ -35,7 +33,7 @@ void append_hex(narrow_string & text, uint64 value) {
 
 /// The attribute's text; false if there is none, or no such file where `must_exist` is false.
 bool read_attribute(narrow_string const & path, bool follow_link, bool must_exist, narrow_string & text) {
-    if (get_attribute(path, attribute, follow_link, text)) {
+    if (get_attribute(path, owner_attribute, follow_link, text)) {
         return true;
     }
     if (errno == ENODATA || errno == ENOTSUP || (!must_exist && errno == ENOENT)) {
@@ -45,7 +43,7 @@ bool read_attribute(narrow_string const & path, bool follow_link, bool must_exis
 }
 
 void write_attribute(narrow_string const & path, narrow_string const & text) {
-    if (int const error = set_attribute(path, attribute, text)) {
+    if (int const error = set_attribute(path, owner_attribute, text)) {
         throw failure{error};
     }
 }
@@ -126,7 +124,8 @@ bool settled(narrow_string const & store) {
 /// Holds the store's folder locked against other processes; a file system without locks goes without.
 descriptor_guard lock(narrow_string const & store) {
     descriptor_guard folder = open_descriptor(store, O_RDONLY | O_DIRECTORY | O_NOFOLLOW);
-    while (folder.get() >= 0 && host::flock(folder.get(), LOCK_EX) != 0 && errno == EINTR) {
+    if (folder.get() >= 0) {
+        host::flock(folder.get(), LOCK_EX);
     }
     return folder;
 }
@@ -357,7 +356,7 @@ uint32 settle_owners(narrow_string const & volume, narrow_string const & store) 
         claims found(store);
         found.walk(volume);
         if (found.settle()) {
-            set_attribute(store, attribute, identity_of(store, false));
+            set_attribute(store, owner_attribute, identity_of(store, false));
         }
         return 0;
     } catch (failure const & f) {

@@ -12,6 +12,9 @@
 /// that this shows; `settle_owners` then finds each folder's owner again.
 namespace platform::posix {
 
+/// On an owner: its claim. On the store's folder: its identity. On an id's folder: the owner's path in the volume.
+constexpr char const * owner_attribute = "user.socle.streams";
+
 /// The id of the streams of `file`, empty if it owns none. `store` is the store's folder. 0 or a system code, as below.
 uint32 stream_owner(narrow_string const & store, narrow_string const & file, bool follow_link, narrow_string & id);
 
