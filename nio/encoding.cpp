@@ -48,7 +48,9 @@ void _narrowen(wide_string const & text, narrow_string & out, int encoding) {
     auto const convert = [&](char * to, uint32 capacity) {
         return platform::WideCharToMultiByte(page, text.data(), count, to, capacity, "_", nullptr);
     };
-    out.resize(convert(nullptr, 0));
+    // Two bytes a unit are enough for all pages but UTF-8, which is asked for its size.
+    bool const enough = page != platform::CP_UTF8 && count <= UINT32_MAX / 2;
+    out.resize(enough ? 2 * std::size_t(count) : convert(nullptr, 0));
     if (!out.empty())
         out.resize(convert(out.data(), static_cast<uint32>(out.size())));
     out.resize(out.find_last_not_of('\0') + 1);
@@ -60,9 +62,9 @@ void _widen(narrow_string const & bytes, wide_string & out, int encoding) {
         return;
     auto const page = static_cast<uint32>(_codepage(encoding));
     auto const count = static_cast<uint32>(bytes.size());
-    out.resize(platform::MultiByteToWideChar(page, bytes.data(), count, nullptr, 0));
-    if (!out.empty())
-        platform::MultiByteToWideChar(page, bytes.data(), count, out.data(), static_cast<uint32>(out.size()));
+    // A byte gives one unit at most.
+    out.resize(count);
+    out.resize(platform::MultiByteToWideChar(page, bytes.data(), count, out.data(), count));
 }
 
 void translate(wide_string & text, char16_t from, char16_t to) {

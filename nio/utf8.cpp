@@ -1,5 +1,6 @@
 #include "nio/utf8.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace nio {
@@ -12,6 +13,8 @@ constexpr std::size_t step = 16; // units, or bytes, that are looked at together
 unsigned char value(char byte) { return static_cast<unsigned char>(byte); }
 
 bool continues(char byte) { return (value(byte) & 0xC0) == 0x80; }
+
+bool both_continue(char a, char b) { return (((value(a) ^ 0x80) | (value(b) ^ 0x80)) & 0xC0) == 0; }
 
 /// Whether none of the next `step` elements is above ASCII.
 template <class Unit>
@@ -27,16 +30,36 @@ bool is_ascii(Unit const * from) {
 
 template <class From, class To>
 void copy_ascii(From const * from, To * to) {
+    To block[step]; // of its own, so that it can be made in one go
     for (std::size_t i = 0; i < step; ++i)
-        to[i] = static_cast<To>(from[i]);
+        block[i] = static_cast<To>(from[i]);
+    std::memcpy(to, block, sizeof block);
 }
 
-std::size_t encoded_size(wide_string const & text) {
-    std::size_t size = text.size();
-    for (char16_t const unit : text)
-        size += std::size_t(unit >= 0x80) + std::size_t(unit >= 0x800);
-    return size;
-}
+/// Text on its way to the end of a string, which so is never filled before it is written.
+template <class Text>
+class tail {
+public:
+    /// Room for what one step of the loops below puts there.
+    explicit tail(Text & text) : text_(text) {}
+    ~tail() { text_.append(block_, to); }
+
+    void make_room() {
+        if (to > block_ + sizeof block_ / sizeof block_[0] - most) {
+            text_.append(block_, to);
+            to = block_;
+        }
+    }
+
+private:
+    static constexpr std::size_t most = 3 * step;
+
+    Text & text_;
+    typename Text::value_type block_[4096];
+
+public:
+    typename Text::value_type * to = block_;
+};
 
 /// The sequence at `at`, of any length and worth, as one unit; moves `at` behind it.
 char16_t decode_any(char const *& at, char const * end, bool validate) {
@@ -72,56 +95,61 @@ uint32 _utf8_size(char lead) {
 
 void _utf8_encode(wide_string const & text, narrow_string & out) {
     out.clear();
-    out.resize(encoded_size(text));
-    char * to = out.data();
+    out.reserve(text.size());
+    tail<narrow_string> result(out);
     char16_t const * from = text.data();
     char16_t const * const end = from + text.size();
     while (from != end) {
+        result.make_room();
+        char * to = result.to;
         if (std::size_t(end - from) >= step && is_ascii(from)) {
             copy_ascii(from, to);
             from += step;
-            to += step;
+            result.to += step;
             continue;
         }
-        // Up to the next unit of ASCII, which may be the first of many.
-        do {
+        for (auto const * const stop = from + std::min<std::size_t>(step, std::size_t(end - from)); from != stop;) {
             unsigned const unit = *from++;
             if (unit < 0x80) {
                 *to++ = static_cast<char>(unit);
-                break;
-            }
-            if (unit < 0x800) {
-                *to++ = static_cast<char>(0xC0 | unit >> 6);
+            } else if (unit < 0x800) {
+                to[0] = static_cast<char>(0xC0 | unit >> 6);
+                to[1] = static_cast<char>(0x80 | (unit & 0x3F));
+                to += 2;
             } else {
-                *to++ = static_cast<char>(0xE0 | unit >> 12);
-                *to++ = static_cast<char>(0x80 | (unit >> 6 & 0x3F));
+                to[0] = static_cast<char>(0xE0 | unit >> 12);
+                to[1] = static_cast<char>(0x80 | (unit >> 6 & 0x3F));
+                to[2] = static_cast<char>(0x80 | (unit & 0x3F));
+                to += 3;
             }
-            *to++ = static_cast<char>(0x80 | (unit & 0x3F));
-        } while (from != end);
+        }
+        result.to = to;
     }
 }
 
 void _utf8_decode(narrow_string const & bytes, wide_string & out, bool validate) {
     out.clear();
-    out.resize(bytes.size());
-    char16_t * to = out.data();
+    out.reserve(bytes.size());
+    tail<wide_string> result(out);
     char const * from = bytes.data();
     char const * const end = from + bytes.size();
     while (from != end) {
+        result.make_room();
+        char16_t * to = result.to;
         if (std::size_t(end - from) >= step && is_ascii(from)) {
             copy_ascii(from, to);
             from += step;
-            to += step;
+            result.to += step;
             continue;
         }
-        do {
+        for (std::size_t i = 0; i < step && from != end; ++i) {
             unsigned const lead = value(*from);
             if (lead < 0x80) {
                 *to++ = static_cast<char16_t>(lead);
                 ++from;
-                break;
+                continue;
             }
-            if (lead >= 0xE0 && lead < 0xF0 && end - from >= 3 && continues(from[1]) && continues(from[2])) {
+            if (lead >= 0xE0 && lead < 0xF0 && end - from >= 3 && both_continue(from[1], from[2])) {
                 unsigned const u = (lead & 0xF) << 12 | (value(from[1]) & 0x3Fu) << 6 | (value(from[2]) & 0x3Fu);
                 if (u >= 0x800 && u < 0xFFFE && (u & 0xF800) != 0xD800) {
                     *to++ = static_cast<char16_t>(u);
@@ -134,9 +162,9 @@ void _utf8_decode(narrow_string const & bytes, wide_string & out, bool validate)
                 continue;
             }
             *to++ = decode_any(from, end, validate);
-        } while (from != end);
+        }
+        result.to = to;
     }
-    out.resize(static_cast<std::size_t>(to - out.data()));
 }
 
 } // namespace nio

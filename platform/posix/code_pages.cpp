@@ -73,50 +73,87 @@ uint32 fail(uint32 code) {
     return 0;
 }
 
-/// What a conversion stores to: only a count if there is no capacity. What does not fit is counted all the same.
+constexpr std::size_t step = 16; // units, or bytes, that are looked at together
+
+template <class From>
+bool is_ascii(From const * from) {
+    uint64 bits = 0;
+    for (std::size_t i = 0; i < step * sizeof(From) / sizeof bits; ++i) {
+        uint64 word;
+        std::memcpy(&word, reinterpret_cast<char const *>(from) + i * sizeof word, sizeof word);
+        bits |= word;
+    }
+    return (bits & (sizeof(From) == 1 ? 0x8080808080808080 : 0xFF80FF80FF80FF80)) == 0;
+}
+
+/// Stores what there is room for by then.
 template <class Unit>
-class target {
+class store {
 public:
-    target(Unit * to, uint32 capacity) : to_(to), capacity_(capacity) {}
+    explicit store(Unit * to) : first_(to), to_(to) {}
 
-    void put(Unit unit) {
-        if (count_ < capacity_)
-            to_[count_] = unit;
-        ++count_;
-    }
-
-    /// Passes on the start of [from, end) that is ASCII, widened or narrowed.
+    void put(Unit unit) { *to_++ = unit; }
     template <class From>
-    From const * put_ascii(From const * from, From const * end) {
-        constexpr std::size_t step = 16;
-        while (std::size_t(end - from) >= step) {
-            std::make_unsigned_t<From> bits = 0;
-            for (std::size_t i = 0; i < step; ++i)
-                bits = static_cast<std::make_unsigned_t<From>>(bits | static_cast<std::make_unsigned_t<From>>(from[i]));
-            if (bits >= 0x80)
-                break;
-            if (count_ + step <= capacity_) {
-                for (std::size_t i = 0; i < step; ++i)
-                    to_[count_ + i] = static_cast<Unit>(from[i]);
-            } else if (count_ < capacity_) {
-                break;
-            }
-            count_ += step;
-            from += step;
-        }
-        return from;
+    void put_ascii(From const * from) {
+        Unit block[step]; // of its own, so that it can be made in one go
+        for (std::size_t i = 0; i < step; ++i)
+            block[i] = static_cast<Unit>(from[i]);
+        std::memcpy(to_, block, sizeof block);
+        to_ += step;
     }
-
-    uint32 result() const {
-        bool const fits = capacity_ == 0 ? count_ <= UINT32_MAX : count_ <= capacity_;
-        return fits ? static_cast<uint32>(count_) : fail(ERROR_INSUFFICIENT_BUFFER);
-    }
+    uint64 count() const { return uint64(to_ - first_); }
 
 private:
+    Unit * first_;
     Unit * to_;
-    uint32 capacity_;
+};
+
+/// Counts what would be stored.
+template <class Unit>
+class counter {
+public:
+    void put(Unit) { ++count_; }
+    template <class From>
+    void put_ascii(From const *) {
+        count_ += step;
+    }
+    uint64 count() const { return count_; }
+
+private:
     uint64 count_ = 0;
 };
+
+/// Converts [from, end), where ASCII means itself, a step at a time: whole steps of ASCII at once, the rest of a text
+/// character by character with `next(from, end, out)`.
+template <class From, class Out, class Next>
+void convert_steps(From const * from, From const * end, Out & out, Next next) {
+    while (from != end) {
+        if (std::size_t(end - from) >= step && is_ascii(from)) {
+            out.put_ascii(from);
+            from += step;
+            continue;
+        }
+        for (std::size_t i = 0; i < step && from != end; ++i)
+            next(from, end, out);
+    }
+}
+
+/// Runs `convert(out)` for its count and for its result. Without counting first if `most`, which no result of this
+/// input can pass, fits.
+template <class Unit, class Convert>
+uint32 convert_to(Unit * to, uint32 capacity, uint64 most, Convert convert) {
+    if (most > capacity) {
+        counter<Unit> needed;
+        convert(needed);
+        if (needed.count() > (capacity == 0 ? UINT32_MAX : capacity))
+            return fail(ERROR_INSUFFICIENT_BUFFER);
+        if (capacity == 0)
+            return static_cast<uint32>(needed.count());
+    }
+    store<Unit> out(to);
+    convert(out);
+    return static_cast<uint32>(out.count());
+}
 
 constexpr char16_t replacement = 0xFFFD;
 
@@ -151,80 +188,121 @@ char32_t next_character(char const *& at, char const * end) {
     return character;
 }
 
-uint32 decode_utf8(char const * from, char const * end, target<char16_t> to) {
-    while ((from = to.put_ascii(from, end)) != end) {
-        char32_t const character = next_character(from, end);
-        if (character < 0x10000) {
-            to.put(static_cast<char16_t>(character));
-        } else {
-            to.put(static_cast<char16_t>(0xD7C0 + (character >> 10)));
-            to.put(static_cast<char16_t>(0xDC00 + (character & 0x3FF)));
-        }
-    }
-    return to.result();
+uint32 decode_utf8(char const * from, char const * end, char16_t * to, uint32 capacity) {
+    return convert_to(to, capacity, uint64(end - from), [&](auto & result) {
+        convert_steps(from, end, result, [](char const *& at, char const * last, auto & out) {
+            char32_t const character = next_character(at, last);
+            if (character < 0x10000) {
+                out.put(static_cast<char16_t>(character));
+            } else {
+                out.put(static_cast<char16_t>(0xD7C0 + (character >> 10)));
+                out.put(static_cast<char16_t>(0xDC00 + (character & 0x3FF)));
+            }
+        });
+    });
 }
 
-uint32 encode_utf8(char16_t const * from, char16_t const * end, target<char> to) {
-    auto const put = [&](char32_t bits, int mark) { to.put(static_cast<char>(bits | static_cast<unsigned>(mark))); };
-    while ((from = to.put_ascii(from, end)) != end) {
-        char32_t character = *from++;
-        if ((character & 0xFC00) == 0xD800 && from != end && (*from & 0xFC00) == 0xDC00)
-            character = 0x10000 + ((character & 0x3FF) << 10) + (*from++ & 0x3FF);
-        else if ((character & 0xF800) == 0xD800)
-            character = replacement;
-        if (character < 0x80) {
-            put(character, 0);
-        } else if (character < 0x800) {
-            put(character >> 6, 0xC0);
-            put(character & 0x3F, 0x80);
-        } else if (character < 0x10000) {
+template <class Out>
+void put_utf8(char32_t character, Out & out) {
+    auto const put = [&](char32_t bits, unsigned mark) { out.put(static_cast<char>(bits | mark)); };
+    if (character < 0x80) {
+        put(character, 0);
+        return;
+    }
+    if (character < 0x800) {
+        put(character >> 6, 0xC0);
+    } else {
+        if (character < 0x10000) {
             put(character >> 12, 0xE0);
-            put(character >> 6 & 0x3F, 0x80);
-            put(character & 0x3F, 0x80);
         } else {
             put(character >> 18, 0xF0);
             put(character >> 12 & 0x3F, 0x80);
-            put(character >> 6 & 0x3F, 0x80);
-            put(character & 0x3F, 0x80);
         }
+        put(character >> 6 & 0x3F, 0x80);
     }
-    return to.result();
+    put(character & 0x3F, 0x80);
 }
 
-uint32 decode_page(code_page const & page, char const * from, char const * end, target<char16_t> to) {
-    while (from != end) {
-        if (page.ascii && (from = to.put_ascii(from, end)) == end)
-            break;
-        unsigned char const first = value(*from++);
-        if (!page.lead[first]) {
-            to.put(page.single[first]);
-            continue;
-        }
-        char16_t const unit = from == end ? code_page::undefined : page.pairs[first * 256u + value(*from)];
-        bool const pair = unit != code_page::undefined;
-        to.put(pair ? unit : replacement);
-        from += pair;
-    }
-    return to.result();
+uint32 encode_utf8(char16_t const * from, char16_t const * end, char * to, uint32 capacity) {
+    return convert_to(to, capacity, 3 * uint64(end - from), [&](auto & result) {
+        convert_steps(from, end, result, [](char16_t const *& at, char16_t const * last, auto & out) {
+            char32_t character = *at++;
+            if ((character & 0xFC00) == 0xD800 && at != last && (*at & 0xFC00) == 0xDC00)
+                character = 0x10000 + ((character & 0x3FF) << 10) + (*at++ & 0x3FF);
+            else if ((character & 0xF800) == 0xD800)
+                character = replacement;
+            put_utf8(character, out);
+        });
+    });
 }
 
-uint32 encode_page(code_page const & page, char16_t const * from, char16_t const * end, target<char> to,
-                   char default_character, bool & used_default) {
-    while (from != end) {
-        if (page.ascii && (from = to.put_ascii(from, end)) == end)
-            break;
-        char16_t const unit = *from++;
-        uint16 const code = page.bytes[unit];
-        if (code == 0 && unit != 0) {
-            to.put(default_character);
-            used_default = true;
-        } else {
+uint32 decode_single_bytes(code_page const & page, char const * from, char const * end, char16_t * to,
+                           uint32 capacity) {
+    auto const count = static_cast<uint32>(end - from);
+    if (capacity == 0)
+        return count;
+    if (capacity < count)
+        return fail(ERROR_INSUFFICIENT_BUFFER);
+    for (; end - from >= 8; from += 8, to += 8) {
+        for (int i = 0; i < 8; ++i)
+            to[i] = page.single[value(from[i])];
+    }
+    for (; from != end; ++from)
+        *to++ = page.single[value(*from)];
+    return count;
+}
+
+/// All double-byte pages have ASCII for themselves.
+uint32 decode_double_bytes(code_page const & page, char const * from, char const * end, char16_t * to,
+                           uint32 capacity) {
+    return convert_to(to, capacity, uint64(end - from), [&](auto & result) {
+        convert_steps(from, end, result, [&page](char const *& at, char const * last, auto & out) {
+            unsigned char const first = value(*at++);
+            if (!page.lead[first]) {
+                out.put(page.single[first]);
+                return;
+            }
+            char16_t const unit = at == last ? code_page::undefined : page.pairs[first * 256u + value(*at)];
+            bool const pair = unit != code_page::undefined;
+            out.put(pair ? unit : replacement);
+            at += pair;
+        });
+    });
+}
+
+uint32 encode_single_bytes(code_page const & page, char16_t const * from, char16_t const * end, char * to,
+                           uint32 capacity, char default_character, bool & used_default) {
+    auto const count = static_cast<uint32>(end - from);
+    if (capacity != 0 && capacity < count)
+        return fail(ERROR_INSUFFICIENT_BUFFER);
+    unsigned lacking = 0;
+    for (; from != end; ++from) {
+        uint16 const code = page.bytes[*from];
+        bool const lacks = code == 0 && *from != 0;
+        lacking |= lacks;
+        if (capacity != 0)
+            *to++ = lacks ? default_character : static_cast<char>(code);
+    }
+    used_default = lacking != 0;
+    return count;
+}
+
+uint32 encode_double_bytes(code_page const & page, char16_t const * from, char16_t const * end, char * to,
+                           uint32 capacity, char default_character, bool & used_default) {
+    return convert_to(to, capacity, 2 * uint64(end - from), [&](auto & result) {
+        convert_steps(from, end, result, [&](char16_t const *& at, char16_t const *, auto & out) {
+            char16_t const unit = *at++;
+            uint16 const code = page.bytes[unit];
+            if (code == 0 && unit != 0) {
+                out.put(default_character);
+                used_default = true;
+                return;
+            }
             if (code > 0xFF)
-                to.put(static_cast<char>(code >> 8));
-            to.put(static_cast<char>(code));
-        }
-    }
-    return to.result();
+                out.put(static_cast<char>(code >> 8));
+            out.put(static_cast<char>(code));
+        });
+    });
 }
 
 } // namespace
@@ -244,25 +322,29 @@ bool EnumSystemCodePagesA(std::function<bool(char const *)> const & page) {
 uint32 MultiByteToWideChar(uint32 page, char const * from, uint32 count, char16_t * to, uint32 capacity) {
     if (count == 0)
         return fail(ERROR_INVALID_PARAMETER);
-    target<char16_t> const out(to, capacity);
+    char const * const end = from + count;
     if (page == CP_UTF8)
-        return decode_utf8(from, from + count, out);
+        return decode_utf8(from, end, to, capacity);
     auto const * const tables = posix::find_page(page);
-    return tables ? decode_page(*tables, from, from + count, out) : fail(ERROR_INVALID_PARAMETER);
+    if (!tables)
+        return fail(ERROR_INVALID_PARAMETER);
+    return tables->double_bytes ? decode_double_bytes(*tables, from, end, to, capacity)
+                                : decode_single_bytes(*tables, from, end, to, capacity);
 }
 
 uint32 WideCharToMultiByte(uint32 page, char16_t const * from, uint32 count, char * to, uint32 capacity,
                            char const * default_character, bool * used_default) {
     if (count == 0)
         return fail(ERROR_INVALID_PARAMETER);
-    bool used = false;
-    target<char> const out(to, capacity);
     auto const * const tables = page == CP_UTF8 ? nullptr : posix::find_page(page);
     if (!tables && page != CP_UTF8)
         return fail(ERROR_INVALID_PARAMETER);
-    uint32 const result =
-        tables ? encode_page(*tables, from, from + count, out, default_character ? *default_character : '?', used)
-               : encode_utf8(from, from + count, out);
+    char16_t const * const end = from + count;
+    char const other = default_character ? *default_character : '?';
+    bool used = false;
+    uint32 const result = !tables                ? encode_utf8(from, end, to, capacity)
+                          : tables->double_bytes ? encode_double_bytes(*tables, from, end, to, capacity, other, used)
+                                                 : encode_single_bytes(*tables, from, end, to, capacity, other, used);
     if (result > 0 && used_default)
         *used_default = used;
     return result;
