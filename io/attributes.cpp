@@ -1,8 +1,12 @@
 #include "io/attributes.h"
 
 #include "io/exception.h"
+#include "io/file.h"
+#include "io/fork_input.h"
+#include "io/fork_output.h"
 #include "io/info_header_internal.h"
 #include "io/system_error.h"
+#include "io/system_names_internal.h"
 #include "platform/errors.h"
 #include "platform/file_times.h"
 #include "platform/files.h"
@@ -17,8 +21,6 @@ constexpr uint32 loaded_bits = platform::FILE_ATTRIBUTE_READONLY | platform::FIL
                                | platform::FILE_ATTRIBUTE_SYSTEM | platform::FILE_ATTRIBUTE_DIRECTORY
                                | platform::FILE_ATTRIBUTE_ARCHIVE | platform::FILE_ATTRIBUTE_NORMAL
                                | platform::FILE_ATTRIBUTE_TEMPORARY;
-
-wide_string system_name(any::path const & path) { return path.full_string(); }
 
 uint32 bits_of(any::path const & path) { return platform::GetFileAttributesW(system_name(path)); }
 
@@ -39,22 +41,18 @@ uint64 const * file_time(any::time const * time, uint64 & value) {
     return &value;
 }
 
-any::path sidecar_of(any::path const & path) {
-    any::path result(path);
-    if (!result.empty())
-        result.leaf() += u".info";
-    return result;
+file sidecar_of(any::path const & path) {
+    file owner(path);
+    return file(owner.info_fork().fork_name());
 }
 
-constexpr char const * fork_origin = "io::fork";
-
-/// Closes a file at the end of a block, however that is left.
-struct open_file {
-    int handle;
-    explicit open_file(int opened) : handle(opened) {}
-    open_file(open_file const &) = delete;
-    open_file & operator=(open_file const &) = delete;
-    ~open_file() { platform::CloseHandle(handle); }
+/// Closes a fork at the end of a block, however that is left.
+struct closing {
+    io::fork & fork;
+    explicit closing(io::fork & open) : fork(open) {}
+    closing(closing const &) = delete;
+    closing & operator=(closing const &) = delete;
+    ~closing() { fork.close(false); }
 };
 
 /// Seconds since 1904; 0 for a time before that, which the format has no number for.
@@ -130,19 +128,14 @@ void attributes::apply(any::path const & path, int type) const {
 }
 
 void attributes::load_bin(any::path const & path) {
-    auto const sidecar = sidecar_of(path);
-    uint32 const bits = bits_of(sidecar);
-    if (!exists(bits) || is_device(bits))
+    file sidecar = sidecar_of(path);
+    if (!sidecar.exists() || is_device(bits_of(sidecar.path())))
         return;
     std::array<char, info_header::size> bytes;
-    uint32 count = 0;
-    open_file const file(platform::CreateFileW(system_name(sidecar), platform::GENERIC_READ,
-                                               platform::FILE_SHARE_READ | platform::FILE_SHARE_WRITE,
-                                               platform::OPEN_EXISTING, 0));
-    if (file.handle == platform::INVALID_HANDLE_VALUE)
-        raise_system_error(sidecar, "cannot open", fork_origin);
-    if (!platform::ReadFile(file.handle, bytes.data(), info_header::size, count))
-        raise_system_error(sidecar, "cannot read from", fork_origin);
+    fork & stored = sidecar.data_fork();
+    stored.open();
+    closing const at_end(stored);
+    uint32 const count = fork_input(stored).read(bytes.data(), info_header::size);
     if (count < info_header::least_size)
         return;
     info_header header;
@@ -155,21 +148,18 @@ void attributes::load_bin(any::path const & path) {
 }
 
 void attributes::apply_bin(any::path const & path) const {
-    auto const sidecar = sidecar_of(path);
+    file sidecar = sidecar_of(path);
     // Before the old sidecar goes.
     auto const bytes =
         info_header{mac_file.value().info, mac_seconds(created.value()), mac_seconds(modified.value())}.write();
-    if (is_device(bits_of(sidecar))) {
+    if (is_device(bits_of(sidecar.path()))) {
         platform::SetLastError(platform::ERROR_ACCESS_DENIED);
-        raise_system_error(sidecar, "cannot create", fork_origin);
+        raise_system_error(sidecar.path(), "cannot create", "io::fork");
     }
-    open_file const file(platform::CreateFileW(system_name(sidecar), platform::GENERIC_READ | platform::GENERIC_WRITE,
-                                               platform::FILE_SHARE_READ, platform::CREATE_ALWAYS, 0));
-    if (file.handle == platform::INVALID_HANDLE_VALUE)
-        raise_system_error(sidecar, "cannot create", fork_origin);
-    uint32 done = 0;
-    if (!platform::WriteFile(file.handle, bytes.data(), info_header::size, done))
-        raise_system_error(sidecar, "cannot write to", fork_origin);
+    fork & stored = sidecar.data_fork();
+    stored.create(true);
+    closing const at_end(stored);
+    fork_output(stored).write(bytes.data(), info_header::size);
 }
 
 void attributes::get_time(any::path const & path, any::time * created, any::time * modified) {

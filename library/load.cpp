@@ -3,10 +3,12 @@
 #include "any/converter.h"
 #include "any/name.h"
 #include "any/path.h"
+#include "io/item.h"
 #include "nio/platform_internal.h"
 #include "nio/time_internal.h"
 #include "platform/backup.h"
 #include "platform/clock.h"
+#include "platform/directories.h"
 #include "platform/environment.h"
 #include "un/exception.h"
 #include "un/timer.h"
@@ -32,6 +34,17 @@ struct timer_start : un::timer {
 } const start_timer;
 
 } // namespace
+
+// Whether names can go to the system in 16 bits.
+
+bool io::wide_calls = [] {
+    platform::WIN32_FIND_DATAW found;
+    platform::file_search * const search = platform::FindFirstFileW(u".", found);
+    if (search != nullptr) {
+        platform::FindClose(search);
+    }
+    return search != nullptr;
+}();
 
 // Whether this is the system with NTFS streams. There, backups may go past what the user could open otherwise.
 

@@ -1,0 +1,134 @@
+#include "io/item.h"
+
+#include "io/exception.h"
+#include "io/file.h"
+#include "io/system_error.h"
+#include "io/system_names_internal.h"
+#include "platform/directories.h"
+#include "platform/files.h"
+#include "platform/paths.h"
+#include "platform/shell_links.h"
+#include "un/digits.h"
+
+#include <cwctype>
+
+namespace io {
+
+namespace {
+
+constexpr char const * origin = "io::item";
+
+bool is_drive(wide_string const & element) { return element.size() == 2 && element[1] == u':'; }
+
+} // namespace
+
+bool safe_char(char16_t unit) {
+    constexpr std::u16string_view unsafe = u"\"*/:<>?\\|";
+    return unit >= 32 && unsafe.find(unit) == std::u16string_view::npos && (wide_calls || unit <= 127);
+}
+
+item::item() = default;
+item::item(any::path const & path) : path_(path) {}
+item::item(item const &) = default;
+item & item::operator=(item const &) = default;
+item::~item() = default;
+
+bool item::create(bool) { throw exception("cannot be created generically", origin, 0); }
+
+void item::unlink(bool report) {
+    if (!directory())
+        file(*this).unlink(report);
+    else if (!platform::RemoveDirectoryW(system_name(path_)) && report)
+        throw exception("cannot delete " + path_.full_string().str(true), "io::directory", 0);
+}
+
+void item::load_attributes(int type) { attributes_.load(path_, type); }
+
+void item::apply_attributes(int type) const {
+    if (exists())
+        attributes_.apply(path_, type);
+}
+
+bool item::exists() const {
+    return platform::GetFileAttributesW(system_name(path_)) != platform::INVALID_FILE_ATTRIBUTES;
+}
+
+bool item::directory() const {
+    uint32 const bits = platform::GetFileAttributesW(system_name(path_));
+    return bits != platform::INVALID_FILE_ATTRIBUTES && (bits & platform::FILE_ATTRIBUTE_DIRECTORY) != 0;
+}
+
+bool item::link() const {
+    if (path_.empty())
+        return false;
+    any::string extension = path_.leaf_ext();
+    for (char16_t & unit : extension)
+        unit = static_cast<char16_t>(std::towlower(unit));
+    return extension == u".lnk";
+}
+
+bool item::normalize() {
+    bool changed = false;
+    for (auto element = path_.begin(); element != path_.end(); ++element) {
+        if (element == path_.begin() && is_drive(*element))
+            continue;
+        for (char16_t & unit : *element) {
+            if (!safe_char(unit)) {
+                unit = u'_';
+                changed = true;
+            }
+        }
+    }
+    return changed;
+}
+
+bool item::make_unique(int tries) {
+    if (!exists())
+        return false;
+    wide_string const leaf = path_.leaf();
+    auto const stop = std::min(leaf.find(u'.'), leaf.size());
+    for (int i = 1; i <= tries; ++i) {
+        auto const number = un::write(static_cast<uint64>(i), 10, 1);
+        path_.leaf() = leaf.substr(0, stop) + u'_' + wide_string(number.begin(), number.end()) + leaf.substr(stop);
+        if (!exists())
+            return true;
+    }
+    throw exception("cannot resolve name conflict for " + path_.full_string().str(true), origin, 0);
+}
+
+void item::make_absolute() {
+    wide_string full;
+    if (platform::GetFullPathNameW(system_name(path_), full))
+        path_ = any::path(full, true);
+}
+
+bool item::resolve_link() {
+    if (!link())
+        return true;
+    wide_string target;
+    if (!platform::ResolveShellLink(system_name(path_), target))
+        return false;
+    path_ = any::path(target, true);
+    return true;
+}
+
+void item::move(any::path const & target) {
+    if (!_move(target))
+        raise_system_error(path_, "cannot move/rename to", origin);
+}
+
+void item::rename(any::string const & leaf) {
+    any::path target(path_);
+    target.to_parent();
+    target.add_leaf(leaf);
+    if (!_move(target))
+        raise_system_error(path_, "cannot rename to", origin);
+}
+
+bool item::_move(any::path const & target) {
+    auto const from = system_name(path_);
+    path_ = target;
+    return platform::MoveFileW(from, system_name(path_));
+}
+
+} // namespace io

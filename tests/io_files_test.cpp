@@ -1,0 +1,229 @@
+#include "io/exception.h"
+#include "io/file.h"
+#include "io/fork_input.h"
+#include "io/fork_output.h"
+#include "support/scratch.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+
+namespace {
+
+/// The exception that a call throws, as `origin: message: error`, without path and text; or nothing.
+std::string thrown(auto && call) {
+    try {
+        call();
+        return "";
+    } catch (io::exception const & e) {
+        return e.origin() + ": " + e.message().substr(0, e.message().find(" \"")) + ": " + std::to_string(e.error());
+    }
+}
+
+/// Runs a test with names in both forms.
+struct disk : testing::TestWithParam<bool> {
+    disk() { io::wide_calls = GetParam(); }
+    ~disk() override { io::wide_calls = true; }
+
+    any::path path(std::string const & name) const { return {files.path(name), true}; }
+    io::file file(std::string const & name) const { return io::file(path(name)); }
+    /// A name in the folder that cannot be made under the host's own form.
+    any::path raw(char16_t const * name) const { return any::path(files.path(""), true) + any::string(name); }
+
+    scratch files;
+};
+
+INSTANTIATE_TEST_SUITE_P(names, disk, testing::Bool());
+
+TEST(items, wide_calls_are_found_out_at_load) { EXPECT_TRUE(io::wide_calls); }
+
+TEST(items, normalize_keeps_only_a_drive_in_front) {
+    struct {
+        std::vector<wide_string> elements;
+        wide_string result;
+        bool wide;
+    } const cases[] = {
+        {{u"C:", u"a?b", u"c*d"}, u"C:\\a_b\\c_d", true},
+        {{u"AB", u"C:", u"x"}, u"AB\\C_\\x", true},
+        {{u"C:x", u"a:"}, u"C_x\\a_", true},
+        {{u"\x1F\"</>|\\", u" \x7F\x80."}, u"_______\\ \x7F\x80.", true},
+        {{u"é"}, u"_", false},
+        {{u"plain", u".."}, u"plain\\..", false},
+    };
+    for (auto const & [elements, result, wide] : cases) {
+        io::wide_calls = wide;
+        io::item item;
+        for (auto const & element : elements)
+            item.path().push_back(element);
+        bool const differs = item.path().full_string() != result;
+        EXPECT_EQ(item.normalize(), differs);
+        EXPECT_EQ(item.path().full_string(), result);
+        io::wide_calls = true;
+    }
+}
+
+TEST_P(disk, make_unique_counts_before_the_first_full_stop) {
+    for (char const * name : {"a.b.c", "a_1.b.c", "plain", ".profile"})
+        files.write(name, "");
+    struct {
+        char const * name;
+        int tries;
+        bool changed;
+        char const * leaf;
+        std::string error;
+    } const cases[] = {
+        {"missing", 0, false, "missing", ""},
+        {"a.b.c", 9, true, "a_2.b.c", ""},
+        {"plain", 9, true, "plain_1", ""},
+        {".profile", 9, true, "_1.profile", ""},
+        {"plain", 0, false, "plain", "io::item: cannot resolve name conflict for "},
+        {"a.b.c", 1, false, "a_1.b.c", "io::item: cannot resolve name conflict for "},
+    };
+    for (auto const & [name, tries, changed, leaf, error] : cases) {
+        io::item item(path(name));
+        EXPECT_EQ(thrown([&] { EXPECT_EQ(item.make_unique(tries), changed); }).substr(0, error.size()), error);
+        EXPECT_EQ(item.path().leaf().str(true), leaf);
+    }
+}
+
+TEST_P(disk, moves_leave_side_forks_and_never_replace) {
+    files.write("a", "a");
+    files.write("a.rsrc", "r");
+    files.write("b", "b");
+    io::file a = file("a");
+    EXPECT_EQ(thrown([&] { a.move(path("b")); }), "io::item: cannot move/rename to: 183");
+    EXPECT_EQ(a.path().leaf(), u"b");
+    a.path() = path("a");
+    EXPECT_EQ(thrown([&] { a.rename(any::string(u"b")); }), "io::item: cannot rename to: 183");
+    a.path() = path("a");
+    a.rename(any::string(u"c"));
+    EXPECT_EQ(files.read("c") + files.read("a.rsrc") + files.read("b"), "arb");
+    EXPECT_EQ(a.rsrc_fork().fork_name().leaf(), u"c.rsrc");
+}
+
+TEST_P(disk, a_file_exists_while_any_fork_does) {
+    for (char const * fork : {"f", "f.rsrc", "f.info"}) {
+        files.write(fork, "");
+        EXPECT_TRUE(file("f").exists());
+        EXPECT_EQ(file("f").io::item::exists(), std::string("f") == fork);
+        std::filesystem::remove(files.host(fork));
+    }
+    EXPECT_FALSE(file("f").exists());
+    EXPECT_EQ(io::file().rsrc_fork().fork_name().size(), 0u);
+}
+
+TEST_P(disk, create_mends_a_name_that_cannot_be_made) {
+    files.write("x_y", "old");
+    io::file made(raw(u"x?y"));
+    EXPECT_TRUE(made.create(true)); // not over another file
+    made.data_fork().write("new", 3);
+    made.data_fork().close(true);
+    EXPECT_EQ(made.path().leaf(), u"x_y_1");
+    EXPECT_EQ(files.read("x_y") + files.read("x_y_1"), "oldnew");
+
+    io::file there = file("x_y");
+    EXPECT_EQ(thrown([&] { there.create(false); }), "io::fork: cannot create: 80");
+    EXPECT_FALSE(there.create(true));
+    there.data_fork().close(true);
+    EXPECT_EQ(files.read("x_y"), "");
+    EXPECT_FALSE(files.exists("x_y.rsrc") || files.exists("x_y.info"));
+
+    io::file lost(any::path(files.path("no/folder?"), true) + any::string(u"a?"));
+    any::path const before = lost.path();
+    EXPECT_EQ(thrown([&] { lost.create(false); }), "io::fork: cannot create: 3");
+    EXPECT_EQ(lost.path().full_string(), before.full_string());
+}
+
+TEST_P(disk, a_closed_fork_answers_without_opening) {
+    files.write("f", "four");
+    ASSERT_EQ(mkfifo(files.host("pipe").c_str(), 0600), 0);
+    std::filesystem::create_directory(files.host("folder"));
+    struct {
+        char const * name;
+        uint64 size;
+        std::string error;
+    } const cases[] = {
+        {"f", 4, ""},
+        {"pipe", 0, ""},
+        {"folder", 0, "io::fork: cannot open: 5"},
+        {"missing", 0, "io::fork: cannot open: 2"},
+    };
+    for (auto const & [name, size, error] : cases) {
+        SCOPED_TRACE(name);
+        io::file f = file(name);
+        auto & fork = f.data_fork();
+        EXPECT_EQ(fork.size(), size);
+        EXPECT_FALSE(fork.descriptor().valid());
+        EXPECT_EQ(fork.tell(), all_ones);
+        EXPECT_FALSE(fork.seek(1));
+        fork.resize(1);
+        fork.flush(true);
+        fork.close(true);
+        char byte = 0;
+        EXPECT_EQ(fork.read(&byte, 0), 0u);
+        EXPECT_EQ(thrown([&] { fork.read(&byte, 1); }), "io::fork: cannot read from: 6");
+        EXPECT_EQ(thrown([&] { fork.write(&byte, 1); }), "io::fork: cannot write to: 6");
+        EXPECT_EQ(thrown([&] { fork.open(); }), error);
+        fork.close(true);
+    }
+    EXPECT_EQ(files.read("f"), "four");
+    EXPECT_EQ(thrown([&] { file("missing").data_fork().open_rw(); }), "io::fork: cannot open_rw: 2");
+    EXPECT_EQ(thrown([&] { file("missing").data_fork().unlink(true); }), "io::fork: cannot delete: 2");
+    EXPECT_EQ(thrown([&] { file("missing").unlink(true); }), "");
+}
+
+TEST_P(disk, resize_keeps_the_position_within_the_fork) {
+    io::file f = file("f");
+    f.create(false);
+    auto & fork = f.data_fork();
+    for (auto const & [at, size, then] : {std::array<uint64, 3>{100, 200, 100}, {100, 10, 10}, {0x100000000, 5, 5}}) {
+        fork.seek(at);
+        fork.resize(size);
+        EXPECT_EQ(fork.tell(), then);
+        EXPECT_EQ(fork.size(), size);
+    }
+    io::file second(f);
+    EXPECT_FALSE(second.data_fork().descriptor().valid());
+    EXPECT_EQ(thrown([&] { second.data_fork().open_rw(); }), "io::fork: cannot open_rw: 32");
+    fork.close(true);
+    fork.open();
+    EXPECT_EQ(thrown([&] { fork.resize(1); }), "io::fork: cannot resize: 5");
+    fork.unlink(true);
+    EXPECT_FALSE(f.exists());
+}
+
+TEST_P(disk, fork_streams_seek_instead_of_reading) {
+    io::file f = file("f");
+    auto & fork = f.rsrc_fork();
+    fork.create(false);
+    {
+        io::fork_output out(fork);
+        out.write(std::string("a\0\xFF", 3));
+        out.fill(97, 'z');
+        EXPECT_EQ(out.tell(), 100u);
+    }
+    EXPECT_EQ(fork.tell(), 100u); // still open
+    {
+        io::fork_input in(fork);
+        EXPECT_EQ(in.size(), 100u);
+        in.seek(0);
+        EXPECT_EQ(in.read(), 'a');
+        in.unread('x');
+        EXPECT_EQ(in.read(), 'a');
+        EXPECT_EQ(in.read(), 0);
+        EXPECT_EQ(in.read(), 255);
+        EXPECT_THROW(in.unread("wxyz", 4), stream::exception);
+        EXPECT_EQ(in.tell(), 3u);
+        in.seek(95);
+        EXPECT_EQ(in.skip(10), 5u);
+        EXPECT_EQ(in.read(), -1);
+        in.seek(200);
+        EXPECT_EQ(in.skip(10), 0u);
+        EXPECT_EQ(in.tell(), 200u);
+    }
+    io::fork_output(fork).resize(1);
+    io::fork_output(fork).close();
+    EXPECT_FALSE(fork.descriptor().valid());
+    EXPECT_EQ(files.read("f.rsrc"), "a");
+}
+
+} // namespace
