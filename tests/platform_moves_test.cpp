@@ -165,6 +165,49 @@ TEST(platform_moves, take_streams_to_another_volume) {
     detach_volume('M');
 }
 
+TEST(platform_moves, hold_where_the_host_promises_less) {
+    scratch const folder;
+    for (bool const links : {true, false}) {
+        static bool refuse_links;
+        refuse_links = !links;
+        posix::host::fault = [](char const * name) {
+            std::string_view const call = name;
+            return call == "rename_no_replace" || (refuse_links && call == "link") ? EPERM : 0;
+        };
+        folder.write("file", "bytes");
+        folder.write("there", "there");
+        fs::create_directories(folder.host("tree/sub"));
+        EXPECT_EQ(code(MoveFileW(folder.path("file"), folder.path("there"))), 183u);
+        EXPECT_EQ(code(MoveFileW(folder.path("file"), folder.path("moved"))), 0u);
+        EXPECT_EQ(code(MoveFileW(folder.path("tree"), folder.path("branch"))), 0u);
+        posix::host::fault = nullptr;
+        EXPECT_EQ(folder.read("moved"), "bytes");
+        EXPECT_EQ(folder.read("there"), "there");
+        EXPECT_TRUE(folder.exists("branch/sub"));
+        fs::remove(folder.host("moved"));
+        fs::remove_all(folder.host("branch"));
+    }
+}
+
+TEST(platform_moves, leave_a_file_that_changes_meanwhile) {
+    scratch const folder;
+    elsewhere const other;
+    if (!other.differs_from(folder))
+        GTEST_SKIP() << "there is one file system only";
+    folder.write("file", "bytes");
+    static scratch const * where;
+    where = &folder;
+    posix::host::fault = [](char const * call) {
+        if (std::string_view(call) == "chown")
+            std::ofstream(where->host("file"), std::ios::app) << " and more";
+        return 0;
+    };
+    EXPECT_EQ(code(MoveFileW(folder.path("file"), other.path("file"))), ERROR_SHARING_VIOLATION);
+    posix::host::fault = nullptr;
+    EXPECT_EQ(folder.read("file"), "bytes and more");
+    EXPECT_EQ(other.entries(), 0u);
+}
+
 int calls_left = 0;
 
 TEST(platform_moves, lose_nothing_wherever_they_fail) {
@@ -172,7 +215,7 @@ TEST(platform_moves, lose_nothing_wherever_they_fail) {
     elsewhere const other;
     if (!other.differs_from(folder))
         GTEST_SKIP() << "there is one file system only";
-    for (int const error : {EIO, ENOSPC, EROFS, ENOSYS}) {
+    for (int const error : {EIO, ENOSPC, EROFS, EPERM}) {
         for (bool const across : {true, false}) {
             for (int n = 1;; ++n) {
                 SCOPED_TRACE(std::to_string(error) + (across ? " across, " : " within, ") + std::to_string(n));

@@ -79,8 +79,13 @@ uint32 copy_attributes(narrow_string const & from, narrow_string const & to) {
     for (char const * name = names.data(); name < end; name += narrow_string(name).size() + 1) {
         narrow_string const text = name;
         narrow_string value;
-        if (!text.starts_with("user.") || text == owner_attribute || !get_attribute(from, name, true, value))
+        if (!text.starts_with("user.") || text == owner_attribute)
             continue;
+        if (!get_attribute(from, name, true, value)) {
+            if (errno == ENODATA)
+                continue;
+            return code_of(errno);
+        }
         int const error = set_attribute(to, name, value);
         if (error == ENOTSUP)
             return 0; // kept where the host can
@@ -92,28 +97,29 @@ uint32 copy_attributes(narrow_string const & from, narrow_string const & to) {
 
 uint32 code_if(bool failed) { return failed ? GetLastError() : 0; }
 
+uint32 copy_all_streams(resolved_path const & from, volume const & on, narrow_string const & path) {
+    std::vector<wide_string> names;
+    uint32 const code = from.on->streams ? from.on->streams->list(from.host, names) : 0;
+    if (code != 0 || names.empty())
+        return code;
+    return on.streams ? copy_streams(*from.on->streams, from.host, *on.streams, path) : ERROR_NOT_SUPPORTED;
+}
+
 /// Everything but the name, into a file that is open already.
-uint32 copy_all(resolved_path const & from, int source, volume const & on, narrow_string const & path, int target) {
-    struct stat status {};
-    if (host::fstat(source, &status) != 0)
+uint32 copy_all(resolved_path const & from, int source, struct stat const & status, volume const & on,
+                narrow_string const & path, int target) {
+    // First, since the streams take the owner and the bits that the file has then.
+    bool const owned = host::chown(path, status.st_uid, status.st_gid) == 0; // as far as the user may
+    mode_t const mode = status.st_mode & (owned ? 07777 : 0777);
+    if (host::chmod(path, mode | S_IWUSR) != 0)
         return code_of(errno);
     if (uint32 const code = copy_bytes(source, target))
         return code;
-    if (from.on->streams) {
-        std::vector<wide_string> names;
-        if (uint32 const code = from.on->streams->list(from.host, names))
-            return code;
-        if (!names.empty() && !on.streams)
-            return ERROR_NOT_SUPPORTED;
-        if (!names.empty()) {
-            if (uint32 const code = copy_streams(*from.on->streams, from.host, *on.streams, path))
-                return code;
-        }
-    }
+    if (uint32 const code = copy_all_streams(from, on, path))
+        return code;
     if (uint32 const code = copy_attributes(from.host, path))
         return code;
-    host::chown(path, status.st_uid, status.st_gid); // as far as the user may
-    if (host::chmod(path, status.st_mode & 07777) != 0)
+    if (host::chmod(path, mode) != 0)
         return code_of(errno);
     uint32 const bits = GetFileAttributesW(from_host(from.host));
     if (uint32 const code = code_if(bits == INVALID_FILE_ATTRIBUTES || !SetFileAttributesW(from_host(path), bits)))
@@ -125,6 +131,23 @@ uint32 copy_all(resolved_path const & from, int source, volume const & on, narro
     return host::fsync(target) == 0 ? 0 : code_of(errno);
 }
 
+/// Whether the open file is still what it was, and still the one at `path`: somebody may write without asking.
+bool unchanged(int file, struct stat const & before, narrow_string const & path) {
+    struct stat now {};
+    struct stat there {};
+    return host::fstat(file, &now) == 0 && host::lstat(path, &there) == 0 && there.st_dev == before.st_dev
+           && there.st_ino == before.st_ino && now.st_size == before.st_size
+           && now.st_mtim.tv_sec == before.st_mtim.tv_sec && now.st_mtim.tv_nsec == before.st_mtim.tv_nsec;
+}
+
+/// Lets a new name in a folder last.
+uint32 sync_folder(narrow_string const & path) {
+    descriptor_guard const folder = open_descriptor(path, O_RDONLY | O_DIRECTORY);
+    if (folder.get() < 0)
+        return errno == EACCES ? 0 : code_of(errno); // one that may be written, but not read
+    return host::fsync(folder.get()) == 0 || errno == EINVAL ? 0 : code_of(errno);
+}
+
 uint32 move_file(resolved_path const & from, resolved_path const & to) {
     descriptor_guard const source = open_descriptor(from.host, O_RDONLY | O_NOFOLLOW | O_NONBLOCK);
     if (source.get() < 0)
@@ -132,6 +155,9 @@ uint32 move_file(resolved_path const & from, resolved_path const & to) {
     // Whoever writes there would write to what is about to go.
     if (host::flock(source.get(), LOCK_SH | LOCK_NB) != 0 && errno == EWOULDBLOCK)
         return ERROR_SHARING_VIOLATION;
+    struct stat status {};
+    if (host::fstat(source.get(), &status) != 0)
+        return code_of(errno);
     narrow_string name;
     if (uint32 const code = free_name(to.host, name))
         return code;
@@ -139,14 +165,15 @@ uint32 move_file(resolved_path const & from, resolved_path const & to) {
     if (target.get() < 0)
         return code_at(to.host, errno);
     unfinished copy(*to.on, name);
-    if (uint32 const code = copy_all(from, source.get(), *to.on, name, target.get()))
+    if (uint32 const code = copy_all(from, source.get(), status, *to.on, name, target.get()))
         return code;
     if (int const error = rename_unless_there(name, to.host))
         return code_of(error);
     copy.renamed(to.host);
-    descriptor_guard const folder = open_descriptor(folder_of(to.host), O_RDONLY | O_DIRECTORY);
-    if (folder.get() < 0 || (host::fsync(folder.get()) != 0 && errno != EINVAL))
-        return code_of(errno);
+    if (uint32 const code = sync_folder(folder_of(to.host)))
+        return code;
+    if (!unchanged(source.get(), status, from.host))
+        return ERROR_SHARING_VIOLATION;
     unfinished old(*from.on, from.host);
     int const error = old.remove();
     old.keep();
@@ -164,10 +191,11 @@ uint32 move_link(resolved_path const & from, resolved_path const & to) {
     target[size] = '\0';
     if (host::symlink(target, to.host) != 0)
         return code_at(to.host, errno);
-    if (host::unlink(from.host) == 0)
-        return 0;
-    uint32 const code = code_of(errno);
-    host::unlink(to.host);
+    uint32 code = sync_folder(folder_of(to.host));
+    if (code == 0 && host::unlink(from.host) != 0)
+        code = code_of(errno);
+    if (code != 0)
+        host::unlink(to.host);
     return code;
 }
 
@@ -202,28 +230,31 @@ uint32 move_between(resolved_path const & from, resolved_path const & to) {
 }
 
 int rename_unless_there(narrow_string const & from, narrow_string const & to) {
+    auto const cannot_promise = [](int error) {
+        return error == EINVAL || error == ENOSYS || error == ENOTSUP || error == EPERM || error == EMLINK;
+    };
     if (host::rename_no_replace(from, to) == 0)
         return 0;
-    if (errno != EINVAL && errno != ENOSYS)
+    if (!cannot_promise(errno) || to.starts_with(from + '/'))
         return errno;
-    int const refused = errno;
     struct stat status {};
     if (host::lstat(from, &status) != 0)
         return errno;
-    if (S_ISDIR(status.st_mode)) {
-        if (to.starts_with(from + '/'))
-            return refused;
-        // No way that holds in a race.
-        struct stat there {};
-        return host::lstat(to, &there) == 0 ? EEXIST : host::rename(from, to) == 0 ? 0 : errno;
+    if (!S_ISDIR(status.st_mode)) {
+        if (host::link(from, to) == 0) {
+            if (host::unlink(from) == 0)
+                return 0;
+            int const error = errno;
+            host::unlink(to);
+            return error;
+        }
+        if (!cannot_promise(errno))
+            return errno;
     }
-    if (host::link(from, to) != 0)
-        return errno;
-    if (host::unlink(from) == 0)
-        return 0;
-    int const error = errno;
-    host::unlink(to);
-    return error;
+    // No way that holds in a race.
+    if (host::lstat(to, &status) == 0)
+        return EEXIST;
+    return host::rename(from, to) == 0 ? 0 : errno;
 }
 
 } // namespace platform::posix

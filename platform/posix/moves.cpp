@@ -7,6 +7,7 @@
 #include "platform/posix/resolve.h"
 
 #include <cerrno>
+#include <vector>
 
 namespace platform {
 
@@ -22,6 +23,14 @@ bool same_entry(narrow_string const & a, narrow_string const & b) {
     return a.substr(cut(a)) == b.substr(cut(b)) && host::stat(a.substr(0, cut(a)), &first) == 0
            && host::stat(b.substr(0, cut(b)), &second) == 0 && first.st_dev == second.st_dev
            && first.st_ino == second.st_ino;
+}
+
+/// Lets the streams of a file know where it is now, as far as that works: they find it without, too.
+void note_name(resolved_path const & at) {
+    std::vector<wide_string> names;
+    narrow_string host;
+    if (at.on->streams && at.on->streams->list(at.host, names) == 0 && !names.empty())
+        at.on->streams->locate(at.host, names.front(), true, host);
 }
 
 uint32 move(std::u16string_view from_path, std::u16string_view to_path) {
@@ -47,9 +56,14 @@ uint32 move(std::u16string_view from_path, std::u16string_view to_path) {
     // A folder's streams lie within its volume, as far as one rename goes.
     int const error = from.on == to.on ? rename_unless_there(from.host, to.host) : EXDEV;
     switch (error) {
-    case 0: return 0;
-    case EXDEV: return move_between(from, to);
-    case EINVAL: return ERROR_SHARING_VIOLATION; // into itself
+    case 0: note_name(to); return 0;
+    case EXDEV: {
+        uint32 const code = move_between(from, to);
+        if (code == 0)
+            note_name(to);
+        return code;
+    }
+    case EINVAL: return S_ISDIR(status.st_mode) ? ERROR_SHARING_VIOLATION : code_of(error); // into itself
     default: return code_at(to.host, error);
     }
 }
