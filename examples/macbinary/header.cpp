@@ -1,9 +1,11 @@
 #include "header.h"
 
 #include "io/exception.h"
-#include "nio/time.h"
+#include "nio/blocks.h"
 #include "stream/endian_input.h"
+#include "stream/endian_output.h"
 #include "stream/vector_input.h"
+#include "stream/vector_output.h"
 #include "un/digits.h"
 
 #include <algorithm>
@@ -13,9 +15,8 @@
 
 namespace {
 
-constexpr uint32 header_size = 128;
 constexpr std::size_t crc_offset = 124;
-constexpr std::size_t longest_name = 63;
+constexpr unsigned char second_generation = 129;
 
 /// CRC-16/XMODEM.
 uint16 crc_16(byte_vector const & data, std::size_t count) {
@@ -31,52 +32,18 @@ uint16 crc_16(byte_vector const & data, std::size_t count) {
 /// The first bytes of the file, fewer if it is shorter.
 byte_vector start_of(narrow_string const & path) {
     std::ifstream file(path, std::ios::binary);
-    byte_vector bytes(header_size);
-    file.read(reinterpret_cast<char *>(bytes.data()), header_size);
+    byte_vector bytes(header::size);
+    file.read(reinterpret_cast<char *>(bytes.data()), header::size);
     if (!file.is_open() || file.bad())
         throw io::exception("cannot be read", path, 0);
     bytes.resize(static_cast<std::size_t>(file.gcount()));
     return bytes;
 }
 
-} // namespace
-
-void header::read(stream::input & input) {
-    stream::big_endian_input in(input);
-    zeros = in.read8();
-    name_length = in.read8();
-    name.resize(longest_name);
-    in.read(name.data(), longest_name);
-    name.resize(std::min(name_length, longest_name));
-    finder.type.read(in, true);
-    finder.creator.read(in, true);
-    finder.flags = static_cast<uint16>(in.read8() << 8);
-    zeros |= in.read8();
-    finder.location.read(in, true);
-    in.skip(3);
-    zeros |= in.read8();
-    data_length = in.read32();
-    resource_length = in.read32();
-    created = in.read32();
-    modified = in.read32();
-    in.skip(2);
-    finder.flags |= in.read8();
-    in.skip(20);
-    version = in.read8();
-    in.skip(1);
-    crc = in.read16();
-}
-
-bool header::plausible() const {
-    return zeros == 0 && name_length >= 1 && name_length <= longest_name && name.find('\0') == narrow_string::npos
-           && data_length <= 0x7FFFFFFF && resource_length <= 0x7FFFFFFF;
-}
-
-header header_of(narrow_string const & path) {
-    auto const bytes = start_of(path);
-    if (bytes.size() < header_size) {
+header header_in(byte_vector const & bytes, narrow_string const & path) {
+    if (bytes.size() < header::size) {
         throw io::exception("is too short for a MacBinary header: " + std::to_string(bytes.size()) + " of "
-                                + std::to_string(header_size) + " bytes",
+                                + std::to_string(header::size) + " bytes",
                             path, 0);
     }
     header result;
@@ -92,6 +59,76 @@ header header_of(narrow_string const & path) {
     return result;
 }
 
+} // namespace
+
+void header::read(stream::input & input) {
+    stream::big_endian_input in(input);
+    zeros = in.read8();
+    name_length = in.read8();
+    name.resize(longest_name);
+    in.read(name.data(), longest_name);
+    name.resize(std::min<std::size_t>(name_length, longest_name));
+    finder.type.read(in, true);
+    finder.creator.read(in, true);
+    finder.flags = static_cast<uint16>(in.read8() << 8);
+    zeros |= in.read8();
+    finder.location.read(in, true);
+    in.skip(3);
+    zeros |= in.read8();
+    data_length = in.read32();
+    resource_length = in.read32();
+    created = in.read32();
+    modified = in.read32();
+    in.skip(2);
+    finder.flags |= in.read8();
+    in.skip(18);
+    second_length = in.read16();
+    version = in.read8();
+    in.skip(1);
+    crc = in.read16();
+}
+
+void header::write(stream::output & output) const {
+    byte_vector bytes;
+    stream::vector_output memory(bytes);
+    stream::big_endian_output out(memory);
+    out.write8(0);
+    out.write8(static_cast<unsigned char>(name.size()));
+    out.write(name);
+    nio::fill(out, longest_name - name.size(), 0, size);
+    finder.type.write(out);
+    finder.creator.write(out);
+    out.write8(static_cast<unsigned char>(finder.flags >> 8));
+    out.write8(0);
+    finder.location.write(out);
+    nio::fill(out, 4, 0, size);
+    out.write32(data_length);
+    out.write32(resource_length);
+    out.write32(created);
+    out.write32(modified);
+    nio::fill(out, 2, 0, size);
+    out.write8(static_cast<unsigned char>(finder.flags));
+    nio::fill(out, 20, 0, size);
+    out.write8(second_generation);
+    out.write8(second_generation);
+    out.write16(crc_16(bytes, crc_offset));
+    nio::fill(out, 2, 0, size);
+    output.write(reinterpret_cast<char const *>(bytes.data()), size);
+}
+
+bool header::plausible() const {
+    return zeros == 0 && name_length >= 1 && name_length <= longest_name && name.find('\0') == narrow_string::npos
+           && data_length <= longest_fork && resource_length <= longest_fork;
+}
+
+header header_of(narrow_string const & path) { return header_in(start_of(path), path); }
+
+header header_of(stream::input & input, narrow_string const & path) {
+    byte_vector bytes(header::size);
+    bytes.resize(input.read(reinterpret_cast<char *>(bytes.data()), header::size));
+    return header_in(bytes, path);
+}
+
 narrow_string local_date(uint32 seconds) {
     nio::time time;
     time.set(seconds, nio::time::format_mac_seconds);
@@ -104,6 +141,17 @@ narrow_string local_date(uint32 seconds) {
     auto const two = [](auto count) { return un::write(static_cast<uint64>(count), 10, 2); };
     return std::to_string(int(date.year())) + '-' + two(unsigned(date.month())) + '-' + two(unsigned(date.day())) + ' '
            + two(clock.hours().count()) + ':' + two(clock.minutes().count()) + ':' + two(clock.seconds().count());
+}
+
+uint32 mac_seconds(nio::time const & time) {
+    constexpr uint64 second = 10'000'000;
+    nio::time first;
+    first.set(0, nio::time::format_mac_seconds);
+    nio::time last;
+    last.set(0xFFFFFFFF, nio::time::format_mac_seconds);
+    if (time.file_time() >= last.file_time() + second)
+        return 0xFFFFFFFF;
+    return time.file_time() < first.file_time() ? 0 : static_cast<uint32>(time.get(nio::time::format_mac_seconds));
 }
 
 narrow_string hex_16(uint16 value) { return "0x" + un::write(value, 16, 4); }

@@ -1,8 +1,9 @@
 // Shows what the headers of MacBinary files say: how a Macintosh file, its two forks and what the Finder knows of it
-// travel in one file of bytes.
+// travel in one file of bytes. Unpacks such files into files with side forks, and packs them again.
 
 #include "header.h"
 #include "mac_roman.h"
+#include "packing.h"
 #include "xml_report.h"
 
 #include "command/line.h"
@@ -30,13 +31,12 @@ void show(narrow_string const & path, header const & h) {
               << '\n';
 }
 
-/// Hands the headers of the files to `report` one by one, and gives whether all of them could be read.
-bool each_header(std::vector<narrow_string> const & paths,
-                 std::function<void(narrow_string const &, header const &)> const & report) {
+/// Does the work for the files one by one, and gives whether it was done for all of them.
+bool each(std::vector<narrow_string> const & paths, std::function<void(narrow_string const &)> const & work) {
     bool good = true;
     for (auto const & path : paths) {
         try {
-            report(path, header_of(path));
+            work(path);
         } catch (un::exception const & e) {
             std::cerr << "macbinary: " << e.origin() << ' ' << e.message() << '\n';
             good = false;
@@ -45,11 +45,27 @@ bool each_header(std::vector<narrow_string> const & paths,
     return good;
 }
 
+bool show_all(std::vector<narrow_string> const & paths) {
+    return each(paths, [](narrow_string const & path) { show(path, header_of(path)); });
+}
+
 bool show_as_xml(std::vector<narrow_string> const & paths) {
     xml_report report;
-    bool const good = each_header(paths, [&](narrow_string const & path, header const & h) { report.add(path, h); });
+    bool const good = each(paths, [&](narrow_string const & path) { report.add(path, header_of(path)); });
     std::cout << report.document();
     return good;
+}
+
+bool unpack_all(std::vector<narrow_string> const & paths, narrow_string const & folder) {
+    copying work;
+    return each(paths, [&](narrow_string const & path) { std::cout << unpack(path, folder, work) << '\n'; });
+}
+
+bool pack_all(std::vector<narrow_string> const & paths, narrow_string const & target) {
+    if (paths.size() != 1)
+        throw un::exception("--pack takes one file", "macbinary");
+    copying work;
+    return each(paths, [&](narrow_string const & path) { pack(path, target, work); });
 }
 
 } // namespace
@@ -58,13 +74,18 @@ int main(int argc, char ** argv) {
     try {
         command::line line(argc, argv);
         command::option<bool> xml(line, "--xml", false, "write an XML document");
+        command::option<narrow_string> unpacked(line, "--unpack", "", "unpack the files into this folder");
+        command::option<narrow_string> packed(line, "--pack", "", "pack one file, with its side forks, into this one");
         command::option<bool> help(line, "--help|-h", false, "show this list");
         line.digest();
         if (help() || line.empty()) {
             line.show_options("macbinary, which takes MacBinary files");
             return help() ? 0 : 1;
         }
-        bool const good = xml() ? show_as_xml(line) : each_header(line, show);
+        bool const good = unpacked.found() ? unpack_all(line, unpacked())
+                          : packed.found() ? pack_all(line, packed())
+                          : xml()          ? show_as_xml(line)
+                                           : show_all(line);
         return good && std::cout.flush() ? 0 : 1;
     } catch (un::exception const & e) {
         std::cerr << "macbinary: " << e.message() << '\n';

@@ -1,0 +1,131 @@
+#include "packing.h"
+
+#include "header.h"
+#include "part.h"
+
+#include "io/exception.h"
+#include "io/fork_input.h"
+#include "io/fork_output.h"
+#include "nio/encoding.h"
+#include "platform/host.h"
+
+#include <filesystem>
+
+namespace {
+
+constexpr int mac_roman = 10000;
+constexpr int already_exists = 183;
+
+any::path library_path(narrow_string const & host) { return {platform::from_host(host), true}; }
+
+/// The path from the root on, so that no name that is added to it can be taken for a drive.
+any::path absolute_path(narrow_string const & host) {
+    return library_path(std::filesystem::absolute(host.empty() ? "." : host).string());
+}
+
+io::attributes attributes_of(header const & h) {
+    io::attributes result;
+    result.created = any::time(h.created, any::time::format_mac_seconds);
+    result.modified = any::time(h.modified, any::time::format_mac_seconds);
+    result.mac_file = io::mac::file_attributes(h.finder, {});
+    return result;
+}
+
+uint32 fork_length(io::fork & fork, narrow_string const & path) {
+    uint64 const length = fork.size();
+    if (length > header::longest_fork)
+        throw io::exception("has a fork that is too long for MacBinary", path, 0);
+    return static_cast<uint32>(length);
+}
+
+/// Header, names and lengths of the forks of `file`, whose data fork is open.
+header header_for(io::file & file, narrow_string const & path) {
+    io::attributes attributes;
+    attributes.load(file.path(), 3);
+    header result;
+    result.name = nio::encode(file.path().leaf(), mac_roman).substr(0, header::longest_name);
+    result.finder = attributes.mac_file.value().info;
+    result.data_length = fork_length(file.data_fork(), path);
+    result.resource_length = fork_length(file.rsrc_fork(), path);
+    result.created = mac_seconds(attributes.created.value());
+    result.modified = mac_seconds(attributes.modified.value());
+    return result;
+}
+
+void copy_padded(io::fork & fork, stream::output & target, uint32 length, copying & work) {
+    io::fork_input source(fork);
+    work.copy(source, target, length);
+    target.fill(header::padded(length) - length, 0);
+}
+
+/// Moves what is complete to a free name.
+io::file place(part & file, any::path const & folder, any::string const & leaf) {
+    for (int attempt = 1;; ++attempt) {
+        io::file target = free_name(folder, leaf);
+        try {
+            file.place(target);
+            return target;
+        } catch (io::exception const & e) {
+            // The name went to somebody else meanwhile.
+            if (e.error() != already_exists || attempt == 10)
+                throw;
+        }
+    }
+}
+
+} // namespace
+
+narrow_string unpack(narrow_string const & path, narrow_string const & folder, copying & work) {
+    io::file packed(library_path(path));
+    packed.data_fork().open();
+    closing const at_end(packed.data_fork());
+    io::fork_input in(packed.data_fork());
+    auto const h = header_of(in, path);
+    if (in.size() < h.end()) {
+        throw io::exception(
+            "is cut short: it has " + std::to_string(in.size()) + " of " + std::to_string(h.end()) + " bytes", path, 0);
+    }
+    work.start(path, uint64(h.data_length) + h.resource_length);
+
+    auto const where = absolute_path(folder);
+    if (!io::item(where).directory())
+        throw io::exception("is no folder", folder, 0);
+    part made(where);
+    auto const fork = [&](io::fork & target, uint64 at, uint32 length) {
+        made.make(target);
+        io::fork_output out(target);
+        in.seek(at);
+        work.copy(in, out, length);
+    };
+    fork(made.file().data_fork(), h.data_at(), h.data_length);
+    if (h.resource_length > 0)
+        fork(made.file().rsrc_fork(), h.resource_at(), h.resource_length);
+    made.make(made.file().info_fork());
+    made.close();
+    attributes_of(h).apply(made.file().path(), 1);
+    return platform::to_host(place(made, where, nio::decode(h.name, mac_roman)).path().full_string());
+}
+
+void pack(narrow_string const & path, narrow_string const & target, copying & work) {
+    io::file source(library_path(path));
+    source.data_fork().open();
+    closing const at_end(source.data_fork());
+    auto const h = header_for(source, path);
+    work.start(path, uint64(h.data_length) + h.resource_length);
+
+    io::file result(absolute_path(target));
+    if (result.io::item::exists())
+        throw io::exception("is there already", target, 0);
+    part made(result.path().parent());
+    made.make(made.file().data_fork());
+    io::fork_output out(made.file().data_fork());
+    h.write(out);
+    copy_padded(source.data_fork(), out, h.data_length, work);
+    if (h.resource_length > 0) {
+        source.rsrc_fork().open();
+        closing const rsrc_at_end(source.rsrc_fork());
+        copy_padded(source.rsrc_fork(), out, h.resource_length, work);
+    }
+    made.close();
+    made.place(result);
+}

@@ -1,0 +1,87 @@
+#include "part.h"
+
+#include "io/exception.h"
+
+#include <ranges>
+
+namespace {
+
+/// The fork of `target` that is like `fork` of `source`.
+io::fork & same_fork(io::fork const & fork, io::file & source, io::file & target) {
+    if (&fork == &source.data_fork())
+        return target.data_fork();
+    return &fork == &source.rsrc_fork() ? target.rsrc_fork() : target.info_fork();
+}
+
+/// The file whose side fork a file of this name would be, if any.
+bool in_the_place_of_a_fork(any::path const & path) {
+    wide_string const leaf = path.leaf();
+    for (wide_string const ending : {u".rsrc", u".info"}) {
+        if (leaf.size() > ending.size() && leaf.ends_with(ending)) {
+            any::path owner(path);
+            owner.leaf() = any::string(leaf.substr(0, leaf.size() - ending.size()));
+            return io::file(owner).exists();
+        }
+    }
+    return false;
+}
+
+bool taken(io::file & file) {
+    wide_string const leaf = file.path().leaf();
+    return leaf == u"." || leaf == u".." || file.exists() || in_the_place_of_a_fork(file.path());
+}
+
+/// Where it fails, another failure is already on its way up.
+void put_back(io::item & item, any::path const & from) {
+    try {
+        item.move(from);
+    } catch (io::exception const &) {
+    }
+}
+
+} // namespace
+
+part::part(any::path const & folder) : file_(free_name(folder, any::string(u"macbinary.part"))) {}
+
+part::~part() {
+    for (io::fork * const fork : made_ | std::views::reverse)
+        fork->unlink(false);
+}
+
+void part::make(io::fork & fork) {
+    fork.create(false);
+    made_.push_back(&fork);
+}
+
+void part::close() {
+    for (io::fork * const fork : made_)
+        fork->close(true);
+}
+
+void part::place(io::file & target) {
+    std::vector<std::pair<any::path, io::item>> moved;
+    try {
+        for (io::fork * const fork : made_ | std::views::reverse) {
+            any::path const from = fork->fork_name();
+            io::item item(from);
+            item.move(same_fork(*fork, file_, target).fork_name());
+            moved.emplace_back(from, item);
+        }
+    } catch (io::exception const &) {
+        for (auto & [from, item] : moved)
+            put_back(item, from);
+        throw;
+    }
+    made_.clear();
+}
+
+io::file free_name(any::path const & folder, any::string const & leaf) {
+    io::file result(folder + leaf);
+    result.normalize();
+    while (taken(result)) {
+        // Where only a side fork is in the way, the name itself is free.
+        if (!result.make_unique(999))
+            result.path().leaf() = any::string(u"_" + wide_string(result.path().leaf()));
+    }
+    return result;
+}

@@ -1,0 +1,139 @@
+#!/usr/bin/env bash
+# usage: macbinary_forks.sh <program> <folder of samples>
+# Unpacks MacBinary files into files with side forks, and packs them again.
+set -euo pipefail
+program=$1 samples=$2
+scratch=$(mktemp -d)
+trap 'rm -rf "$scratch"' EXIT
+cp "$samples"/*.bin "$scratch"
+cd "$scratch"
+
+fail() { echo "$*"; exit 1; }
+
+# patch <file> <offset> <bytes as printf takes them>
+patch() { printf "$3" | dd of="$1" bs=1 seek="$2" conv=notrunc status=none; }
+
+# named <file> <name as printf takes it>: a file of the first generation with another name, and one byte in each fork.
+named() {
+    head -c 128 version_one.bin >"$1"
+    patch "$1" 1 "$(printf '\\%03o' "$(printf "$2" | wc -c)")$2"
+    patch "$1" 83 '\0\0\0\1\0\0\0\1'
+    { printf d; head -c 127 /dev/zero; printf r; head -c 127 /dev/zero; } >>"$1"
+}
+
+# refused <words of the message> <argument>...: and nothing is left in the folder.
+refused() {
+    ls -A folder >before
+    if "$program" "${@:2}" >out 2>err; then fail "no complaint: ${*:2}"; fi
+    grep -qF -- "$1" err || fail "not \"$1\" but: $(cat err)"
+    ls -A folder | diff before - || fail "left behind: ${*:2}"
+}
+
+# Every sample comes back as it was, but for what differs by the generation: both versions and the CRC.
+differ() { case $1 in version_one.bin) echo '123 124 125 126' ;; esac; }
+mkdir folder
+for sample in *.bin; do
+    host_name=$("$program" --unpack=folder "$sample")
+    "$program" --pack="again_$sample" "$host_name"
+    [ "$(cmp -l "$sample" "again_$sample" | awk '{ printf "%s%s", sep, $1; sep = " " }')" = "$(differ "$sample")" ] \
+        || fail "$sample: $(cmp -l "$sample" "again_$sample")"
+    "$program" "again_$sample" | grep ', agrees$' >/dev/null
+done
+[ "$(ls -A folder | wc -l)" = 16 ]
+[ "$(stat -c %Y 'folder/Placed Icon')" = $((3000000601 - 2082844800)) ]
+[ "$(wc -c <'folder/Both Forks.info')" = 128 ]
+
+# Other programs read what was packed.
+if command -v macunpack >/dev/null && command -v hcopy >/dev/null; then
+    mkdir others
+    head -c 819200 /dev/zero >others/disk
+    HOME=$PWD hformat -l disk others/disk >/dev/null
+    for sample in again_*.bin; do
+        HOME=$PWD hcopy -m "$sample" :
+        HOME=$PWD hcopy -m ":$("$program" "$sample" | sed -n 's/^  name *//p')" others/back.bin
+        cmp "$sample" others/back.bin
+        (cd others && rm -f ./*.data ./*.rsrc && macunpack -3 "../$sample")
+        size() { stat -c %s others/*."$1"; }
+        "$program" "$sample" | grep "data fork     $(size data) bytes" >/dev/null
+        "$program" "$sample" | grep "resource fork $(size rsrc) bytes" >/dev/null
+    done
+    HOME=$PWD humount
+else
+    echo 'left out: macutils and hfsutils are not installed'
+fi
+if command -v file >/dev/null; then
+    file again_both_forks.bin | grep "MacBinary II.*33 bytes.*410 bytes" >/dev/null
+fi
+rm -rf folder && mkdir folder
+
+# Names: what no file system takes is mended, and nothing gets out of the folder or goes through a link.
+ln -s ../target folder/link
+ln -s /nowhere folder/dangling
+: >folder/side.rsrc
+: >folder/owner
+while IFS='|' read -r name host_name; do
+    named hostile "$name"
+    printed=$("$program" --unpack=folder hostile)
+    [ "${printed#"$PWD/folder/"}" = "$host_name" ] || fail "$name became $printed, not $host_name"
+    [ "$(cat "folder/$host_name") $(cat "folder/$host_name.rsrc")" = 'd r' ] || fail "$name: wrong forks"
+    [ "$(wc -c <"folder/$host_name.info")" = 128 ]
+done <<'END'
+../x|.._x
+..|_1..
+.|_1.
+/etc/x|_etc_x
+C:|C_
+C:x|C_x
+a:b|a_b
+c\\d|c_d
+a?*|a__
+line\nend|line_end
+twice|twice
+twice|twice_1
+Caf\216|Café
+link|link_1
+dangling|dangling_1
+side|_side
+owner.rsrc|_owner.rsrc
+macbinary.part|macbinary_1.part
+END
+[ ! -e target ] && [ ! -e x ] && [ ! -s folder/owner ] && [ ! -s folder/side.rsrc ]
+[ "$(readlink folder/link)" = ../target ]
+"$program" --pack=cafe.bin folder/Café
+"$program" cafe.bin | grep 'name          Café' >/dev/null
+
+# Damage is found before anything is made.
+head -c 128 both_forks.bin >only_header
+head -c 665 both_forks.bin >one_byte_short
+named far x && patch far 87 '\177\377\377\377'
+named second x && patch second 120 '\377\377' # a second header that is longer than the file
+refused 'is cut short: it has 128 of 666 bytes' --unpack=folder only_header
+refused 'is cut short: it has 665 of 666 bytes' --unpack=folder one_byte_short
+refused 'is cut short: it has 384 of 2147483903 bytes' --unpack=folder far
+refused 'is cut short' --unpack=folder second
+refused 'too short for a MacBinary header' --unpack=folder /dev/null
+refused 'is no folder' --unpack=missing empty.bin
+refused 'is no folder' --unpack=empty.bin empty.bin
+refused 'cannot open' --unpack=folder missing
+refused 'cannot open' --pack=folder/new missing
+refused 'is there already' --pack=folder/owner read_me.bin
+refused 'is there already' --pack=folder/dangling read_me.bin
+refused 'is there already' --pack= read_me.bin
+refused 'cannot create' --pack=missing/new read_me.bin
+refused '--pack takes one file' --pack=folder/new read_me.bin empty.bin
+truncate -s 2147483648 huge
+refused 'too long for MacBinary' --pack=folder/new huge
+[ ! -s folder/owner ]
+# A full disk, as a limit of the system has it.
+(trap '' XFSZ && ulimit -f 0 && ! "$program" --unpack=folder both_forks.bin 2>&1) | grep 'cannot write to' >/dev/null
+(trap '' XFSZ && ulimit -f 0 && ! "$program" --pack=folder/new read_me.bin 2>&1) | grep 'cannot write to' >/dev/null
+ls -A folder | diff before -
+
+# Without a terminal there is no bar; on one there is, and it goes again.
+"$program" --unpack=folder both_forks.bin 2>err >out && [ ! -s err ]
+if command -v script >/dev/null; then
+    script -qec "'$program' --unpack=folder both_forks.bin" /dev/null >typed </dev/null
+    grep -q '\[#*\] 100%' typed
+else
+    echo 'left out: script is not installed'
+fi
