@@ -216,15 +216,15 @@ TEST_F(disk, failures_say_what_could_not_be_done) {
         {"f", 1, "io::fork: cannot open: 5", "io::fork: cannot create: 5"},
         {"g", 1, "io::fork: cannot open: 2", "io::fork: cannot create: 80"},
     };
-    for (auto const & [name, type, load, apply] : cases) {
-        SCOPED_TRACE(name);
+    for (auto const & row : cases) {
+        SCOPED_TRACE(row.name);
         io::attributes set;
         set.read_only = true;
-        EXPECT_EQ(thrown([&] { set.load(path(name), type); }), load);
+        EXPECT_EQ(thrown([&] { set.load(path(row.name), row.type); }), row.load);
         EXPECT_TRUE(set.created.present() && set.modified.present());
         EXPECT_FALSE(set.read_only.value());
-        EXPECT_EQ(set.win32.present(), name[1] == 0); // what was there is in the set
-        EXPECT_EQ(thrown([&] { set.apply(path(name), type); }), apply);
+        EXPECT_EQ(set.win32.present(), row.name[1] == 0); // what was there is in the set
+        EXPECT_EQ(thrown([&] { set.apply(path(row.name), row.type); }), row.apply);
     }
     EXPECT_FALSE(files.exists("nowhere"));
     EXPECT_FALSE(files.exists("missing"));

@@ -78,10 +78,11 @@ TEST_P(disk, make_unique_counts_before_the_first_full_stop) {
         {"plain", 0, false, "plain", "io::item: cannot resolve name conflict for "},
         {"a.b.c", 1, false, "a_1.b.c", "io::item: cannot resolve name conflict for "},
     };
-    for (auto const & [name, tries, changed, leaf, error] : cases) {
-        io::item item(path(name));
-        EXPECT_EQ(thrown([&] { EXPECT_EQ(item.make_unique(tries), changed); }).substr(0, error.size()), error);
-        EXPECT_EQ(item.path().leaf().str(true), leaf);
+    for (auto const & row : cases) {
+        io::item item(path(row.name));
+        std::string const error = thrown([&] { EXPECT_EQ(item.make_unique(row.tries), row.changed); });
+        EXPECT_EQ(error.substr(0, row.error.size()), row.error);
+        EXPECT_EQ(item.path().leaf().str(true), row.leaf);
     }
 }
 
