@@ -19,6 +19,7 @@
 #include "command/line.h"
 #include "command/option.h"
 #include "io/attributes.h"
+#include "io/directory.h"
 #include "io/exception.h"
 #include "io/file.h"
 #include "io/fork.h"

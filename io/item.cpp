@@ -1,16 +1,18 @@
 #include "io/item.h"
 
+#include "io/directory.h"
 #include "io/exception.h"
 #include "io/file.h"
 #include "io/system_error.h"
 #include "io/system_names_internal.h"
-#include "platform/directories.h"
 #include "platform/files.h"
 #include "platform/paths.h"
 #include "platform/shell_links.h"
 #include "un/digits.h"
+#include "un/timer.h"
 
 #include <cwctype>
+#include <vector>
 
 namespace io {
 
@@ -31,15 +33,24 @@ item::item() = default;
 item::item(any::path const & path) : path_(path) {}
 item::item(item const &) = default;
 item & item::operator=(item const &) = default;
-item::~item() = default;
+
+item::~item() {
+    if (!temporary_)
+        return;
+    try {
+        item::unlink(false);
+    } catch (...) {
+    }
+}
 
 bool item::create(bool) { throw exception("cannot be created generically", origin, 0); }
 
 void item::unlink(bool report) {
-    if (!directory())
-        file(*this).unlink(report);
-    else if (!platform::RemoveDirectoryW(system_name(path_)) && report)
-        throw exception("cannot delete " + path_.full_string().str(true), "io::directory", 0);
+    // By the path alone: a copy would be temporary as well.
+    if (directory())
+        io::directory(path_).unlink(report);
+    else
+        file(path_).unlink(report);
 }
 
 void item::load_attributes(int type) { attributes_.load(path_, type); }
@@ -125,10 +136,105 @@ void item::rename(any::string const & leaf) {
         raise_system_error(path_, "cannot rename to", origin);
 }
 
+void item::move(io::directory const & folder) {
+    any::path target(folder.path());
+    target.add_leaf(path_.empty() ? any::string() : path_.leaf());
+    if (!_move(target))
+        raise_system_error(path_, "cannot move to", origin);
+}
+
 bool item::_move(any::path const & target) {
     auto const from = system_name(path_);
     path_ = target;
     return platform::MoveFileW(from, system_name(path_));
+}
+
+uint64 item::size() {
+    uint32 const bits = platform::GetFileAttributesW(system_name(path_));
+    if (bits != platform::INVALID_FILE_ATTRIBUTES && (bits & platform::FILE_ATTRIBUTE_DIRECTORY) != 0)
+        return 0;
+    // Opening what is no file may have effects, or wait.
+    if (bits != platform::INVALID_FILE_ATTRIBUTES && (bits & platform::FILE_ATTRIBUTE_DEVICE) != 0)
+        return all_ones;
+    file opened(path_);
+    io::fork & fork = opened.data_fork();
+    try {
+        fork.open();
+        uint64 const bytes = fork.size();
+        fork.close(false);
+        return bytes;
+    } catch (exception const &) {
+        fork.close(false);
+        return all_ones;
+    }
+}
+
+io::directory item::parent() const { return io::directory(path_.parent()); }
+
+any::path item::temp_name(io::directory const & folder) {
+    any::path path(folder.path());
+    auto const digits = un::write(un::timer::absolute(), 16, 1);
+    path.add_leaf(any::string(wide_string(digits.begin(), digits.end())));
+    return path;
+}
+
+void item::create_temp(io::directory const & folder) {
+    for (int attempt = 0; attempt < 100 && !temporary_; ++attempt) {
+        try {
+            path_ = temp_name(folder);
+            create(false);
+            temporary_ = true;
+        } catch (exception const &) {
+        }
+    }
+}
+
+void item::create_parents() {
+    // From here upward what is missing, then from the top down.
+    std::vector<any::path> missing(1, path_.parent());
+    for (any::path above = missing.back().parent(); !above.empty() && !item(above).exists(); above = above.parent())
+        missing.push_back(above);
+    for (; !missing.empty(); missing.pop_back())
+        io::directory(missing.back()).create(true);
+}
+
+bool item::create_with_parents(bool overwrite) {
+    create_parents();
+    return create(overwrite);
+}
+
+void item::scan(summary & sum) {
+    uint32 const bits = platform::GetFileAttributesW(system_name(path_));
+    if (bits == platform::INVALID_FILE_ATTRIBUTES) {
+        ++sum.missing;
+        return;
+    }
+    ++sum.items;
+    if ((bits & platform::FILE_ATTRIBUTE_DIRECTORY) == 0) {
+        ++sum.files;
+        uint64 const bytes = size();
+        sum.bytes += bytes == all_ones ? 0 : bytes;
+        return;
+    }
+    ++sum.directories;
+    if ((bits & platform::FILE_ATTRIBUTE_REPARSE_POINT) != 0)
+        return;
+    io::directory folder(path_);
+    for (auto entry = folder.begin(), last = folder.end(); entry != last; ++entry)
+        entry->scan(sum);
+}
+
+item::summary item::scan(item & other) {
+    summary sum;
+    other.scan(sum);
+    return sum;
+}
+
+item::summary item::scan(std::list<item *> items) {
+    summary sum;
+    for (item * const each : items)
+        each->scan(sum);
+    return sum;
 }
 
 } // namespace io

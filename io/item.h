@@ -3,7 +3,11 @@
 #include "any/path.h"
 #include "io/attributes.h"
 
+#include <list>
+
 namespace io {
+
+class directory;
 
 /// Whether names go to the system in 16 bits, or in their narrow form. Found out while the library loads.
 SOCLE_API extern bool wide_calls;
@@ -15,10 +19,13 @@ SOCLE_API bool safe_char(char16_t unit);
 /// open. Operations that need a leaf are for items that have a name.
 class SOCLE_API item {
 public:
+    struct summary;
+
     item();
     explicit item(any::path const & path);
     item(item const &);
     item & operator=(item const &);
+    /// Deletes what a temporary item names, without a word if that fails. Its forks are not closed before.
     virtual ~item();
 
     /// Always throws an `io::exception`, "cannot be created generically".
@@ -33,6 +40,9 @@ public:
     /// See `io::attributes`. Nothing is applied to an item that does not exist.
     void load_attributes(int type);
     void apply_attributes(int type) const;
+
+    /// Set by `create_temp`. A copy is temporary too, so that the first of them to go deletes the item.
+    bool temporary() const noexcept { return temporary_; }
 
     bool exists() const;
     bool directory() const;
@@ -55,12 +65,51 @@ public:
     void move(any::path const & target);
     /// The same for another leaf: "cannot rename to".
     void rename(any::string const & leaf);
+    /// The same for another folder: "cannot move to".
+    void move(io::directory const & folder);
+
+    /// The length of the data fork: 0 for a folder, all ones for what cannot be opened or is no file.
+    uint64 size();
+    /// The folder around it; an item without a name has one without.
+    io::directory parent() const;
+
+    /// Creates this item in `folder` under a name made from the clock, and makes it temporary. After 100 attempts that
+    /// threw an `io::exception` it gives up without a word.
+    void create_temp(io::directory const & folder);
+    /// Creates all missing folders above, from the top down. Throws as `directory::create` does.
+    void create_parents();
+    /// The same, then `create`, whose result it gives.
+    bool create_with_parents(bool overwrite);
+
+    /// Adds this item and all below it to `sum`. Side forks do not count beside their file, and a link to a folder is
+    /// not followed.
+    void scan(summary & sum);
+    /// The sum of one item, or of several. They do not look at the item that they are called on.
+    summary scan(item & other);
+    static summary scan(std::list<item *> items);
+
+protected:
+    /// A path in `folder` whose leaf is the clock's count in hexadecimal digits.
+    any::path temp_name(io::directory const & folder);
 
 private:
     bool _move(any::path const & target);
 
     io::attributes attributes_;
     any::path path_;
+    bool temporary_ = false;
+};
+
+/// What a scan has found.
+struct item::summary {
+    /// Folders and files together.
+    uint64 items = 0;
+    uint64 directories = 0;
+    uint64 files = 0;
+    /// Items that are not there.
+    uint64 missing = 0;
+    /// The sizes of all files that could be had.
+    uint64 bytes = 0;
 };
 
 } // namespace io

@@ -3,6 +3,7 @@
 #include "any/converter.h"
 #include "any/name.h"
 #include "any/path.h"
+#include "io/directory.h"
 #include "io/item.h"
 #include "nio/platform_internal.h"
 #include "nio/time_internal.h"
@@ -45,6 +46,10 @@ bool io::wide_calls = [] {
     }
     return search != nullptr;
 }();
+
+// The working directory: without ".", its path has no elements.
+
+io::directory io::directory::current(any::path(any::string(u"."), true));
 
 // Whether this is the system with NTFS streams. There, backups may go past what the user could open otherwise.
 

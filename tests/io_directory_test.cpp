@@ -1,0 +1,207 @@
+#include "io/directory.h"
+#include "io/exception.h"
+#include "io/file.h"
+#include "platform/host.h"
+#include "tests/support/scratch.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <functional>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+any::path path_in(scratch const & folder, std::string const & name) { return {folder.path(name), true}; }
+
+std::string raised(std::function<void()> const & act) {
+    try {
+        act();
+    } catch (io::exception const & e) {
+        return e.origin() + ": " + e.message().substr(0, e.message().find(" \""));
+    }
+    return "nothing";
+}
+
+std::string shown(io::directory & folder) {
+    std::string names;
+    for (auto entry = folder.begin(); entry != folder.end(); ++entry)
+        names += platform::to_host(entry->path().leaf()) + " ";
+    return names;
+}
+
+/// Runs a test with wide and with narrow calls.
+struct both_calls : testing::TestWithParam<bool> {
+    both_calls() { io::wide_calls = GetParam(); }
+    ~both_calls() override { io::wide_calls = true; }
+};
+
+INSTANTIATE_TEST_SUITE_P(wide, both_calls, testing::Bool());
+
+TEST_P(both_calls, a_walk_hides_the_forks_of_what_is_there) {
+    struct {
+        std::vector<std::string> names;
+        std::string shown;
+    } const table[] = {
+        {{}, ""},
+        {{"x", "x.rsrc", "x.info"}, "x "},
+        {{"x.rsrc", "x.info"}, "x.rsrc "},
+        {{"x.info"}, "x.info "},
+        {{"x", "x.RSRC", "x.Info"}, "x x.Info x.RSRC "},
+        {{".rsrc", ".info", ".x"}, ".x "},
+        {{"a", "a.rsrc.info", "b.info.rsrc", "b.info"}, "a a.rsrc.info b.info "},
+        {{"a", "a.rsrc", "a.rsrc.info", "a.rsrc.rsrc"}, "a "},
+    };
+    for (auto const & c : table) {
+        scratch const folder;
+        for (auto const & name : c.names)
+            folder.write(name, "");
+        io::directory directory(path_in(folder, ""));
+        EXPECT_EQ(shown(directory), c.shown);
+    }
+    scratch const folder;
+    io::directory none(path_in(folder, "none"));
+    EXPECT_TRUE(none.begin() == none.end());
+}
+
+TEST_P(both_calls, a_copy_goes_on_from_the_start) {
+    scratch const folder;
+    for (char const * name : {"a", "b", "c"})
+        folder.write(name, "");
+    io::directory directory(path_in(folder, ""));
+    auto entry = directory.begin();
+    ++entry, ++entry;
+    auto copy = entry;
+    EXPECT_EQ(copy->path().leaf(), u"c");
+    EXPECT_EQ((++copy)->path().leaf(), u"b");
+    EXPECT_TRUE(++entry == io::directory::current.end());
+    io::directory::iterator assigned;
+    assigned = copy;
+    EXPECT_EQ(assigned->path().leaf(), u"b");
+    assigned = entry;
+    EXPECT_FALSE(assigned == entry); // a search of its own, from the start
+}
+
+TEST_P(both_calls, emptying_takes_all_but_what_lies_behind_links) {
+    scratch const folder;
+    fs::create_directories(folder.host("outside/sub"));
+    fs::create_directories(folder.host("tree/sub/sub"));
+    // One sidecar comes before its file, others behind theirs.
+    for (char const * name : {"outside/file", "outside/sub/file", "tree/x", "tree/x.info", "tree/x.rsrc", "tree/X.info",
+                              "tree/x.info.rsrc", "tree/sub/y", "tree/sub/sub/z.rsrc"})
+        folder.write(name, "x");
+    fs::create_symlink("../outside", folder.host("tree/link"));
+    fs::create_symlink("loop", folder.host("tree/loop"));
+    fs::create_symlink("nothing", folder.host("tree/sub/dangling"));
+    fs::create_symlink("outside", folder.host("root"));
+    ASSERT_EQ(mkfifo(folder.host("tree/pipe").c_str(), 0600), 0);
+    io::directory tree(path_in(folder, "tree")), root(path_in(folder, "root"));
+    EXPECT_EQ(raised([&] { tree.unlink(true); }).substr(0, 28), "io::directory: cannot delete");
+    tree.unlink(false);
+    EXPECT_TRUE(folder.exists("tree"));
+    tree.unlink_with_children(true);
+    EXPECT_FALSE(folder.exists("tree"));
+    root.unlink_with_children(true);
+    EXPECT_FALSE(folder.exists("root"));
+    EXPECT_TRUE(folder.exists("outside/file") && folder.exists("outside/sub/file"));
+}
+
+TEST(io_directory, what_cannot_be_deleted_ends_the_emptying) {
+    scratch const folder;
+    fs::create_directories(folder.host("tree/sub"));
+    folder.write("tree/sub/kept", "kept");
+    folder.write("tree/other", "");
+    fs::permissions(folder.host("tree/sub/kept"), fs::perms::owner_read);
+    io::directory tree(path_in(folder, "tree"));
+    tree.unlink_with_children(false);
+    EXPECT_EQ(folder.read("tree/sub/kept"), "kept");
+    EXPECT_FALSE(folder.exists("tree/other"));
+    EXPECT_NE(raised([&] { tree.unlink_with_children(true); }), "nothing");
+}
+
+TEST(io_directory, is_created_with_its_parents) {
+    scratch const folder;
+    fs::create_directory(folder.host("a"));
+    folder.write("file", "");
+    io::directory deep(path_in(folder, "a/b/c")), deeper(path_in(folder, "n/m/l")), odd(path_in(folder, "q?"));
+    EXPECT_FALSE(deep.create_with_parents(false));
+    EXPECT_TRUE(folder.exists("a/b/c"));
+    EXPECT_FALSE(deep.create(false));
+    EXPECT_EQ(raised([&] { deeper.create_with_parents(false); }), "io::directory: cannot create"); // one level only
+    static_cast<io::item &>(deeper).create_with_parents(false);
+    EXPECT_TRUE(folder.exists("n/m/l"));
+    folder.write("q_", "");
+    EXPECT_TRUE(odd.create(false));
+    EXPECT_EQ(odd.path().leaf(), u"q__1");
+    io::directory below(path_in(folder, "file/d"));
+    auto const kept = below.path();
+    EXPECT_EQ(raised([&] { below.create(false); }), "io::directory: cannot create");
+    EXPECT_EQ(below.path().full_string(), kept.full_string());
+    EXPECT_FALSE(io::directory().create(false));
+    EXPECT_EQ(io::directory::current.path().size(), 0u);
+}
+
+TEST(io_item, a_temporary_one_goes_with_its_object) {
+    scratch const folder;
+    io::directory const parent(path_in(folder, ""));
+    any::path path;
+    {
+        io::file file;
+        file.create_temp(parent);
+        path = file.path();
+        EXPECT_TRUE(file.temporary());
+        EXPECT_TRUE(file.exists());
+        EXPECT_EQ(file.size(), 0u);
+        io::item::summary const sum = file.scan(file);
+        EXPECT_EQ(sum.files, 1u);
+        EXPECT_TRUE(file.exists()); // no copy was made that deletes it
+        file.data_fork().close(false);
+        io::directory sub;
+        sub.create_temp(parent);
+        EXPECT_TRUE(sub.exists());
+    }
+    EXPECT_FALSE(io::item(path).exists());
+    io::item plain;
+    plain.create_temp(parent);
+    EXPECT_FALSE(plain.temporary());
+    io::file nowhere;
+    nowhere.create_temp(io::directory(path_in(folder, "none")));
+    EXPECT_FALSE(nowhere.temporary());
+    setenv("TEMP", "C:\\one/two", 1);
+    EXPECT_EQ(io::directory::temp().path().full_string(), u"C:\\one\\two");
+    unsetenv("TEMP");
+    unsetenv("TMP");
+    EXPECT_TRUE(io::directory::temp().path().empty());
+}
+
+TEST(io_item, scans_and_moves) {
+    scratch const folder;
+    fs::create_directories(folder.host("d/empty"));
+    folder.write("d/a", std::string(10, 'x'));
+    folder.write("d/b", std::string(20, 'x'));
+    folder.write("d/b.rsrc", std::string(400, 'x'));
+    fs::create_symlink(".", folder.host("d/empty/up"));
+    ASSERT_EQ(mkfifo(folder.host("d/pipe").c_str(), 0600), 0);
+    io::item tree(path_in(folder, "d")), none(path_in(folder, "none")), file(path_in(folder, "d/a"));
+    auto const sum = io::item::scan({&tree, &none});
+    EXPECT_EQ(sum.items, 6u);
+    EXPECT_EQ(sum.directories, 3u);
+    EXPECT_EQ(sum.files, 3u);
+    EXPECT_EQ(sum.bytes, 30u);
+    EXPECT_EQ(sum.missing, 1u);
+    EXPECT_EQ(tree.size(), 0u);
+    EXPECT_EQ(file.size(), 10u);
+    EXPECT_EQ(none.size(), all_ones);
+    EXPECT_EQ(file.parent().path().full_string(), tree.path().full_string());
+    file.move(io::directory(path_in(folder, "d/empty")));
+    EXPECT_TRUE(folder.exists("d/empty/a"));
+    EXPECT_EQ(raised([&] { file.move(io::directory(path_in(folder, "none"))); }), "io::item: cannot move to");
+    EXPECT_EQ(file.path().full_string(), path_in(folder, "none/a").full_string());
+    tree.unlink(false);
+    EXPECT_TRUE(folder.exists("d"));
+}
+
+} // namespace
