@@ -64,7 +64,8 @@ bool fork::create(bool overwrite) {
     bool const changed = file_.normalize();
     if (changed && exists())
         file_.make_unique(999);
-    descriptor_ = _open(mode);
+    // Never over what another file has under that name.
+    descriptor_ = _open(changed ? create_new : mode);
     if (!descriptor_.valid()) {
         file_.path() = saved;
         raise("cannot create");

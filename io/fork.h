@@ -43,8 +43,8 @@ public:
     /// "cannot open_rw".
     virtual void open_rw();
     /// Makes and opens the fork, in place of one that exists if `overwrite`. Where that fails it is tried under the
-    /// normalized name of the file, made unique if it is taken: true if that worked, and the name is the file's then.
-    /// Throws "cannot create", with the name as it was.
+    /// normalized name of the file, made unique if it is taken, as a new fork: true if that worked, and the name is the
+    /// file's then. Throws "cannot create", with the name as it was.
     virtual bool create(bool overwrite);
     /// A standard stream of the process: "cannot open stdin", "cannot open stdout", "cannot open stderr".
     virtual void open_stdin();

@@ -10,3 +10,14 @@ cmake --build build/demo
 
 printf '\nHeaders of MacBinary files, as other programs wrote them:\n\n'
 build/demo/examples/macbinary/macbinary examples/samples/*.bin
+
+unpacked=$(mktemp -d)
+trap 'rm -rf "$unpacked"' EXIT
+printf '\nUnpacked, each with a resource fork if it has one, and its Finder data:\n\n'
+build/demo/examples/macbinary/macbinary --unpack="$unpacked" examples/samples/*.bin
+ls -l "$unpacked"
+
+printf '\nAnd packed again:\n\n'
+build/demo/examples/macbinary/macbinary --pack="$unpacked/again.bin" "$unpacked/Both Forks"
+cmp examples/samples/both_forks.bin "$unpacked/again.bin"
+build/demo/examples/macbinary/macbinary "$unpacked/again.bin"

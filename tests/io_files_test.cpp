@@ -121,6 +121,12 @@ TEST_P(disk, create_mends_a_name_that_cannot_be_made) {
     EXPECT_EQ(made.path().leaf(), u"x_y_1");
     EXPECT_EQ(files.read("x_y") + files.read("x_y_1"), "oldnew");
 
+    files.write("s_t.rsrc", "old"); // the name itself is free
+    io::file side(raw(u"s?t"));
+    EXPECT_EQ(thrown([&] { side.rsrc_fork().create(true); }), "io::fork: cannot create: 80");
+    EXPECT_EQ(side.path().leaf(), u"s?t");
+    EXPECT_EQ(files.read("s_t.rsrc"), "old");
+
     io::file there = file("x_y");
     EXPECT_EQ(thrown([&] { there.create(false); }), "io::fork: cannot create: 80");
     EXPECT_FALSE(there.create(true));

@@ -6,22 +6,30 @@
 #include <algorithm>
 #include <iostream>
 
-copying::copying() {
-    errors_.data_fork().open_stderr();
-    visible_ = errors_.data_fork().console();
+namespace {
+
+bool errors_go_to_a_terminal() {
+    io::file errors;
+    auto & fork = errors.data_fork();
+    try {
+        fork.open_stderr();
+    } catch (io::exception const &) {
+        return false; // it is closed
+    }
+    closing const at_end(fork);
+    return fork.console();
+}
+
+} // namespace
+
+copying::copying(narrow_string const & name, uint64 total)
+    : name_(name), total_(total), visible_(errors_go_to_a_terminal()) {
+    show();
 }
 
 copying::~copying() {
-    if (shown_ >= 0)
+    if (visible_)
         std::cerr << "\r\x1B[K" << std::flush;
-    errors_.data_fork().close(false);
-}
-
-void copying::start(narrow_string const & name, uint64 total) {
-    name_ = name;
-    total_ = total;
-    done_ = 0;
-    show();
 }
 
 void copying::copy(stream::input & source, stream::output & target, uint64 count) {
@@ -44,6 +52,6 @@ void copying::show() {
         return;
     shown_ = percent;
     auto const filled = static_cast<std::size_t>(percent * width / 100);
-    std::cerr << "\r[" << narrow_string(filled, '#') << narrow_string(width - filled, '.') << "] " << percent << "% "
-              << name_ << "\x1B[K" << std::flush;
+    std::cerr << "\r[" << narrow_string(filled, '#') << narrow_string(width - filled, '.') << "] " << percent << '%'
+              << std::flush;
 }

@@ -4,15 +4,14 @@
 #include "stream/input.h"
 #include "stream/output.h"
 
-/// Copies the forks of one file after the other, and shows on a terminal how far it is.
+/// Copies the forks of a file one after the other. On a terminal a bar shows how far it is, for as long as this lives.
 class copying {
 public:
-    copying();
-    /// Erases the bar.
+    /// `total` bytes of the file `name` are to come.
+    copying(narrow_string const & name, uint64 total);
+    copying(copying const &) = delete;
+    copying & operator=(copying const &) = delete;
     ~copying();
-
-    /// What is to come: the next file's name, and the bytes of all its forks.
-    void start(narrow_string const & name, uint64 total);
 
     /// Throws an `io::exception` if the source ends before `count` bytes.
     void copy(stream::input & source, stream::output & target, uint64 count);
@@ -20,11 +19,10 @@ public:
 private:
     void show();
 
-    io::file errors_;
-    bool visible_;
     narrow_string name_;
-    uint64 total_ = 0;
+    uint64 total_;
     uint64 done_ = 0;
+    bool visible_;
     int shown_ = -1;
 };
 

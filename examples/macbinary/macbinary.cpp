@@ -57,15 +57,13 @@ bool show_as_xml(std::vector<narrow_string> const & paths) {
 }
 
 bool unpack_all(std::vector<narrow_string> const & paths, narrow_string const & folder) {
-    copying work;
-    return each(paths, [&](narrow_string const & path) { std::cout << unpack(path, folder, work) << '\n'; });
+    return each(paths, [&](narrow_string const & path) { std::cout << unpack(path, folder) << '\n'; });
 }
 
 bool pack_all(std::vector<narrow_string> const & paths, narrow_string const & target) {
     if (paths.size() != 1)
         throw un::exception("--pack takes one file", "macbinary");
-    copying work;
-    return each(paths, [&](narrow_string const & path) { pack(path, target, work); });
+    return each(paths, [&](narrow_string const & path) { pack(path, target); });
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "packing.h"
 
+#include "copying.h"
 #include "header.h"
 #include "part.h"
 
@@ -75,7 +76,7 @@ io::file place(part & file, any::path const & folder, any::string const & leaf) 
 
 } // namespace
 
-narrow_string unpack(narrow_string const & path, narrow_string const & folder, copying & work) {
+narrow_string unpack(narrow_string const & path, narrow_string const & folder) {
     io::file packed(library_path(path));
     packed.data_fork().open();
     closing const at_end(packed.data_fork());
@@ -85,8 +86,11 @@ narrow_string unpack(narrow_string const & path, narrow_string const & folder, c
         throw io::exception(
             "is cut short: it has " + std::to_string(in.size()) + " of " + std::to_string(h.end()) + " bytes", path, 0);
     }
-    work.start(path, uint64(h.data_length) + h.resource_length);
+    copying work(path, uint64(h.data_length) + h.resource_length);
 
+    any::string const leaf = nio::decode(h.name, mac_roman);
+    if (leaf.empty())
+        throw io::exception("has a name that this system cannot show", path, 0);
     auto const where = absolute_path(folder);
     if (!io::item(where).directory())
         throw io::exception("is no folder", folder, 0);
@@ -103,15 +107,15 @@ narrow_string unpack(narrow_string const & path, narrow_string const & folder, c
     made.make(made.file().info_fork());
     made.close();
     attributes_of(h).apply(made.file().path(), 1);
-    return platform::to_host(place(made, where, nio::decode(h.name, mac_roman)).path().full_string());
+    return platform::to_host(place(made, where, leaf).path().full_string());
 }
 
-void pack(narrow_string const & path, narrow_string const & target, copying & work) {
+void pack(narrow_string const & path, narrow_string const & target) {
     io::file source(library_path(path));
     source.data_fork().open();
     closing const at_end(source.data_fork());
     auto const h = header_for(source, path);
-    work.start(path, uint64(h.data_length) + h.resource_length);
+    copying work(path, uint64(h.data_length) + h.resource_length);
 
     io::file result(absolute_path(target));
     if (result.io::item::exists())

@@ -2,7 +2,7 @@
 
 #include "io/exception.h"
 
-#include <ranges>
+#include <utility>
 
 namespace {
 
@@ -44,7 +44,7 @@ void put_back(io::item & item, any::path const & from) {
 part::part(any::path const & folder) : file_(free_name(folder, any::string(u"macbinary.part"))) {}
 
 part::~part() {
-    for (io::fork * const fork : made_ | std::views::reverse)
+    for (io::fork * const fork : made_)
         fork->unlink(false);
 }
 
@@ -61,10 +61,10 @@ void part::close() {
 void part::place(io::file & target) {
     std::vector<std::pair<any::path, io::item>> moved;
     try {
-        for (io::fork * const fork : made_ | std::views::reverse) {
-            any::path const from = fork->fork_name();
+        for (auto fork = made_.rbegin(); fork != made_.rend(); ++fork) {
+            any::path const from = (*fork)->fork_name();
             io::item item(from);
-            item.move(same_fork(*fork, file_, target).fork_name());
+            item.move(same_fork(**fork, file_, target).fork_name());
             moved.emplace_back(from, item);
         }
     } catch (io::exception const &) {
