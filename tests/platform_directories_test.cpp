@@ -16,6 +16,7 @@ namespace {
 
 using namespace platform;
 namespace fs = std::filesystem;
+using namespace std::string_literals;
 
 uint32 code(bool done) { return done ? 0 : GetLastError(); }
 
@@ -121,6 +122,43 @@ TEST(platform_directories, take_their_streams_along) {
     ASSERT_EQ(code(CreateDirectoryW(u"N:\\d")), 0u);
     EXPECT_EQ(CreateFileW(u"N:\\d:note", GENERIC_READ, FILE_SHARE_READ, OPEN_EXISTING, 0), INVALID_HANDLE_VALUE);
     detach_volume('N');
+}
+
+TEST(platform_directories, reach_what_the_host_calls_as_it_likes) {
+    scratch const folder;
+    fs::create_directory(folder.host("f"));
+    fs::create_directory(folder.host("n"));
+    bool const ntfs = attach_volume('N', folder.host("n"), "NTFS") == 0;
+    for (std::string const inside : {"f", "n"}) {
+        for (std::string const & name :
+             {"\xFF\xFE"s, "a\\b"s, "a:b"s, "what?"s, "line\nend"s, "tab\tx"s, "*"s, "<>|\""s, " blanks . "s, "nul"s,
+              "\xEF\x81\x9C"s, "\xED\xA0\x80"s, "\xF0\x9F\x98\x80"s, std::string(255, 'x')}) {
+            SCOPED_TRACE(name);
+            std::string const host = inside + "/" + name;
+            folder.write(host, "bytes");
+            auto const found = search(folder.path(inside) + u"\\*");
+            wide_string const path = folder.path(inside) + u'\\' + found.back();
+            int const file = CreateFileW(path, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ, OPEN_EXISTING, 0);
+            char bytes[5];
+            uint32 done = 0;
+            EXPECT_TRUE(ReadFile(file, bytes, 5, done));
+            EXPECT_EQ(std::string(bytes, done), "bytes");
+            CloseHandle(file);
+            EXPECT_EQ(to_host(path), folder.host(host));
+            EXPECT_EQ(code(MoveFileW(path, folder.path(inside) + u"\\plain")), 0u);
+            EXPECT_EQ(folder.read(inside + "/plain"), "bytes");
+            EXPECT_EQ(code(DeleteFileW(folder.path(inside) + u"\\plain")), 0u);
+            EXPECT_FALSE(folder.exists(host));
+        }
+        for (char16_t const * const unsafe : {u"a\"b", u"a*", u"a<", u">", u"a?b", u"a|b", u"a\x1F"}) {
+            auto const path = folder.path(inside) + u'\\' + unsafe;
+            EXPECT_EQ(CreateFileW(path, GENERIC_WRITE, FILE_SHARE_READ, CREATE_NEW, 0), INVALID_HANDLE_VALUE);
+            EXPECT_EQ(GetLastError(), ERROR_INVALID_NAME);
+            EXPECT_EQ(code(CreateDirectoryW(path)), ERROR_INVALID_NAME);
+        }
+    }
+    if (ntfs)
+        detach_volume('N');
 }
 
 TEST(platform_file_times, are_kept_for_files_folders_and_what_cannot_be_written) {

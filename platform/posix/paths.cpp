@@ -53,20 +53,34 @@ void set_volume(path_text & path) {
     path = std::move(moved);
 }
 
+/// What the host's root is by its number, for one that is no mount point of its own.
+narrow_string kind_of_root() {
+    struct {
+        long number;
+        char const * name;
+    } static constexpr kinds[] = {
+        {0xEF53, "ext4"}, {0x9123683E, "btrfs"}, {0x58465342, "xfs"}, {0x01021994, "tmpfs"}, {0x794C7630, "overlay"},
+        {0x6969, "nfs"},  {0x65735546, "fuse"},  {0x2FC12FC1, "zfs"}, {0xF2F52010, "f2fs"},  {0x73717368, "squashfs"}};
+    struct statfs system {};
+    if (host::statfs("/", &system) == 0) {
+        for (auto const & [number, name] : kinds) {
+            if (static_cast<uint32>(system.f_type) == static_cast<uint32>(number)) {
+                return name;
+            }
+        }
+    }
+    return "unknown";
+}
+
 /// The type of what is mounted last at the host's root, as the kernel calls it.
 narrow_string root_file_system() {
     descriptor_guard const table(host::open("/proc/self/mountinfo", O_RDONLY | O_CLOEXEC));
     narrow_string text;
     char block[4096];
-    for (ssize_t got = 1; got != 0;) {
-        got = host::read(table.get(), block, sizeof block);
-        if (got < 0 && errno != EINTR) {
-            break;
-        }
-        text.append(block, static_cast<std::size_t>(std::max<ssize_t>(got, 0)));
-        got = got < 0 ? 1 : got;
+    for (ssize_t got; (got = host::read(table.get(), block, sizeof block)) > 0;) {
+        text.append(block, static_cast<std::size_t>(got));
     }
-    narrow_string type = "unknown";
+    narrow_string type = kind_of_root();
     convert_names<narrow_string>(text, "\n", [&](std::string_view line, bool) {
         // 25 1 8:1 / / rw,relatime shared:1 - ext4 /dev/sda1 rw
         std::size_t at = 0;
