@@ -83,13 +83,13 @@ void attributes::load(any::path const & path, int type) {
     any::time last = modified.value();
     created = first; // present from here on, also if a call fails
     modified = last;
+    uint32 const bits = bits_of(path);
+    if (!exists(bits))
+        raise_system_error(path, "what is this", origin);
     get_time(path, &first, &last);
     created = first;
     modified = last;
 
-    uint32 const bits = bits_of(path);
-    if (!exists(bits))
-        raise_system_error(path, "what is this", origin);
     io::win32::attributes found;
     found.flags = bits & loaded_bits;
     win32 = found;
@@ -129,7 +129,10 @@ void attributes::apply(any::path const & path, int type) const {
 
 void attributes::load_bin(any::path const & path) {
     file sidecar = sidecar_of(path);
-    if (!sidecar.exists() || is_device(bits_of(sidecar.path())))
+    uint32 const bits = bits_of(sidecar.path());
+    // A side fork of the sidecar itself makes it a file that cannot be opened.
+    bool const nothing = !exists(bits) && !sidecar.info_fork().exists() && !sidecar.rsrc_fork().exists();
+    if (nothing || is_device(bits))
         return;
     std::array<char, info_header::size> bytes;
     fork & stored = sidecar.data_fork();
@@ -163,8 +166,6 @@ void attributes::apply_bin(any::path const & path) const {
 }
 
 void attributes::get_time(any::path const & path, any::time * created, any::time * modified) {
-    if (!exists(bits_of(path)))
-        raise_system_error(path, "what is this", origin);
     uint64 first = 0;
     uint64 last = 0;
     int const handle = open_times(path, 0);

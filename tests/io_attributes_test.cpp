@@ -1,6 +1,7 @@
 #include "io/attributes.h"
 
 #include "io/exception.h"
+#include "io/item.h"
 #include "support/scratch.h"
 
 #include <fcntl.h>
@@ -201,6 +202,8 @@ TEST_F(disk, a_sidecar_that_holds_no_header_is_as_good_as_none) {
 TEST_F(disk, failures_say_what_could_not_be_done) {
     files.write("f", "x");
     files.write("g", "x");
+    files.write("h", "x");
+    files.write("h.info.rsrc", "x"); // a side fork of a sidecar makes a file of it
     std::filesystem::create_directory(files.host("f.info"));
     std::filesystem::create_symlink("nowhere", files.host("g.info"));
     struct {
@@ -215,6 +218,7 @@ TEST_F(disk, failures_say_what_could_not_be_done) {
         {"f", -1, "io::attributes: unknown attributes type: 0", "io::attributes: unknown attributes type: 0"},
         {"f", 1, "io::fork: cannot open: 5", "io::fork: cannot create: 5"},
         {"g", 1, "io::fork: cannot open: 2", "io::fork: cannot create: 80"},
+        {"h", 3, "io::fork: cannot open: 2", ""},
     };
     for (auto const & row : cases) {
         SCOPED_TRACE(row.name);
@@ -228,6 +232,22 @@ TEST_F(disk, failures_say_what_could_not_be_done) {
     }
     EXPECT_FALSE(files.exists("nowhere"));
     EXPECT_FALSE(files.exists("missing"));
+}
+
+TEST_F(disk, names_go_to_the_system_in_the_narrow_form_too) {
+    io::wide_calls = false;
+    for (char const * name : {"f", "\xC3\xA9"}) { // one that the ANSI page has
+        files.write(name, "x");
+        io::attributes set;
+        set.created = mac(seconds);
+        set.modified = mac(seconds);
+        set.apply(path(name), 1);
+        EXPECT_EQ(loaded(name, 0).modified.value().file_time(), file_time);
+        EXPECT_EQ(loaded(name, 1).created.value().mac_time(), seconds << 16);
+    }
+    files.write("\xE6\x97\xA5", "x");
+    EXPECT_NE(thrown([&] { loaded("\xE6\x97\xA5", 0); }), "");
+    io::wide_calls = true;
 }
 
 TEST_F(disk, a_set_survives_the_way_over_another_file) {
