@@ -22,13 +22,6 @@ constexpr uint32 loaded_bits = platform::FILE_ATTRIBUTE_READONLY | platform::FIL
                                | platform::FILE_ATTRIBUTE_ARCHIVE | platform::FILE_ATTRIBUTE_NORMAL
                                | platform::FILE_ATTRIBUTE_TEMPORARY;
 
-uint32 bits_of(any::path const & path) { return platform::GetFileAttributesW(system_name(path)); }
-
-bool exists(uint32 bits) { return bits != platform::INVALID_FILE_ATTRIBUTES; }
-
-/// Opening a pipe or a device may have effects, and reading it may wait.
-bool is_device(uint32 bits) { return exists(bits) && (bits & platform::FILE_ATTRIBUTE_DEVICE) != 0; }
-
 int open_times(any::path const & path, uint32 access) {
     return platform::CreateFileW(system_name(path), access, platform::FILE_SHARE_READ | platform::FILE_SHARE_WRITE,
                                  platform::OPEN_EXISTING, platform::FILE_FLAG_BACKUP_SEMANTICS);
@@ -83,20 +76,20 @@ void attributes::load(any::path const & path, int type) {
     any::time last = modified.value();
     created = first; // present from here on, also if a call fails
     modified = last;
-    uint32 const bits = bits_of(path);
-    if (!exists(bits))
+    system_bits const bits(path);
+    if (!bits.exists())
         raise_system_error(path, "what is this", origin);
     get_time(path, &first, &last);
     created = first;
     modified = last;
 
     io::win32::attributes found;
-    found.flags = bits & loaded_bits;
+    found.flags = bits.value() & loaded_bits;
     win32 = found;
-    read_only = (bits & platform::FILE_ATTRIBUTE_READONLY) != 0;
+    read_only = bits.has(platform::FILE_ATTRIBUTE_READONLY);
     io::unix::attributes derived;
     derived.mode = read_only.value() ? 0400 : 0640;
-    if ((bits & platform::FILE_ATTRIBUTE_DIRECTORY) != 0)
+    if (bits.directory())
         derived.mode.value += 0110;
     unix = derived;
 
@@ -129,10 +122,10 @@ void attributes::apply(any::path const & path, int type) const {
 
 void attributes::load_bin(any::path const & path) {
     file sidecar = sidecar_of(path);
-    uint32 const bits = bits_of(sidecar.path());
+    system_bits const bits(sidecar.path());
     // A side fork of the sidecar itself makes it a file that cannot be opened.
-    bool const nothing = !exists(bits) && !sidecar.info_fork().exists() && !sidecar.rsrc_fork().exists();
-    if (nothing || is_device(bits))
+    bool const nothing = !bits.exists() && !sidecar.info_fork().exists() && !sidecar.rsrc_fork().exists();
+    if (nothing || bits.device())
         return;
     std::array<char, info_header::size> bytes;
     fork & stored = sidecar.data_fork();
@@ -155,7 +148,7 @@ void attributes::apply_bin(any::path const & path) const {
     // Before the old sidecar goes.
     auto const bytes =
         info_header{mac_file.value().info, mac_seconds(created.value()), mac_seconds(modified.value())}.write();
-    if (is_device(bits_of(sidecar.path()))) {
+    if (system_bits(sidecar.path()).device()) {
         platform::SetLastError(platform::ERROR_ACCESS_DENIED);
         raise_system_error(sidecar.path(), "cannot create", "io::fork");
     }

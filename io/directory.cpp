@@ -17,9 +17,8 @@ constexpr char const * origin = "io::directory";
 constexpr int tries = 999;
 
 bool is_directory_link(any::path const & path) {
-    constexpr uint32 both = platform::FILE_ATTRIBUTE_DIRECTORY | platform::FILE_ATTRIBUTE_REPARSE_POINT;
-    uint32 const bits = platform::GetFileAttributesW(system_name(path));
-    return bits != platform::INVALID_FILE_ATTRIBUTES && (bits & both) == both;
+    system_bits const bits(path);
+    return bits.directory() && bits.link();
 }
 
 } // namespace

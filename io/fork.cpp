@@ -114,9 +114,9 @@ uint64 fork::size() {
             raise("cannot determine the size of");
         return result;
     }
-    uint32 const bits = platform::GetFileAttributesW(system_name(fork_name()));
-    if (bits == platform::INVALID_FILE_ATTRIBUTES || (bits & platform::FILE_ATTRIBUTE_DEVICE) != 0)
-        return 0; // opening a pipe or a device may have effects
+    system_bits const bits(fork_name());
+    if (!bits.exists() || bits.device())
+        return 0;
     try {
         open();
         result = size();

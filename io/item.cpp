@@ -60,14 +60,9 @@ void item::apply_attributes(int type) const {
         attributes_.apply(path_, type);
 }
 
-bool item::exists() const {
-    return platform::GetFileAttributesW(system_name(path_)) != platform::INVALID_FILE_ATTRIBUTES;
-}
+bool item::exists() const { return system_bits(path_).exists(); }
 
-bool item::directory() const {
-    uint32 const bits = platform::GetFileAttributesW(system_name(path_));
-    return bits != platform::INVALID_FILE_ATTRIBUTES && (bits & platform::FILE_ATTRIBUTE_DIRECTORY) != 0;
-}
+bool item::directory() const { return system_bits(path_).directory(); }
 
 bool item::link() const {
     if (path_.empty())
@@ -150,11 +145,10 @@ bool item::_move(any::path const & target) {
 }
 
 uint64 item::size() {
-    uint32 const bits = platform::GetFileAttributesW(system_name(path_));
-    if (bits != platform::INVALID_FILE_ATTRIBUTES && (bits & platform::FILE_ATTRIBUTE_DIRECTORY) != 0)
+    system_bits const bits(path_);
+    if (bits.directory())
         return 0;
-    // Opening what is no file may have effects, or wait.
-    if (bits != platform::INVALID_FILE_ATTRIBUTES && (bits & platform::FILE_ATTRIBUTE_DEVICE) != 0)
+    if (bits.device())
         return all_ones;
     file opened(path_);
     io::fork & fork = opened.data_fork();
@@ -204,20 +198,20 @@ bool item::create_with_parents(bool overwrite) {
 }
 
 void item::scan(summary & sum) {
-    uint32 const bits = platform::GetFileAttributesW(system_name(path_));
-    if (bits == platform::INVALID_FILE_ATTRIBUTES) {
+    system_bits const bits(path_);
+    if (!bits.exists()) {
         ++sum.missing;
         return;
     }
     ++sum.items;
-    if ((bits & platform::FILE_ATTRIBUTE_DIRECTORY) == 0) {
+    if (!bits.directory()) {
         ++sum.files;
         uint64 const bytes = size();
         sum.bytes += bytes == all_ones ? 0 : bytes;
         return;
     }
     ++sum.directories;
-    if ((bits & platform::FILE_ATTRIBUTE_REPARSE_POINT) != 0)
+    if (bits.link())
         return;
     io::directory folder(path_);
     for (auto entry = folder.begin(), last = folder.end(); entry != last; ++entry)
