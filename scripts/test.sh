@@ -66,7 +66,7 @@ check_client() {
 
 phase 'packages'
 need cmake=cmake ninja-build=ninja g++=g++ clang=clang++ clang-format=clang-format pkg-config=pkg-config \
-    ntfs-3g=ntfs-3g libxml2-utils=xmllint libgtest-dev=/usr/include/gtest/gtest.h \
+    ntfs-3g=ntfs-3g python3=python3 libxml2-utils=xmllint libgtest-dev=/usr/include/gtest/gtest.h \
     hfsutils=hcopy macutils=macunpack file=file tzdata=/usr/share/zoneinfo/America/New_York
 chmod 755 "$scratch"
 mkdir "$scratch/tests"
