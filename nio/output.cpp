@@ -1,5 +1,7 @@
 #include "nio/output.h"
 
+#include <typeinfo>
+
 namespace nio {
 
 output::~output() = default;
@@ -27,6 +29,8 @@ std::span<char> output::_room() { return {}; }
 
 void output::_use(uint64) {}
 
+bool output::_apart(std::span<char const>) const { return false; }
+
 infinite_output::~infinite_output() = default;
 
 void infinite_output::write(char const *, uint32 size) { position(position() + size); }
@@ -35,5 +39,7 @@ bool infinite_output::seek(uint64 where) {
     position(where);
     return true;
 }
+
+bool infinite_output::_apart(std::span<char const>) const { return typeid(*this) == typeid(infinite_output); }
 
 } // namespace nio

@@ -51,6 +51,7 @@ private:
     virtual bool _ours() const;
     virtual std::span<char> _room();
     virtual void _use(uint64 count);
+    virtual bool _apart(std::span<char const> data) const;
 
     uint64 position_ = 0;
 };
@@ -65,6 +66,9 @@ public:
     void write(char const * data, uint32 size) override;
     /// Always true.
     bool seek(uint64 where) override;
+
+private:
+    bool _apart(std::span<char const> data) const override;
 };
 
 } // namespace nio

@@ -4,6 +4,7 @@
 #include "stream/input.h"
 
 #include <algorithm>
+#include <functional>
 #include <typeinfo>
 
 namespace stream {
@@ -60,6 +61,12 @@ void array_output::resize(uint64 new_size) {
 void array_output::open() {
     if (_ours())
         memory_.limit = length_;
+}
+
+bool array_output::_apart(std::span<char const> data) const {
+    std::less_equal<char const *> const up_to;
+    char const * const first = memory_.bytes;
+    return _ours() && (up_to(data.data() + data.size(), first) || up_to(first + length_, data.data()));
 }
 
 bool array_output::_ours() const { return typeid(*this) == typeid(array_output); }

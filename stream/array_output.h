@@ -35,6 +35,7 @@ public:
 
 private:
     bool _ours() const override;
+    bool _apart(std::span<char const> data) const override;
 
     void open();
     uint64 left() const { return memory_.next < length_ ? length_ - memory_.next : 0; }

@@ -35,7 +35,8 @@ uint64 copier::process(input & source, output & target) {
 /// Reads once and writes what came, be it nothing.
 uint32 copier::move_block(input & source, output & target, uint32 count) {
     // A block that lies in memory as a whole goes straight to a sink of the library.
-    if (auto const held = lending::bytes(source); held.size() >= count && count > 0 && nio::lending::ours(target)) {
+    if (auto const held = lending::bytes(source);
+        held.size() >= count && count > 0 && nio::lending::apart(target, held.first(count))) {
         lending::take(source, count);
         target.write(held.data(), count);
         return count;

@@ -1,5 +1,7 @@
 #include "stream/filter_output.h"
 
+#include "nio/lending_internal.h"
+
 #include <typeinfo>
 
 namespace stream {
@@ -40,6 +42,10 @@ output & filter_output::beneath() const {
     if (!underlying_)
         throw exception("there is no stream beneath", "stream::filter_output");
     return *underlying_;
+}
+
+bool filter_output::_apart(std::span<char const> data) const {
+    return _ours() && underlying_ && nio::lending::apart(*underlying_, data);
 }
 
 bool filter_output::_ours() const { return typeid(*this) == typeid(filter_output); }

@@ -46,6 +46,7 @@ protected:
 
 private:
     bool _ours() const override;
+    bool _apart(std::span<char const> data) const override;
 
     output * underlying_ = nullptr;
 };

@@ -25,6 +25,8 @@ void infinite_output::copy_from(input & source) {
 
 void infinite_output::resize(uint64) {}
 
+bool infinite_output::_apart(std::span<char const>) const { return _ours(); }
+
 bool infinite_output::_ours() const { return typeid(*this) == typeid(infinite_output); }
 
 } // namespace stream

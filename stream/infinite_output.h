@@ -26,6 +26,7 @@ public:
 
 private:
     bool _ours() const override;
+    bool _apart(std::span<char const> data) const override;
 
     uint64 count_ = 0;
 };

@@ -125,13 +125,12 @@ uint64 input::_skip(uint64 count) {
 uint64 input::_copy_to(output & target) {
     scratch_.resize(buf_size);
     auto * const block = reinterpret_cast<char *>(scratch_.data());
-    bool const direct = nio::lending::ours(target);
     uint64 total = 0;
     for (;;) {
         // Whole blocks that are already in memory go straight to a sink of the library. A caller's sink might look at
         // the address, or read on from this stream.
-        auto const held = direct ? _lend() : std::span<char const>();
-        if (held.size() >= buf_size) {
+        auto const held = _lend();
+        if (held.size() >= buf_size && nio::lending::apart(target, held.first(buf_size))) {
             _take(buf_size);
             target.write(held.data(), buf_size);
             total += buf_size;

@@ -6,7 +6,7 @@ namespace stream {
 
 /// Writes one stream across a series of targets of limited size. A subclass gives the series in `next()`, which is
 /// called for the first target too, and owns the targets. A target is filled to exactly its limit before more bytes
-/// make the next one start.
+/// make the next one start. One with a limit of 0 is passed over, so that a series has to come to room, or to an end.
 ///
 /// With bytes left and no target, `write` throws "I have run out of files to write"; by then what fitted has been
 /// written and counted, and the stream is finished. Text, `copy_from`, `resize`, `flush_through` and `close` act on the

@@ -67,6 +67,8 @@ void vector_output::resize(uint64 new_size) {
         vector_.resize(new_size);
 }
 
+bool vector_output::_apart(std::span<char const>) const { return _ours(); }
+
 bool vector_output::_ours() const { return typeid(*this) == typeid(vector_output); }
 
 std::span<char> vector_output::_room() {

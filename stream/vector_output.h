@@ -37,6 +37,7 @@ public:
 
 private:
     bool _ours() const override;
+    bool _apart(std::span<char const> data) const override;
     std::span<char> _room() override;
     void _use(uint64 count) override;
 

@@ -1,4 +1,3 @@
-#include "stream/buffered_output.h"
 #include "stream/multi_input.h"
 #include "stream/multi_output.h"
 #include "stream/vector_input.h"
@@ -156,7 +155,6 @@ TEST(MultiOutput, LosesNothingWhenATargetFails) {
     std::string const data = "abcdefghijklmnopqrstuvwxyz";
     for (int n = 1; n <= 8; ++n) {
         files out({7, 7, 7, 7}, n);
-        stream::buffered_output buffered(out, 2);
         std::size_t at = 0;
         int failures = 0;
         while (at < data.size()) {

@@ -1,5 +1,7 @@
-#include "stream/buffered_output.h"
+#include "stream/array_input.h"
+#include "stream/array_output.h"
 #include "stream/copier.h"
+#include "stream/filter_output.h"
 #include "stream/vector_input.h"
 #include "stream/vector_output.h"
 #include "tests/support/streams.h"
@@ -65,6 +67,22 @@ TEST(Copier, MovesInBlocks) {
         EXPECT_EQ(again.tell(), expected);
     }
     EXPECT_EQ(stream::copier().buffer_size(), 65536u);
+}
+
+TEST(Copier, CopiesWithinOneArrayAsThroughItsBlock) {
+    for (bool const lent : {false, true}) {
+        byte_vector data = support::pattern(60);
+        auto * const bytes = reinterpret_cast<char *>(data.data());
+        std::string const expected = text(data).substr(3, 40);
+        stream::array_input in(bytes + 2, 42);
+        in.read();
+        if (!lent)
+            in.unread(bytes[2]), in.skip(1);
+        stream::array_output array(bytes + 12, 44);
+        stream::filter_output out(array);
+        stream::copier(40).process(in, out, 40);
+        EXPECT_EQ(text(data).substr(12, 40), expected) << lent;
+    }
 }
 
 TEST(Copier, StopsWhereAStreamFails) {

@@ -96,6 +96,12 @@ narrow_string root_file_system() {
     return type;
 }
 
+/// It stays what it is while the process runs.
+narrow_string const & root_name() {
+    static narrow_string const name = root_file_system();
+    return name;
+}
+
 } // namespace
 
 } // namespace posix
@@ -118,7 +124,7 @@ bool GetVolumeInformationW(wide_string const & root, wide_string & file_system) 
         return posix::report(code);
     }
     bool const host_root = resolved.on->letter == 'C';
-    file_system = posix::from_host_name(host_root ? posix::root_file_system() : resolved.on->file_system);
+    file_system = posix::from_host_name(host_root ? posix::root_name() : resolved.on->file_system);
     return true;
 }
 
