@@ -15,7 +15,8 @@ unpacked=$(mktemp -d)
 trap 'rm -rf "$unpacked"' EXIT
 printf '\nUnpacked, each with a resource fork if it has one, and its Finder data:\n\n'
 build/demo/examples/macbinary/macbinary --unpack="$unpacked" examples/samples/*.bin
-ls -l "$unpacked"
+printf '\nWhat a walk over that folder shows:\n\n'
+build/demo/examples/macbinary/macbinary --walk "$unpacked"
 
 printf '\nAnd packed again:\n\n'
 build/demo/examples/macbinary/macbinary --pack="$unpacked/again.bin" "$unpacked/Both Forks"

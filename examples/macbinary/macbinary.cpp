@@ -4,6 +4,7 @@
 #include "header.h"
 #include "mac_roman.h"
 #include "packing.h"
+#include "walking.h"
 #include "xml_report.h"
 
 #include "command/line.h"
@@ -66,6 +67,17 @@ bool pack_all(std::vector<narrow_string> const & paths, narrow_string const & ta
     return each(paths, [&](narrow_string const & path) { pack(path, target); });
 }
 
+bool walk_all(std::vector<narrow_string> const & paths) {
+    bool good = true;
+    for (auto const & path : paths) {
+        if (show_tree(path))
+            continue;
+        std::cerr << "macbinary: " << path << " is no folder\n";
+        good = false;
+    }
+    return good;
+}
+
 } // namespace
 
 int main(int argc, char ** argv) {
@@ -74,6 +86,7 @@ int main(int argc, char ** argv) {
         command::option<bool> xml(line, "--xml", false, "write an XML document");
         command::option<narrow_string> unpacked(line, "--unpack", "", "unpack the files into this folder");
         command::option<narrow_string> packed(line, "--pack", "", "pack one file, with its side forks, into this one");
+        command::option<bool> walk(line, "--walk", false, "show what is in folders, with side forks");
         command::option<bool> help(line, "--help|-h", false, "show this list");
         line.digest();
         if (help() || line.empty()) {
@@ -82,6 +95,7 @@ int main(int argc, char ** argv) {
         }
         bool const good = unpacked.found() ? unpack_all(line, unpacked())
                           : packed.found() ? pack_all(line, packed())
+                          : walk()         ? walk_all(line)
                           : xml()          ? show_as_xml(line)
                                            : show_all(line);
         return good && std::cout.flush() ? 0 : 1;

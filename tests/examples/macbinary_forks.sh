@@ -137,3 +137,18 @@ if command -v script >/dev/null; then
 else
     echo 'left out: script is not installed'
 fi
+
+# A walk shows each file once, with its forks, and does not follow links.
+mkdir -p walked/inner
+"$program" --unpack=walked/inner both_forks.bin >/dev/null
+ln -s .. walked/up
+printf 'x' >$'walked/odd\n\xff'
+"$program" --walk walked >out
+diff - out <<'END'
+walked
+    inner/
+        Both Forks  data 33, resource 410, APPL SoCl
+    odd\x0a\xff  data 1, resource 0
+    up/
+END
+refused 'is no folder' --walk both_forks.bin
