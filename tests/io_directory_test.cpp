@@ -2,12 +2,15 @@
 #include "io/exception.h"
 #include "io/file.h"
 #include "platform/host.h"
+#include "platform/posix/host_calls.h"
 #include "tests/support/scratch.h"
 
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <cstdlib>
 #include <functional>
+#include <string_view>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -202,6 +205,29 @@ TEST(io_item, scans_and_moves) {
     EXPECT_EQ(file.path().full_string(), path_in(folder, "none/a").full_string());
     tree.unlink(false);
     EXPECT_TRUE(folder.exists("d"));
+}
+
+TEST(io_attributes, keep_what_a_host_without_extended_attributes_can) {
+    scratch const folder;
+    folder.write("from", "x");
+    folder.write("to", "y");
+    platform::posix::host::fault = [](char const * call) {
+        return std::string_view(call).find("xattr") != std::string_view::npos ? ENOTSUP : 0;
+    };
+    io::attributes set, got;
+    set.load(path_in(folder, "from"), 0);
+    set.modified = any::time(126227808000000000, nio::time::format_file_time);
+    set.created = set.modified.value();
+    io::win32::attributes bits;
+    bits.flags = 0x23; // read-only, hidden and archive
+    set.win32 = bits;
+    set.apply(path_in(folder, "to"), 0);
+    got.load(path_in(folder, "to"), 0);
+    platform::posix::host::fault = nullptr;
+    EXPECT_EQ(got.modified.value().file_time(), set.modified.value().file_time());
+    EXPECT_TRUE(got.read_only.value());
+    EXPECT_EQ(got.win32.value().flags, 0x21u); // what is hidden cannot be kept
+    EXPECT_FALSE(io::item(path_in(folder, "to")).directory());
 }
 
 } // namespace
