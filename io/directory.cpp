@@ -74,10 +74,11 @@ void directory::unlink_children(bool report) {
     for (bool removed = true; removed;) {
         removed = false;
         for (iterator entry = begin(), last; entry != last; ++entry) {
+            bool const reachable = entry->exists();
             if (entry->directory())
                 directory(entry->path()).unlink_children(report);
             entry->unlink(report);
-            removed = removed || !entry->exists();
+            removed = removed || (reachable && !entry->exists());
         }
     }
 }

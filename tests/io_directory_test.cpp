@@ -118,11 +118,18 @@ TEST(io_directory, what_cannot_be_deleted_ends_the_emptying) {
     folder.write("tree/sub/kept", "kept");
     folder.write("tree/other", "");
     fs::permissions(folder.host("tree/sub/kept"), fs::perms::owner_read);
+    // Its entries are listed, but an ordinary user reaches none of them.
+    fs::create_directory(folder.host("tree/locked"));
+    folder.write("tree/locked/listed", "");
+    fs::permissions(folder.host("tree/locked"), fs::perms::owner_read | fs::perms::owner_write);
     io::directory tree(path_in(folder, "tree"));
     tree.unlink_with_children(false);
     EXPECT_EQ(folder.read("tree/sub/kept"), "kept");
     EXPECT_FALSE(folder.exists("tree/other"));
+    EXPECT_EQ(folder.exists("tree/locked"), geteuid() != 0);
     EXPECT_NE(raised([&] { tree.unlink_with_children(true); }), "nothing");
+    if (geteuid() != 0)
+        fs::permissions(folder.host("tree/locked"), fs::perms::owner_all);
 }
 
 TEST(io_directory, is_created_with_its_parents) {
