@@ -6,8 +6,8 @@
 /// ANSI page, -3 UTF-8 of single units (`nio/utf8.h`), and any other the system's OEM page.
 namespace nio {
 
-/// What the page cannot show becomes "_", and zero bytes at the end are dropped. An unknown page, and a text of 4 GiB
-/// or more, give the empty string.
+/// By a page, what it cannot show becomes "_", and zero bytes at the end are dropped; UTF-8 keeps both. An unknown
+/// page, and a text of 4 GiB or more for a page, give the empty string.
 SOCLE_API narrow_string encode(wide_string const & text, int encoding);
 /// UTF-8 is validated. What the page refuses gives the empty string.
 SOCLE_API wide_string decode(narrow_string const & bytes, int encoding);

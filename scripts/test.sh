@@ -102,6 +102,9 @@ phase 'AddressSanitizer and UndefinedBehaviorSanitizer'
 build asan
 run_tests ctest --preset asan
 
+phase 'each fuzzer for some seconds'
+scripts/fuzz.sh 4
+
 phase 'installed copy'
 prefix=$scratch/prefix
 cmake --install build/dev --prefix "$prefix"

@@ -1,0 +1,84 @@
+#pragma once
+
+#include "basic/types.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <span>
+#include <string>
+#include <string_view>
+
+/// What every target is made of. A target defines `run`.
+namespace fuzz {
+
+/// One input. It must not depend on any other, and must not leave anything behind.
+void run(std::string_view input);
+
+/// Ends the program where a promise is broken.
+inline void check(bool kept, char const * file = __builtin_FILE(), int line = __builtin_LINE()) {
+    if (kept)
+        return;
+    std::fprintf(stderr, "%s:%d: a promise is broken\n", file, line);
+    std::abort();
+}
+
+/// The input of a target, taken apart from the front. At its end every number is 0 and every text empty.
+class feed {
+public:
+    explicit feed(std::string_view input) : left_(input) {}
+
+    bool empty() const { return left_.empty(); }
+
+    unsigned char byte() {
+        auto const taken = bytes(1);
+        return taken.empty() ? 0 : static_cast<unsigned char>(taken[0]);
+    }
+
+    bool flag() { return (byte() & 1) != 0; }
+
+    /// 0 to `limit` - 1.
+    uint32 below(uint32 limit) { return (limit <= 256 ? byte() : number()) % limit; }
+
+    uint32 number() {
+        uint32 value = 0;
+        for (int i = 0; i < 4; ++i)
+            value = value << 8 | byte();
+        return value;
+    }
+
+    uint64 long_number() {
+        uint64 const high = number();
+        return high << 32 | number();
+    }
+
+    std::string_view bytes(std::size_t count) {
+        auto const taken = left_.substr(0, count);
+        left_.remove_prefix(taken.size());
+        return taken;
+    }
+
+    /// A text of up to 255 bytes with its length in front.
+    narrow_string text() { return narrow_string(bytes(byte())); }
+
+    std::string_view rest() { return bytes(left_.size()); }
+
+    /// 16-bit units, the low byte first; an odd byte at the end is left out.
+    static wide_string units(std::string_view bytes) {
+        wide_string text(bytes.size() / 2, u'\0');
+        for (std::size_t i = 0; i < text.size(); ++i)
+            text[i] = static_cast<char16_t>(static_cast<unsigned char>(bytes[2 * i])
+                                            | static_cast<unsigned char>(bytes[2 * i + 1]) << 8);
+        return text;
+    }
+
+    wide_string wide_text() { return units(bytes(byte())); }
+    wide_string wide_rest() { return units(rest()); }
+
+private:
+    std::string_view left_;
+};
+
+inline byte_vector vector_of(std::string_view bytes) { return {bytes.begin(), bytes.end()}; }
+
+} // namespace fuzz
