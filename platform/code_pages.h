@@ -26,7 +26,7 @@ uint32 MultiByteToWideChar(uint32 page, char const * from, uint32 count, char16_
 /// Converts `count` units and gives the number of bytes, as above.
 /// - A unit that the page lacks becomes `default_character`, one byte, or a question mark if that is null. Then
 ///   `used_default`, if it is not null, is set to true, and to false otherwise.
-/// - UTF-8 lacks only lone surrogates, which become U+FFFD without a word.
+/// - UTF-8 lacks only lone surrogates, which become U+FFFD instead.
 uint32 WideCharToMultiByte(uint32 page, char16_t const * from, uint32 count, char * to, uint32 capacity,
                            char const * default_character, bool * used_default);
 

@@ -138,8 +138,10 @@ TEST(CodePages, Utf8HasRealPairs) {
         EXPECT_EQ(decoded(CP_UTF8, c.bytes), c.units);
         EXPECT_EQ(encoded(CP_UTF8, c.units), c.back.empty() ? c.bytes : c.back);
     }
-    bool used = true;
+    bool used = false;
     EXPECT_EQ(encoded(CP_UTF8, u"\xDC00\xD800", &used), "\xEF\xBF\xBD\xEF\xBF\xBD");
+    EXPECT_TRUE(used);
+    encoded(CP_UTF8, u"\xD83D\xDE00", &used);
     EXPECT_FALSE(used);
 }
 

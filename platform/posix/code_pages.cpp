@@ -223,14 +223,16 @@ void put_utf8(char32_t character, Out & out) {
     put(character & 0x3F, 0x80);
 }
 
-uint32 encode_utf8(char16_t const * from, char16_t const * end, char * to, uint32 capacity) {
+uint32 encode_utf8(char16_t const * from, char16_t const * end, char * to, uint32 capacity, bool & used_default) {
     return convert_to(to, capacity, 3 * uint64(end - from), [&](auto & result) {
-        convert_steps(from, end, result, [](char16_t const *& at, char16_t const * last, auto & out) {
+        convert_steps(from, end, result, [&](char16_t const *& at, char16_t const * last, auto & out) {
             char32_t character = *at++;
-            if ((character & 0xFC00) == 0xD800 && at != last && (*at & 0xFC00) == 0xDC00)
+            if ((character & 0xFC00) == 0xD800 && at != last && (*at & 0xFC00) == 0xDC00) {
                 character = 0x10000 + ((character & 0x3FF) << 10) + (*at++ & 0x3FF);
-            else if ((character & 0xF800) == 0xD800)
+            } else if ((character & 0xF800) == 0xD800) {
                 character = replacement;
+                used_default = true;
+            }
             put_utf8(character, out);
         });
     });
@@ -342,7 +344,7 @@ uint32 WideCharToMultiByte(uint32 page, char16_t const * from, uint32 count, cha
     char16_t const * const end = from + count;
     char const other = default_character ? *default_character : '?';
     bool used = false;
-    uint32 const result = !tables                ? encode_utf8(from, end, to, capacity)
+    uint32 const result = !tables                ? encode_utf8(from, end, to, capacity, used)
                           : tables->double_bytes ? encode_double_bytes(*tables, from, end, to, capacity, other, used)
                                                  : encode_single_bytes(*tables, from, end, to, capacity, other, used);
     if (result > 0 && used_default)

@@ -1,0 +1,92 @@
+/// Integers in a stated byte order, over memory, over a source that lends nothing, and over a buffer.
+
+#include "fuzz/support/feed.h"
+#include "fuzz/support/sources.h"
+#include "stream/buffered_input.h"
+#include "stream/endian_input.h"
+#include "stream/endian_output.h"
+#include "stream/vector_input.h"
+#include "stream/vector_output.h"
+
+#include <bit>
+
+namespace {
+
+using fuzz::check;
+
+/// As the contract tells it: each byte that is missing is 0xFF in the host's order, otherwise it sets every bit from
+/// its place upward.
+uint64 word(std::string_view bytes, std::size_t & at, int width, bool big) {
+    bool const host_order = big == (std::endian::native == std::endian::big);
+    uint32 value = 0;
+    for (int i = 0; i < width; ++i) {
+        bool const here = at < bytes.size();
+        uint32 const byte = here ? static_cast<unsigned char>(bytes[at++]) : host_order ? 0xFFu : 0xFFFFFFFFu;
+        value |= byte << 8 * (big ? width - 1 - i : i);
+    }
+    return width == 2 ? value & 0xFFFF : value;
+}
+
+uint64 expected(std::string_view bytes, std::size_t & at, int width, bool big) {
+    if (width < 8)
+        return width == 1 ? word(bytes, at, 1, big) & 0xFF : word(bytes, at, width, big);
+    uint64 const first = word(bytes, at, 4, big), second = word(bytes, at, 4, big);
+    return big ? first << 32 | second : second << 32 | first;
+}
+
+uint64 read(stream::endian_input & in, int width) {
+    switch (width) {
+    case 1: return in.read8();
+    case 2: return in.read16();
+    case 3: return in.read24();
+    case 4: return in.read32();
+    default: return in.read64();
+    }
+}
+
+void write(stream::endian_output & out, int width, uint64 value) {
+    switch (width) {
+    case 1: return out.write8(static_cast<unsigned char>(value));
+    case 2: return out.write16(static_cast<uint16>(value));
+    case 3: return out.write24(static_cast<uint32>(value));
+    case 4: return out.write32(static_cast<uint32>(value));
+    default: return out.write64(value);
+    }
+}
+
+template <class Input, class Output>
+void run(std::string_view widths, std::string_view data, bool big) {
+    byte_vector const bytes = fuzz::vector_of(data);
+    stream::vector_input memory(bytes);
+    fuzz::unlent plain(data), beneath(data);
+    stream::buffered_input buffer(beneath, 5);
+    Input readers[] = {Input(memory), Input(plain), Input(buffer)};
+    byte_vector written;
+    stream::vector_output sink(written);
+    Output out(sink);
+    std::size_t at = 0, whole = 0;
+    for (char const choice : widths) {
+        static constexpr int all[] = {1, 2, 3, 4, 8};
+        int const width = all[static_cast<unsigned char>(choice) % 5];
+        if (data.size() - at >= std::size_t(width))
+            whole = at + std::size_t(width);
+        uint64 const value = expected(data, at, width, big);
+        for (auto & in : readers) {
+            check(read(in, width) == value);
+            check(in.tell() == at);
+        }
+        write(out, width, value);
+    }
+    // What was read whole is written as it was.
+    check(std::equal(bytes.begin(), bytes.begin() + std::ptrdiff_t(whole), written.begin()));
+}
+
+} // namespace
+
+void fuzz::run(std::string_view input) {
+    feed in(input);
+    narrow_string const widths = in.text();
+    auto const data = in.rest();
+    ::run<stream::big_endian_input, stream::big_endian_output>(widths, data, true);
+    ::run<stream::little_endian_input, stream::little_endian_output>(widths, data, false);
+}

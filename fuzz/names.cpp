@@ -1,0 +1,111 @@
+/// Names and texts in many encodings, their fragments, and the match of a pattern.
+
+#include "any/exception.h"
+#include "any/name.h"
+#include "any/string.h"
+#include "fuzz/support/feed.h"
+
+#include <vector>
+
+namespace {
+
+using fuzz::check;
+
+/// As told at `any::string::pattern_match`, of a text in ASCII: it may go on behind the pattern, and each piece is
+/// looked for from the start of the piece before it.
+bool plain_match(std::string_view text, std::string_view pattern) {
+    text = text.substr(0, text.find('\0'));
+    bool first = true;
+    for (;;) {
+        auto const star = pattern.find('*');
+        auto const at = text.find(pattern.substr(0, star));
+        if (at == text.npos || (first && at != 0))
+            return false;
+        if (star == pattern.npos)
+            return true;
+        text.remove_prefix(at);
+        pattern.remove_prefix(star + 1);
+        first = false;
+    }
+}
+
+bool is_ascii(std::string_view text) {
+    return std::all_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) - 1u < 0x7F; });
+}
+
+void fragments(wide_string const & text, char16_t separator) {
+    any::name name(separator);
+    name.set_ucs2(text);
+    std::vector<wide_string> wanted;
+    for (std::size_t start = 0; start <= text.size() && !text.empty();) {
+        std::size_t const end = std::min(text.find(separator, start), text.size());
+        if (text.substr(start, end - start) != u".")
+            wanted.push_back(text.substr(start, end - start));
+        start = end + 1;
+    }
+    while (wanted.size() > 1 && wanted.back().empty())
+        wanted.pop_back();
+    std::vector<wide_string> found;
+    for (auto it = name.fragment_begin(); it != name.fragment_end(); it++)
+        found.push_back(*it);
+    check(found == wanted && name.fragment_size() == wanted.size());
+    check(name.leaf() == (wanted.empty() ? wide_string() : wanted.back()));
+    if (text.empty())
+        return;
+    name.add_leaf(u"leaf");
+    check(separator == u'l' || separator == u'e' || separator == u'a' || separator == u'f' || name.leaf() == u"leaf");
+}
+
+void encodings(narrow_string const & bytes, wide_string const & text) {
+    for (bool const ansi : {true, false}) {
+        // From a page and back: the pages are told to be inverse.
+        any::string const from(bytes, ansi);
+        any::name name;
+        if (ansi)
+            name.set_ansi(bytes);
+        else
+            name.set_oem(bytes);
+        check(name.get_ucs2() == from);
+        narrow_string kept = bytes;
+        while (!kept.empty() && kept.back() == '\0')
+            kept.pop_back();
+        check((ansi ? name.get_ansi() : name.get_oem()) == kept && from.str(ansi) == kept);
+
+        // A text has a narrow form, folded if need be.
+        any::string const any_text(text);
+        narrow_string const narrow = any_text.str(ansi);
+        check(narrow == any_text.cstr(ansi) || narrow.find('\0') != narrow.npos);
+        unsigned char const * const counted = any_text.pstr(ansi);
+        check(*counted == narrow.size() % 256
+              && std::equal(narrow.begin(), narrow.end(), counted + 1,
+                            [](char a, unsigned char b) { return static_cast<unsigned char>(a) == b; }));
+        name.set_ucs2(text);
+        try {
+            check((ansi ? name.get_ansi() : name.get_oem()) == narrow);
+        } catch (any::exception const & e) {
+            check(e.message() == "cannot convert from Unicode" && narrow.size() == text.size());
+        }
+    }
+}
+
+} // namespace
+
+void fuzz::run(std::string_view input) {
+    feed in(input);
+    char16_t const separator = in.flag() ? u'\\' : static_cast<char16_t>(in.byte());
+    narrow_string const pattern = in.text();
+    narrow_string const bytes(in.rest());
+    wide_string const text = feed::units(bytes);
+    fragments(text, separator);
+    fragments(wide_string(bytes.begin(), bytes.end()), separator);
+    encodings(bytes, text);
+
+    any::string const narrow(wide_string(bytes.begin(), bytes.end())),
+        wanted(wide_string(pattern.begin(), pattern.end()));
+    bool const fits = narrow.pattern_match(wanted);
+    if (is_ascii(bytes) && is_ascii(pattern))
+        check(fits == (plain_match(bytes, pattern) || bytes == pattern));
+    check(any::string(text).pattern_match(u"*") && any::string(text).pattern_match(text));
+    any::string(text).pattern_match(wanted);
+    check(any::string(text).ci_wstr() == narrow.ci_wstr() || text != wide_string(bytes.begin(), bytes.end()));
+}
