@@ -121,7 +121,8 @@ for dialect in gnu++20 c++20; do
             -include {} -x c++ /dev/null
 
     phase "installed copy, $dialect: a client through pkg-config"
-    g++ -std=$dialect "${warnings[@]}" "${compile_flags[@]}" examples/macbinary/*.cpp "${link_flags[@]}" \
+    g++ -std=$dialect "${warnings[@]}" "${compile_flags[@]}" -Iexamples examples/macbinary/*.cpp \
+        examples/common/*.cpp "${link_flags[@]}" \
         -o "$scratch/client-$dialect"
     check_client "$scratch/client-$dialect"
 

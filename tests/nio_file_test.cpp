@@ -9,11 +9,13 @@
 #include "platform/files.h"
 #include "platform/host.h"
 #include "tests/support/scratch.h"
+#include "un/digits.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <functional>
+#include <map>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -34,8 +36,8 @@ std::string raised(std::function<void()> const & act) {
 }
 
 std::string rest(nio::file & file) {
-    std::string all(1000, '\0');
-    all.resize(file.read(all.data(), 1000));
+    std::string all(100'000, '\0');
+    all.resize(file.read(all.data(), 100'000));
     return all;
 }
 
@@ -198,14 +200,24 @@ TEST(nio_file, keeps_its_fork_in_a_stream) {
     EXPECT_EQ(rest(file), "resource");
     file.close();
     EXPECT_FALSE(ntfs.folder.exists("._f"));
-    nio::file note(u"N:\\f:note", 3);
-    put(note, "remember");
-    note.close();
+    std::map<wide_string, std::string> const others = {
+        {u":note", "remember"},
+        {u":" + wide_string(60, u'n'), "a name that is longer than most"},
+        {u":large", std::string(100'000, 'l')},
+    };
+    for (auto const & [name, bytes] : others) {
+        nio::file stream(u"N:\\f" + name, 3);
+        put(stream, bytes);
+    }
+    nio::file information(u"N:\\f:AFP_AfpInfo", 3);
+    put(information, "information");
+    information.close();
 
-    // All but the data and the fork goes through a backup to another file, in pieces of any size.
-    for (uint32 const size : {1u, 7u, 4096u}) {
+    // All but the data and the forks goes through a backup to another file, in pieces of any size.
+    for (uint32 const size : {1u, 7u, 64u, 65'536u}) {
         file.open_ntfs();
-        nio::file copy(u"N:\\copy" + wide_string(1, static_cast<char16_t>(u'0' + size % 10)), 3);
+        std::string const digits = std::to_string(size);
+        nio::file copy(u"N:\\copy" + wide_string(digits.begin(), digits.end()), 3);
         copy.close();
         copy.open_ntfs_w();
         std::string block(size, '\0');
@@ -215,9 +227,12 @@ TEST(nio_file, keeps_its_fork_in_a_stream) {
         file.close_ntfs();
         copy.close_ntfs();
         EXPECT_FALSE(copy.is_open());
-        nio::file copied(copy.path() + u":note", 1);
-        EXPECT_EQ(rest(copied), "remember");
-        EXPECT_FALSE(nio::exists(copy.path() + u":AFP_Resource"));
+        for (auto const & [name, bytes] : others) {
+            nio::file copied(copy.path() + name, 1);
+            EXPECT_TRUE(rest(copied) == bytes);
+        }
+        EXPECT_FALSE(nio::exists(copy.path() + u":AFP_Resource") || nio::exists(copy.path() + u":AFP_AfpInfo"));
+        EXPECT_EQ(nio::file(copy.path(), 1).size(), 0u);
     }
 }
 
@@ -311,6 +326,24 @@ TEST(nio_attributes, go_from_one_file_to_another) {
     plain.apply(directory, false, false);
     nio::item none(folder.path("none"));
     EXPECT_EQ(raised([&] { nio::attributes missing(none); }), "cannot access timestamps");
+}
+
+TEST(nio_attributes, come_from_sidecars_of_other_programs) {
+    std::string const nothing = un::hex(narrow_string(32, '\0'));
+    std::pair<char const *, std::string> const table[] = {
+        {"Both Forks", "4150504c536f436c200000000000000000000000000000000000000000000000"},
+        {"Bundle Flags", "7273726352534544640000000000000000000000000000000000000000000000"},
+        {"Placed Icon", "5445585443574945004400000000000000000000000000000000000000000000"},
+        {"five_entries", "5445585443574945000000000000000000000000000000000000000000000000"},
+        {"moved_entry", "504446204341524f01020102030405060708090a0b0c0d0e0f10111213141516"},
+        {"no_entry_nine", nothing},
+        {"version_one", nothing},
+    };
+    for (auto const & [name, finder] : table) {
+        nio::item item(platform::from_host(std::string(TEST_SAMPLES "/appledouble/") + name));
+        auto const found = nio::attributes(item).finder_info;
+        EXPECT_EQ(un::hex(byte_vector(found.begin(), found.end())), finder) << name;
+    }
 }
 
 TEST(nio_attributes, change_only_the_information_of_a_sidecar) {

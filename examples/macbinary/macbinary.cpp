@@ -1,8 +1,8 @@
 // Shows what the headers of MacBinary files say: how a Macintosh file, its two forks and what the Finder knows of it
 // travel in one file of bytes. Unpacks such files into files with side forks, and packs them again.
 
+#include "common/mac_roman.h"
 #include "header.h"
-#include "mac_roman.h"
 #include "packing.h"
 #include "walking.h"
 #include "xml_report.h"

@@ -1,7 +1,7 @@
 #include "walking.h"
 
-#include "host_text.h"
-#include "mac_roman.h"
+#include "common/host_text.h"
+#include "common/mac_roman.h"
 
 #include "io/directory.h"
 #include "io/exception.h"

@@ -1,37 +1,19 @@
 #include "xml_report.h"
 
-#include "host_text.h"
-#include "mac_roman.h"
-
-namespace {
-
-/// `text`, which is fit to be read, as it may stand in an element or an attribute.
-narrow_string escaped(narrow_string const & text) {
-    narrow_string result;
-    for (char const c : text) {
-        switch (c) {
-        case '&': result += "&amp;"; break;
-        case '<': result += "&lt;"; break;
-        case '>': result += "&gt;"; break;
-        case '"': result += "&quot;"; break;
-        default: result += c;
-        }
-    }
-    return result;
-}
-
-} // namespace
+#include "common/host_text.h"
+#include "common/mac_roman.h"
+#include "common/xml_text.h"
 
 xml_report::xml_report() : memory_(bytes_), xml_(memory_, "macbinary", "macbinary.xsd", 1) { xml_.begin(); }
 
 void xml_report::add(narrow_string const & path, header const & h) {
     xml_.open_begin_tag("file");
-    xml_.string_attribute("path", escaped(readable_path(path)));
+    xml_.string_attribute("path", xml_text(readable_path(path)));
     xml_.close_begin_tag();
     xml_.indent();
-    xml_.string_element("name", escaped(readable(h.name)));
-    xml_.string_element("type", escaped(readable(h.finder.type.to_string())));
-    xml_.string_element("creator", escaped(readable(h.finder.creator.to_string())));
+    xml_.string_element("name", xml_text(readable(h.name)));
+    xml_.string_element("type", xml_text(readable(h.finder.type.to_string())));
+    xml_.string_element("creator", xml_text(readable(h.finder.creator.to_string())));
     xml_.string_element("finder_flags", hex_16(h.finder.flags));
     xml_.open_begin_tag("location");
     // Coordinates have a sign, which the integers of a document do not.
