@@ -2,8 +2,8 @@
 
 #include "examples/macbinary/xml_report.h"
 
-#include "examples/macbinary/host_text.h"
-#include "examples/macbinary/mac_roman.h"
+#include "examples/common/host_text.h"
+#include "examples/common/mac_roman.h"
 #include "fuzz/support/feed.h"
 #include "io/exception.h"
 #include "stream/vector_input.h"
