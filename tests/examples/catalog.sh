@@ -8,6 +8,7 @@ export TZ=America/New_York
 scratch=$(mktemp -d /var/tmp/socle_test_XXXXXX)
 finish() { chmod -R u+w "$scratch" && rm -rf "$scratch"; }
 trap finish EXIT
+trap 'echo "failed at line $LINENO"' ERR
 cd "$scratch"
 
 fail() { echo "$*"; exit 1; }
@@ -184,12 +185,12 @@ if command -v flock >/dev/null; then
     carry 0 sidecar from held
 fi
 if [ "$(id -u)" != 0 ]; then
-    mkdir -m 0 closed
-    mkdir half && mv closed half
+    mkdir half
+    mkdir -m 0 half/closed
     carry 1 sidecar half open
     grep -q 'half/closed was not walked to its end' err
     chmod 700 half/closed
 fi
 if command -v script >/dev/null; then
-    script -qec "'$program' --to=bar tree" /dev/null </dev/null | grep '\[#*\.*\] [0-9]*%' >/dev/null
+    script -qec "'$program' --to=bar from" /dev/null </dev/null | grep '\[#*\.*\] [0-9]*%' >/dev/null
 fi
