@@ -26,6 +26,9 @@ uint32 input::read(char * buffer, uint32 count) {
         if (given == count)
             return count;
     }
+    // Not even for nothing is the source asked before its turn: it would open its memory.
+    if (pending() > 0)
+        return 0;
     // A source that claims more than it was asked for is not believed.
     uint32 const wanted = count - given;
     return given + std::min(_read(buffer + given, wanted), wanted);
