@@ -10,6 +10,7 @@
 #include "platform/host.h"
 #include "un/digits.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 
@@ -36,10 +37,9 @@ narrow_string name_text(wide_string const & leaf) { return xml_text(readable_pat
 /// Where a fork lies, by the name of the file or stream.
 narrow_string place_text(wide_string const & path) {
     wide_string const leaf = nio::leaf(path, u'\\');
-    auto const colon = leaf.find(u':');
-    narrow_string const stream =
-        colon == wide_string::npos ? narrow_string() : narrow_string(leaf.begin() + colon, leaf.end());
-    return name_text(leaf.substr(0, colon)) + stream;
+    auto const colon = std::min(leaf.find(u':'), leaf.size());
+    wide_string const stream = leaf.substr(colon);
+    return name_text(leaf.substr(0, colon)) + narrow_string(stream.begin(), stream.end());
 }
 
 } // namespace
