@@ -12,6 +12,11 @@ need cmake=cmake ninja-build=ninja clang=clang++
 cmake --preset fuzz
 cmake --build --preset fuzz
 
+# Scratch folders in memory cost less.
+if [ -w /dev/shm ]; then
+    export TMPDIR=/dev/shm
+fi
+
 targets=("$@")
 if [ ${#targets[@]} -eq 0 ]; then
     for corpus in fuzz/corpus/*/; do

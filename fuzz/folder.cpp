@@ -1,0 +1,655 @@
+/// Files, folders, forks and links of both families, made, changed, moved and deleted at random in a scratch folder,
+/// which after each step has to hold just what a model of it holds.
+
+#include "fuzz/support/feed.h"
+#include "io/directory.h"
+#include "io/exception.h"
+#include "io/file.h"
+#include "io/fork_input.h"
+#include "io/fork_output.h"
+#include "nio/apple_double_internal.h"
+#include "nio/directory.h"
+#include "nio/file.h"
+#include "nio/filesystem_exception.h"
+#include "nio/move.h"
+#include "platform/host.h"
+
+#include <cctype>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <map>
+#include <vector>
+
+namespace {
+
+namespace fs = std::filesystem;
+using fuzz::check;
+
+enum class kind { file, folder, link };
+
+struct node {
+    kind what;
+    std::string bytes = {};
+};
+
+/// What the operation has to refuse by throwing.
+struct refusal {};
+
+constexpr auto join = [](std::string const & folder, std::string const & leaf) {
+    return folder.empty() ? leaf : folder + '/' + leaf;
+};
+std::string parent_of(std::string const & path) {
+    auto const at = path.rfind('/');
+    return at == path.npos ? "" : path.substr(0, at);
+}
+std::string leaf_of(std::string const & path) { return path.substr(path.rfind('/') + 1); }
+std::string sidecar_of(std::string const & path) { return join(parent_of(path), "._" + leaf_of(path)); }
+std::string normal(std::string path) {
+    std::replace(path.begin(), path.end(), '?', '_');
+    return path;
+}
+
+/// The folder, by paths with slashes; the empty one is the folder itself.
+class model {
+public:
+    std::map<std::string, node> nodes;
+
+    bool is(std::string const & path, kind what) const {
+        auto const found = nodes.find(path);
+        return found != nodes.end() && found->second.what == what;
+    }
+    bool is_folder(std::string const & path) const { return path.empty() || is(path, kind::folder); }
+    bool exists(std::string const & path) const { return path.empty() || nodes.count(path) > 0; }
+    /// As the system sees it: a link answers for its target, a folder.
+    bool looks_like_folder(std::string const & path) const { return is_folder(path) || is(path, kind::link); }
+
+    std::vector<std::string> children(std::string const & folder) const {
+        std::vector<std::string> found;
+        for (auto const & [path, each] : nodes) {
+            if (parent_of(path) == folder)
+                found.push_back(path);
+        }
+        std::sort(found.begin(), found.end(),
+                  [](std::string const & a, std::string const & b) { return upper(a) < upper(b); });
+        return found;
+    }
+    void erase_below(std::string const & folder) {
+        std::erase_if(nodes, [&](auto const & each) { return each.first.starts_with(folder + '/'); });
+    }
+
+    // What the system does.
+
+    bool can_make(std::string const & path) const {
+        return path.find('?') == path.npos && !exists(path) && is_folder(parent_of(path));
+    }
+    bool make_file(std::string const & path, bool overwrite) {
+        if (!can_make(path) && !(overwrite && is(path, kind::file)))
+            return false;
+        nodes[path] = {kind::file};
+        return true;
+    }
+    bool make_folder(std::string const & path) {
+        bool const possible = can_make(path);
+        if (possible)
+            nodes[path] = {kind::folder};
+        return possible;
+    }
+    bool delete_file(std::string const & path) {
+        bool const possible = is(path, kind::file) || is(path, kind::link);
+        if (possible)
+            nodes.erase(path);
+        return possible;
+    }
+    bool delete_folder(std::string const & path) {
+        bool const possible = is(path, kind::link) || (is(path, kind::folder) && children(path).empty());
+        if (possible)
+            nodes.erase(path);
+        return possible;
+    }
+    bool move(std::string const & from, std::string const & to) {
+        if (!exists(from) || (from != to && (!can_make(to) || to.starts_with(from + '/'))))
+            return false;
+        std::map<std::string, node> moved;
+        for (auto const & [path, each] : nodes) {
+            bool const goes = path == from || path.starts_with(from + '/');
+            moved[goes ? to + path.substr(from.size()) : path] = each;
+        }
+        nodes = std::move(moved);
+        return true;
+    }
+
+    // What the io family does.
+
+    std::string unique(std::string const & path) const {
+        auto const leaf = leaf_of(path);
+        auto const stop = std::min(leaf.find('.'), leaf.size());
+        for (int i = 0;; ++i) {
+            auto const number = i == 0 ? "" : '_' + std::to_string(i);
+            auto const candidate = join(parent_of(path), leaf.substr(0, stop) + number + leaf.substr(stop));
+            if (!exists(candidate))
+                return candidate;
+        }
+    }
+    /// Gives the path of the file afterwards.
+    std::string create_fork(std::string path, std::string const & suffix, bool overwrite) {
+        if (make_file(path + suffix, overwrite))
+            return path;
+        auto const safe = normal(path);
+        if (safe != path)
+            path = exists(safe + suffix) ? unique(safe) : safe;
+        else
+            throw refusal();
+        if (!make_file(path + suffix, false))
+            throw refusal();
+        return path;
+    }
+    std::string create_folder(std::string const & path) {
+        if (exists(path) || make_folder(path))
+            return path;
+        auto const safe = normal(path);
+        auto const changed = safe != path ? unique(safe) : path;
+        if (!make_folder(changed))
+            throw refusal();
+        return changed;
+    }
+    void create_all_parents(std::string const & path) {
+        std::vector<std::string> missing(1, parent_of(path));
+        for (auto above = parent_of(missing.back()); !exists(above); above = parent_of(above))
+            missing.push_back(above);
+        for (; !missing.empty(); missing.pop_back())
+            create_folder(missing.back());
+    }
+    bool shows(std::string const & path) const {
+        auto const base = path.substr(0, path.size() - std::min<std::size_t>(5, path.size()));
+        auto const leaf = leaf_of(path);
+        if (leaf.ends_with(".rsrc"))
+            return !exists(base);
+        return !leaf.ends_with(".info") || (!exists(base) && !exists(base + ".rsrc"));
+    }
+    void scan(std::string const & path, io::item::summary & sum) const {
+        if (!exists(path)) {
+            ++sum.missing;
+            return;
+        }
+        ++sum.items;
+        if (looks_like_folder(path))
+            ++sum.directories;
+        else
+            ++sum.files, sum.bytes += nodes.at(path).bytes.size();
+        for (auto const & each : children(path)) {
+            if (shows(each))
+                scan(each, sum);
+        }
+    }
+
+    // What the nio family does.
+
+    void make_directory(std::string const & path) {
+        if (exists(path) || make_folder(path) || normal(path) == path)
+            return;
+        if (!make_folder(normal(path)))
+            throw refusal();
+    }
+    void create_parents(std::string const & path) {
+        std::vector<std::string> missing;
+        for (auto above = parent_of(path); !exists(above); above = parent_of(above))
+            missing.push_back(above);
+        for (; !missing.empty(); missing.pop_back())
+            make_directory(missing.back());
+    }
+    /// Gives the path of the file afterwards, of which the fork is made; none if it is closed.
+    template <class Name>
+    std::string create_wide(std::string const & path, Name name, bool overwrite, bool overwrite_normal) {
+        create_parents(path);
+        if (make_file(name(path), overwrite))
+            return path;
+        if (normal(path) == path)
+            return {};
+        if (!make_file(name(normal(path)), overwrite_normal))
+            throw refusal();
+        return normal(path);
+    }
+    std::vector<std::string> sidecars_of(std::string const & path) const {
+        std::vector<std::string> sidecars;
+        for (auto name = sidecar_of(path); exists(name); name = sidecar_of(name))
+            sidecars.push_back(name);
+        return sidecars;
+    }
+    /// Gives where the file is to be afterwards.
+    std::string move_wide(std::string const & from, std::string const & to, bool must) {
+        auto const sidecars = sidecars_of(from);
+        if (!move(from, to)) {
+            if (must)
+                throw refusal();
+            return normal(to) == to ? to : move_wide(from, normal(to), true);
+        }
+        auto target = to;
+        for (auto const & sidecar : sidecars) {
+            target = sidecar_of(target);
+            if (move(sidecar, target))
+                continue;
+            if (must && sidecar == sidecars.front()) {
+                move(to, from);
+                throw refusal();
+            }
+            break;
+        }
+        return to;
+    }
+    void unlink_file(std::string const & path, bool must) {
+        if (exists(sidecar_of(path)))
+            unlink_file(sidecar_of(path), must);
+        if (!delete_file(path) && must)
+            throw refusal();
+    }
+    void unlink_folder(std::string const & path, bool must) {
+        if (!delete_folder(path) && must)
+            throw refusal();
+    }
+    void unlink_children(std::string const & path, bool must) {
+        for (auto const & each : children(path)) {
+            if (leaf_of(each).starts_with("._"))
+                continue;
+            if (looks_like_folder(each)) {
+                unlink_children(each, must);
+                unlink_folder(each, must);
+            } else {
+                unlink_file(each, must);
+            }
+        }
+    }
+
+private:
+    static std::string upper(std::string text) {
+        for (char & c : text)
+            c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+        return text;
+    }
+};
+
+class scratch {
+public:
+    scratch() {
+        std::string pattern = (fs::temp_directory_path() / "socle_fuzz_XXXXXX").string();
+        check(mkdtemp(pattern.data()) != nullptr);
+        folder_ = pattern;
+        fs::create_directories(folder_ / "top");
+        fs::create_directory(folder_ / "elsewhere");
+        std::ofstream(folder_ / "elsewhere" / "kept") << "kept";
+        root_ = platform::from_host((folder_ / "top").string());
+    }
+    scratch(scratch const &) = delete;
+    scratch & operator=(scratch const &) = delete;
+    ~scratch() {
+        std::error_code ignored;
+        fs::remove_all(folder_, ignored);
+    }
+
+    void step(fuzz::feed & in) {
+        unsigned const choice = in.below(26);
+        auto const path = take_path(in);
+        bool const flag = in.flag();
+        if (through_link(path))
+            return;
+        switch (choice) {
+        case 0: link(path); break;
+        case 1:
+        case 2:
+        case 3: create_fork(path, in.below(3), flag, in.text()); break;
+        case 4:
+        case 5: change(path, in); break;
+        case 6: same([&] { file_of(path).unlink(flag); }, [&] { model_.delete_file(path); }); break;
+        case 7:
+            same([&] { file_of(path).data_fork().unlink(flag); }, [&] { require(model_.delete_file(path) || !flag); });
+            break;
+        case 8:
+        case 9: {
+            auto const to = take_path(in);
+            if (!through_link(to))
+                move(path, to, in.below(3));
+            break;
+        }
+        case 10: {
+            io::directory folder(io_path(path));
+            std::string after = path;
+            same([&] { folder.create(flag); }, [&] { after = model_.create_folder(path); });
+            check(wide_string(folder.path().full_string()) == wide_path(after));
+            break;
+        }
+        case 11:
+            same([&] { io::directory(io_path(path)).create_with_parents(flag); },
+                 [&] {
+                     if (!model_.exists(path))
+                         model_.create_folder(parent_of(path));
+                     model_.create_folder(path);
+                 });
+            break;
+        case 12:
+            same(
+                [&] {
+                    auto file = file_of(path);
+                    file.create_with_parents(flag);
+                    file.data_fork().close(true);
+                },
+                [&] {
+                    model_.create_all_parents(path);
+                    model_.create_fork(path, "", flag);
+                });
+            break;
+        case 13:
+            same([&] { io::directory(io_path(path)).unlink(flag); },
+                 [&] { require(model_.delete_folder(path) || !flag); });
+            break;
+        case 14:
+            same([&] { io::directory(io_path(path)).unlink_children(flag); }, [&] { model_.erase_below(path); });
+            break;
+        case 15:
+            same([&] { io::directory(io_path(path)).unlink_with_children(flag); },
+                 [&] {
+                     model_.erase_below(path);
+                     require(model_.delete_folder(path) || !flag);
+                 });
+            break;
+        case 16: list(flag ? path : parent_of(path)); break;
+        case 17: scan(flag ? path : parent_of(path)); break;
+        case 18: create_wide(path, flag, in.text()); break;
+        case 19:
+        case 20: create_rsrc(path, flag, in.text()); break;
+        case 21:
+            if (auto const to = take_path(in); !through_link(to))
+                move_wide(path, to, flag);
+            break;
+        case 22:
+            same([&] { nio::unlink(wide_path(path), flag); },
+                 [&] {
+                     if (model_.looks_like_folder(path))
+                         model_.unlink_folder(path, flag);
+                     else
+                         model_.unlink_file(path, flag);
+                 });
+            break;
+        case 23:
+            same([&] { nio::directory(wide_path(path)).create(); },
+                 [&] {
+                     if (model_.exists(path))
+                         return;
+                     model_.create_parents(path);
+                     model_.make_directory(path);
+                 });
+            break;
+        case 24:
+            same([&] { nio::directory(wide_path(path)).unlink_children(flag); },
+                 [&] { model_.unlink_children(path, flag); });
+            break;
+        default:
+            same([&] { nio::directory(wide_path(path)).unlink_with_children(flag); },
+                 [&] {
+                     model_.unlink_children(path, flag);
+                     model_.unlink_folder(path, flag);
+                 });
+        }
+        compare();
+    }
+
+private:
+    static void require(bool possible) {
+        if (!possible)
+            throw refusal();
+    }
+
+    /// One to three names.
+    static std::string take_path(fuzz::feed & in) {
+        static char const * const names[] = {"a",     "b",     "a.rsrc", "a.info", "._a",  "d",      "q?",     "q_",
+                                             "e.txt", "._._a", "._d",    "q?.txt", "link", "b.rsrc", "d.info", "link"};
+        std::string path;
+        unsigned const depth = in.below(8);
+        for (unsigned i = depth == 0 ? 3 : depth < 4 ? 2 : 1; i > 1; --i)
+            path = join(path, in.flag() ? "d" : names[in.below(8)]);
+        return join(path, names[in.below(16)]);
+    }
+
+    /// What lies behind a link is not the model's. An operation may take the normal form of a name.
+    bool through_link(std::string const & path) const {
+        if (normal(path) != path && through_link(normal(path)))
+            return true;
+        for (auto above = parent_of(path); !above.empty(); above = parent_of(above)) {
+            if (model_.is(above, kind::link))
+                return true;
+        }
+        return false;
+    }
+
+    wide_string wide_path(std::string const & path) const {
+        wide_string wide = root_;
+        if (!path.empty())
+            wide += u'\\';
+        for (char const c : path)
+            wide += c == '/' ? u'\\' : char16_t(c);
+        return wide;
+    }
+    any::path io_path(std::string const & path) const { return any::path(any::string(wide_path(path)), true); }
+    io::file file_of(std::string const & path) const { return io::file(io_path(path)); }
+
+    /// Both are refused, or both are done.
+    template <class Act, class Expect>
+    static void same(Act act, Expect expect) {
+        bool refused = false, wanted_refused = false;
+        try {
+            expect();
+        } catch (refusal const &) {
+            wanted_refused = true;
+        }
+        try {
+            act();
+        } catch (io::exception const &) {
+            refused = true;
+        } catch (nio::filesystem_exception const &) {
+            refused = true;
+        }
+        check(refused == wanted_refused);
+    }
+
+    void link(std::string const & path) {
+        auto const place = join(parent_of(path), "link");
+        if (!model_.can_make(place))
+            return;
+        fs::create_directory_symlink(folder_ / "elsewhere", folder_ / "top" / place);
+        model_.nodes[place] = {kind::link};
+    }
+
+    void create_fork(std::string const & path, unsigned which, bool overwrite, std::string const & bytes) {
+        auto file = file_of(path);
+        io::fork & fork = which == 0 ? file.data_fork() : which == 1 ? file.rsrc_fork() : file.info_fork();
+        std::string const suffix = which == 0 ? "" : which == 1 ? ".rsrc" : ".info";
+        std::string after = path;
+        same(
+            [&] {
+                check(fork.create(overwrite) == (after != path));
+                io::fork_output out(fork);
+                out.write(bytes.data(), static_cast<uint32>(bytes.size()));
+                fork.close(true);
+            },
+            [&] {
+                after = model_.create_fork(path, suffix, overwrite);
+                model_.nodes[after + suffix].bytes = bytes;
+            });
+        check(wide_string(file.path().full_string()) == wide_path(after));
+    }
+
+    /// Reads, writes and resizes an open fork beside its bytes and a position.
+    void change(std::string const & path, fuzz::feed & in) {
+        auto file = file_of(path);
+        io::fork & fork = file.data_fork();
+        bool const write = in.flag();
+        same([&] { write ? fork.open_rw() : fork.open(); }, [&] { require(model_.is(path, kind::file)); });
+        if (!fork.descriptor().valid())
+            return;
+        auto & bytes = model_.nodes[path].bytes;
+        std::size_t at = 0;
+        for (unsigned steps = in.below(6); steps > 0; --steps) {
+            unsigned const choice = in.below(4), number = in.byte();
+            if (choice == 0) {
+                check(fork.seek(number));
+                at = number;
+            } else if (choice == 1) {
+                char block[256];
+                uint32 const got = fork.read(block, number);
+                auto const wanted = at < bytes.size() ? bytes.substr(at, number) : "";
+                check(std::string(block, got) == wanted);
+                at += got;
+            } else if (choice == 2) {
+                auto const data = in.text();
+                same([&] { fork.write(data.data(), static_cast<uint32>(data.size())); },
+                     [&] {
+                         require(write || data.empty());
+                         if (data.empty())
+                             return;
+                         bytes.resize(std::max(bytes.size(), at + data.size()));
+                         bytes.replace(at, data.size(), data);
+                         at += data.size();
+                     });
+            } else {
+                same([&] { fork.resize(number); },
+                     [&] {
+                         at = std::min<std::size_t>(at, number);
+                         require(write);
+                         bytes.resize(number);
+                     });
+            }
+            check(fork.tell() == at && fork.size() == bytes.size());
+        }
+        fork.close(true);
+    }
+
+    void move(std::string const & path, std::string const & to, unsigned how) {
+        io::item item(io_path(path));
+        auto const target = how == 0   ? to
+                            : how == 1 ? join(parent_of(path), leaf_of(to))
+                                       : join(parent_of(to), leaf_of(path));
+        same(
+            [&] {
+                if (how == 0)
+                    item.move(io_path(to));
+                else if (how == 1)
+                    item.rename(io_path(to).leaf());
+                else
+                    item.move(io::directory(io_path(parent_of(to))));
+            },
+            [&] { require(model_.move(path, target)); });
+        check(wide_string(item.path().full_string()) == wide_path(target));
+    }
+
+    void list(std::string const & path) {
+        if (model_.is(path, kind::link))
+            return;
+        std::vector<wide_string> found, found_wide, wanted, wanted_wide;
+        io::directory folder(io_path(path));
+        for (auto const & entry : folder)
+            found.push_back(entry.path().full_string());
+        for (auto const & entry : nio::directory(wide_path(path)))
+            found_wide.push_back(entry);
+        for (auto const & each : model_.children(path)) {
+            if (model_.shows(each))
+                wanted.push_back(wide_path(each));
+            if (!leaf_of(each).starts_with("._"))
+                wanted_wide.push_back(wide_path(each));
+        }
+        check(found == wanted && found_wide == wanted_wide);
+        check(folder.exists() == model_.exists(path));
+    }
+
+    void scan(std::string const & path) {
+        io::item item(io_path(path));
+        io::item::summary found, wanted;
+        item.scan(found);
+        model_.scan(path, wanted);
+        check(found.items == wanted.items && found.directories == wanted.directories && found.files == wanted.files
+              && found.missing == wanted.missing && found.bytes == wanted.bytes);
+    }
+
+    void create_wide(std::string const & path, bool overwrite, std::string const & bytes) {
+        nio::file file(wide_path(path), 0);
+        std::string after;
+        same(
+            [&] {
+                file.create(overwrite);
+                if (file.is_open())
+                    file.write(bytes.data(), static_cast<uint32>(bytes.size()));
+            },
+            [&] {
+                auto const name = [](std::string const & each) { return each; };
+                after = model_.create_wide(path, name, overwrite, overwrite);
+                if (!after.empty())
+                    model_.nodes[after].bytes = bytes;
+            });
+        check(file.is_open() != after.empty());
+        check(file.path() == wide_path(after.empty() ? path : after));
+    }
+
+    void create_rsrc(std::string const & path, bool overwrite, std::string const & bytes) {
+        nio::file file(wide_path(path), 0);
+        std::string after;
+        same(
+            [&] {
+                file.create_rsrc(true, overwrite);
+                if (file.is_open())
+                    file.write(bytes.data(), static_cast<uint32>(bytes.size()));
+            },
+            [&] {
+                after = model_.create_wide(path, sidecar_of, overwrite, false);
+                if (after.empty())
+                    return;
+                auto const head = nio::apple_double::head();
+                model_.nodes[sidecar_of(after)].bytes =
+                    std::string(head.begin(), head.end()) + std::string(32, '\0') + bytes;
+            });
+        check(file.is_open() != after.empty());
+        if (!file.is_open())
+            return;
+        check(file.path() == wide_path(after) && file.tell() == bytes.size() && file.size() == bytes.size());
+        file.close();
+        file.open_rsrc();
+        char block[256];
+        check(std::string(block, file.read(block, sizeof block)) == bytes);
+    }
+
+    void move_wide(std::string const & path, std::string const & to, bool must) {
+        wide_string target = wide_path(to);
+        std::string after = to;
+        same([&] { nio::move(wide_path(path), target, must); }, [&] { after = model_.move_wide(path, to, must); });
+        // Without need to succeed the target is normal even if that fails.
+        check(target == wide_path(after) || target == wide_path(normal(to)));
+    }
+
+    void compare() const {
+        std::size_t count = 0;
+        for (auto const & entry : fs::recursive_directory_iterator(folder_ / "top")) {
+            auto const path = entry.path().lexically_relative(folder_ / "top");
+            auto const found = model_.nodes.find(path.string());
+            check(found != model_.nodes.end());
+            ++count;
+            auto const & [what, bytes] = found->second;
+            check(entry.is_symlink() ? what == kind::link : entry.is_directory() == (what == kind::folder));
+            if (what != kind::file)
+                continue;
+            std::ifstream in(entry.path(), std::ios::binary);
+            check(std::string(std::istreambuf_iterator<char>(in), {}) == bytes);
+        }
+        check(count == model_.nodes.size());
+        check(fs::file_size(folder_ / "elsewhere" / "kept") == 4);
+    }
+
+    fs::path folder_;
+    wide_string root_;
+    model model_;
+};
+
+} // namespace
+
+void fuzz::run(std::string_view input) {
+    feed in(input);
+    scratch folder;
+    for (int steps = 0; steps < 60 && !in.empty(); ++steps)
+        folder.step(in);
+}
