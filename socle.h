@@ -11,6 +11,7 @@
 #include "any/time.h"
 #include "any/utf8_coder.h"
 #include "basic/buffer.h"
+#include "basic/byte_order.h"
 #include "basic/exception.h"
 #include "basic/export.h"
 #include "basic/types.h"

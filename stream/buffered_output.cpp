@@ -39,15 +39,6 @@ void buffered_output::write(char const * data, uint32 count) {
 
 void buffered_output::write(narrow_string const & text) { output::write(text); }
 
-void buffered_output::write(char byte) {
-    if (!memory_.open()) {
-        if (filled() == buffer_size_)
-            flush_buffer();
-        open();
-    }
-    memory_.bytes[memory_.next++] = byte;
-}
-
 void buffered_output::flush() { flush_buffer(); }
 
 uint64 buffered_output::tell() const { return base_ + filled(); }
@@ -70,6 +61,14 @@ void buffered_output::resize(uint64 new_size) {
 }
 
 void buffered_output::flush_buffer() { write_held(filled()); }
+
+/// Writes one byte where the buffer is full, or not open to single bytes.
+void buffered_output::write_on(char byte) {
+    if (filled() == buffer_size_)
+        flush_buffer();
+    open();
+    memory_.bytes[memory_.next++] = byte;
+}
 
 /// Writes the first `count` bytes of what is held and drops the rest.
 void buffered_output::write_held(uint64 count) {

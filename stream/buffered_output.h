@@ -26,7 +26,12 @@ public:
     /// A block of at least the size of the buffer goes past it, in one write. A smaller one is held.
     void write(char const * data, uint32 count) override;
     void write(narrow_string const & text) override;
-    void write(char byte) override;
+    void write(char byte) override {
+        if (memory_.open())
+            memory_.bytes[memory_.next++] = byte;
+        else
+            write_on(byte);
+    }
 
     /// Writes what is held to the stream beneath, without flushing that.
     void flush() override;
@@ -48,6 +53,7 @@ private:
 
     uint64 filled() const { return memory_.next; }
     void open();
+    void write_on(char byte);
     void write_held(uint64 count);
     template <class Act>
     void move_beneath(Act act);

@@ -1,6 +1,5 @@
 #include "stream/endian_input.h"
 
-#include "stream/host_order_internal.h"
 #include "stream/lending_internal.h"
 
 #include <algorithm>
@@ -62,11 +61,20 @@ uint64 value(endian_input & in, input * lender, bool big, bool host_big) {
 
 } // namespace
 
-endian_input::endian_input(input & stream) : direct_input(stream), host_big_endian_(is_host_big_endian()) {}
+endian_input::endian_input(input & stream) : direct_input(stream), host_big_endian_(!basic::is_foreign_order(true)) {}
 
 endian_input::~endian_input() = default;
 
-input * endian_input::lender(std::type_info const & own) const { return typeid(*this) == own ? underlying() : nullptr; }
+/// The long way, to which `own` tells whether nobody has overridden how single bytes are read.
+uint64 endian_input::read_on(uint32 width, bool big, bool own) {
+    input * const lender = own ? underlying() : nullptr;
+    switch (width) {
+    case 2: return value<2>(*this, lender, big, host_big_endian());
+    case 3: return value<3>(*this, lender, big, host_big_endian());
+    case 4: return value<4>(*this, lender, big, host_big_endian());
+    default: return value<8>(*this, lender, big, host_big_endian());
+    }
+}
 
 unsigned char endian_input::read8() { return static_cast<unsigned char>(read()); }
 
@@ -74,19 +82,9 @@ big_endian_input::big_endian_input(input & stream) : endian_input(stream) {}
 
 big_endian_input::~big_endian_input() = default;
 
-uint16 big_endian_input::read16() {
-    return static_cast<uint16>(value<2>(*this, lender(typeid(big_endian_input)), true, host_big_endian()));
-}
-
 uint32 big_endian_input::read24() {
-    return static_cast<uint32>(value<3>(*this, lender(typeid(big_endian_input)), true, host_big_endian()));
+    return static_cast<uint32>(read_on(3, true, typeid(*this) == typeid(big_endian_input)));
 }
-
-uint32 big_endian_input::read32() {
-    return static_cast<uint32>(value<4>(*this, lender(typeid(big_endian_input)), true, host_big_endian()));
-}
-
-uint64 big_endian_input::read64() { return value<8>(*this, lender(typeid(big_endian_input)), true, host_big_endian()); }
 
 bool big_endian_input::_ours() const { return typeid(*this) == typeid(big_endian_input); }
 
@@ -94,20 +92,8 @@ little_endian_input::little_endian_input(input & stream) : endian_input(stream) 
 
 little_endian_input::~little_endian_input() = default;
 
-uint16 little_endian_input::read16() {
-    return static_cast<uint16>(value<2>(*this, lender(typeid(little_endian_input)), false, host_big_endian()));
-}
-
 uint32 little_endian_input::read24() {
-    return static_cast<uint32>(value<3>(*this, lender(typeid(little_endian_input)), false, host_big_endian()));
-}
-
-uint32 little_endian_input::read32() {
-    return static_cast<uint32>(value<4>(*this, lender(typeid(little_endian_input)), false, host_big_endian()));
-}
-
-uint64 little_endian_input::read64() {
-    return value<8>(*this, lender(typeid(little_endian_input)), false, host_big_endian());
+    return static_cast<uint32>(read_on(3, false, typeid(*this) == typeid(little_endian_input)));
 }
 
 bool little_endian_input::_ours() const { return typeid(*this) == typeid(little_endian_input); }

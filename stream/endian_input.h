@@ -1,5 +1,6 @@
 #pragma once
 
+#include "basic/byte_order.h"
 #include "stream/direct_input.h"
 
 #include <typeinfo>
@@ -28,8 +29,16 @@ public:
 protected:
     bool host_big_endian() const noexcept { return host_big_endian_; }
 
-    // The stream beneath, if this object is of just the class `own`.
-    input * lender(std::type_info const & own) const;
+    // The value that comes next: at once if its bytes lie open in memory beneath an object of just the class `Own`,
+    // where nobody can have overridden how they are read.
+    template <class Own, class Value>
+    Value next(bool big) {
+        bool const own = typeid(*this) == typeid(Own);
+        if (char const * const at = own && underlying() ? open_bytes(*underlying(), sizeof(Value)) : nullptr)
+            return basic::load<Value>(at, big);
+        return static_cast<Value>(read_on(sizeof(Value), big, own));
+    }
+    uint64 read_on(uint32 width, bool big, bool own);
 
 private:
     bool host_big_endian_;
@@ -43,10 +52,10 @@ public:
     big_endian_input & operator=(big_endian_input const &) = default;
     ~big_endian_input() override;
 
-    uint16 read16() override;
+    uint16 read16() override { return next<big_endian_input, uint16>(true); }
     uint32 read24() override;
-    uint32 read32() override;
-    uint64 read64() override;
+    uint32 read32() override { return next<big_endian_input, uint32>(true); }
+    uint64 read64() override { return next<big_endian_input, uint64>(true); }
 
 private:
     bool _ours() const override;
@@ -60,10 +69,10 @@ public:
     little_endian_input & operator=(little_endian_input const &) = default;
     ~little_endian_input() override;
 
-    uint16 read16() override;
+    uint16 read16() override { return next<little_endian_input, uint16>(false); }
     uint32 read24() override;
-    uint32 read32() override;
-    uint64 read64() override;
+    uint32 read32() override { return next<little_endian_input, uint32>(false); }
+    uint64 read64() override { return next<little_endian_input, uint64>(false); }
 
 private:
     bool _ours() const override;

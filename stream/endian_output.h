@@ -1,5 +1,6 @@
 #pragma once
 
+#include "basic/byte_order.h"
 #include "stream/filter_output.h"
 
 namespace stream {
@@ -22,6 +23,16 @@ public:
 protected:
     bool host_big_endian() const noexcept { return host_big_endian_; }
 
+    // Writes a value at once if there is room for it open in memory beneath.
+    template <class Value>
+    void put(Value value, bool big) {
+        if (char * const at = underlying() ? open_room(*underlying(), sizeof value) : nullptr)
+            basic::store(at, value, big);
+        else
+            write_on(value, sizeof value, big);
+    }
+    void write_on(uint64 value, uint32 width, bool big);
+
 private:
     bool host_big_endian_;
 };
@@ -34,10 +45,10 @@ public:
     big_endian_output & operator=(big_endian_output const &) = default;
     ~big_endian_output() override;
 
-    void write16(uint16 value) override;
+    void write16(uint16 value) override { put(value, true); }
     void write24(uint32 value) override;
-    void write32(uint32 value) override;
-    void write64(uint64 value) override;
+    void write32(uint32 value) override { put(value, true); }
+    void write64(uint64 value) override { put(value, true); }
 
 private:
     bool _ours() const override;
@@ -51,10 +62,10 @@ public:
     little_endian_output & operator=(little_endian_output const &) = default;
     ~little_endian_output() override;
 
-    void write16(uint16 value) override;
+    void write16(uint16 value) override { put(value, false); }
     void write24(uint32 value) override;
-    void write32(uint32 value) override;
-    void write64(uint64 value) override;
+    void write32(uint32 value) override { put(value, false); }
+    void write64(uint64 value) override { put(value, false); }
 
 private:
     bool _ours() const override;

@@ -78,6 +78,14 @@ protected:
     // Where a source of the library reads in memory. It is opened only while nothing is given back and the dynamic type
     // is a class of the library.
     nio::memory<char const> memory_;
+    // The next `count` bytes of a source, passed over, if they lie open in its memory; else null.
+    static char const * open_bytes(input & source, uint64 count) {
+        auto & memory = source.memory_;
+        if (memory.limit < count || memory.next > memory.limit - count)
+            return nullptr;
+        memory.next += count;
+        return memory.bytes + memory.next - count;
+    }
     // Bytes given back come first, then those in `memory_`.
     std::span<char const> _lend() override;
     void _take(uint64 count) override;

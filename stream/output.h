@@ -62,6 +62,14 @@ public:
 protected:
     // Where a sink of the library writes in memory. It is opened only if the dynamic type is a class of the library.
     nio::memory<char> memory_;
+    // Room for the next `count` bytes of a sink, counted as written, if it lies open in its memory; else null.
+    static char * open_room(output & sink, uint64 count) {
+        auto & memory = sink.memory_;
+        if (memory.limit < count || memory.next > memory.limit - count)
+            return nullptr;
+        memory.next += count;
+        return memory.bytes + memory.next - count;
+    }
 
 private:
     friend struct lending;
