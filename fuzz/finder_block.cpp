@@ -1,0 +1,161 @@
+/// Finder information beside a file: the block of 60 bytes in a named stream, and the AppleDouble sidecar, read and
+/// written where there are any bytes.
+
+#include "fuzz/support/apple_double.h"
+#include "fuzz/support/feed.h"
+#include "nio/apple_double_internal.h"
+#include "nio/attributes.h"
+#include "nio/file.h"
+#include "nio/filesystem_exception.h"
+#include "nio/fork_names.h"
+#include "platform/host.h"
+
+#include <array>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+namespace {
+
+namespace fs = std::filesystem;
+using fuzz::check;
+using info_bytes = std::array<unsigned char, 32>;
+
+constexpr std::string_view block_head("AFP\0\0\0\1\0\0\0\0\0\0\0\0\0", 16);
+constexpr std::size_t block_size = 60;
+
+std::string bytes_of(info_bytes const & info) { return {info.begin(), info.end()}; }
+
+/// A folder on a disk that keeps extended attributes, which is a volume with named streams then. One serves all inputs,
+/// each of which leaves it empty.
+class scratch {
+public:
+    scratch() {
+        std::string pattern = "/var/tmp/socle_fuzz_XXXXXX";
+        check(mkdtemp(pattern.data()) != nullptr);
+        folder_ = pattern;
+        attached_ = platform::attach_volume('N', pattern, "NTFS") == 0;
+    }
+    scratch(scratch const &) = delete;
+    scratch & operator=(scratch const &) = delete;
+    ~scratch() {
+        if (attached_)
+            platform::detach_volume('N');
+        std::error_code ignored;
+        fs::remove_all(folder_, ignored);
+    }
+
+    bool attached() const { return attached_; }
+
+    void clear() const {
+        if (attached_)
+            nio::unlink(u"N:\\f", true);
+        nio::unlink(path("g"), true);
+    }
+    void write(char const * name, std::string_view bytes) const {
+        std::ofstream(folder_ / name, std::ios::binary) << bytes;
+    }
+    std::string read(char const * name) const {
+        std::ifstream in(folder_ / name, std::ios::binary);
+        return std::string(std::istreambuf_iterator<char>(in), {});
+    }
+    wide_string path(char const * name) const { return platform::from_host((folder_ / name).string()); }
+
+private:
+    fs::path folder_;
+    bool attached_;
+};
+
+info_bytes loaded(wide_string const & path) {
+    nio::item item(path);
+    nio::attributes attributes;
+    attributes.finder_info.fill(0xEE);
+    attributes.load(item);
+    return attributes.finder_info;
+}
+
+void apply(wide_string const & path, info_bytes const & info, bool allow_ntfs) {
+    nio::item item(path);
+    nio::attributes attributes;
+    attributes.finder_info = info;
+    attributes.apply(item, true, allow_ntfs);
+}
+
+std::string read_stream(wide_string const & path) {
+    nio::file stream(path, 1);
+    std::string bytes(stream.size(), '\0');
+    check(stream.read(bytes.data(), static_cast<uint32>(bytes.size())) == bytes.size());
+    return bytes;
+}
+
+/// The block, which has to be whole and to begin as it should.
+void block(std::string bytes, info_bytes const & info) {
+    wide_string const path = u"N:\\f";
+    {
+        nio::file file(path, 3);
+        nio::file fork(path, 0);
+        fork.create_rsrc(true, false);
+        nio::file stream(nio::ntfs_info_name(path), 3);
+        stream.write(bytes.data(), static_cast<uint32>(bytes.size()));
+    }
+    info_bytes expected;
+    expected.fill(0xEE);
+    if (bytes.size() >= block_size && bytes.starts_with(block_head.substr(0, 8)))
+        std::copy_n(bytes.begin() + 16, expected.size(), expected.begin());
+    check(loaded(path) == expected);
+
+    apply(path, info, true);
+    check(loaded(path) == info);
+    bytes.resize(std::max(bytes.size(), block_size));
+    bytes.replace(0, block_size, std::string(block_head) + bytes_of(info) + std::string(12, '\0'));
+    check(read_stream(nio::ntfs_info_name(path)) == bytes);
+}
+
+void sidecar(scratch const & folder, std::string bytes, info_bytes const & info) {
+    folder.write("g", "data");
+    folder.write("._g", bytes);
+    uint32 offset = 0;
+    bool const found = fuzz::find_entry(bytes, nio::apple_double::finder_info_id, offset);
+    info_bytes expected;
+    expected.fill(0xEE);
+    if (found && bytes.size() >= expected.size() && offset <= bytes.size() - expected.size())
+        std::copy_n(bytes.begin() + offset, expected.size(), expected.begin());
+    check(loaded(folder.path("g")) == expected);
+
+    // Far behind the end it would make a large file.
+    if (found && offset > 100000)
+        return;
+    try {
+        apply(folder.path("g"), info, false);
+        check(found || bytes.empty());
+    } catch (nio::filesystem_exception const &) {
+        check(!found && !bytes.empty() && folder.read("._g") == bytes);
+        return;
+    }
+    if (bytes.empty()) {
+        auto const head = nio::apple_double::head();
+        bytes.assign(head.begin(), head.end());
+        offset = nio::apple_double::finder_info_offset;
+    }
+    bytes.resize(std::max<std::size_t>(bytes.size(), offset + info.size()));
+    bytes.replace(offset, info.size(), bytes_of(info));
+    check(folder.read("._g") == bytes);
+    // It may have overwritten the entries themselves.
+    if (offset >= nio::apple_double::finder_info_offset)
+        check(loaded(folder.path("g")) == info);
+}
+
+} // namespace
+
+void fuzz::run(std::string_view input) {
+    feed in(input);
+    info_bytes info{};
+    auto const given = in.bytes(in.byte() % 33u);
+    std::copy(given.begin(), given.end(), info.begin());
+    std::string const bytes(in.rest());
+    static scratch const folder;
+    if (folder.attached())
+        block(bytes, info);
+    sidecar(folder, bytes, info);
+    folder.clear();
+}
