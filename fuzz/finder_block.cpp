@@ -31,10 +31,15 @@ std::string bytes_of(info_bytes const & info) { return {info.begin(), info.end()
 class scratch {
 public:
     scratch() {
-        std::string pattern = "/var/tmp/socle_fuzz_XXXXXX";
-        check(mkdtemp(pattern.data()) != nullptr);
-        folder_ = pattern;
-        attached_ = platform::attach_volume('N', pattern, "NTFS") == 0;
+        for (fs::path const & place : {fs::temp_directory_path(), fs::path("/var/tmp")}) {
+            if (attached_)
+                break;
+            fs::remove_all(folder_);
+            std::string pattern = (place / "socle_fuzz_XXXXXX").string();
+            check(mkdtemp(pattern.data()) != nullptr);
+            folder_ = pattern;
+            attached_ = platform::attach_volume('N', pattern, "NTFS") == 0;
+        }
     }
     scratch(scratch const &) = delete;
     scratch & operator=(scratch const &) = delete;
@@ -63,7 +68,7 @@ public:
 
 private:
     fs::path folder_;
-    bool attached_;
+    bool attached_ = false;
 };
 
 info_bytes loaded(wide_string const & path) {
