@@ -52,17 +52,19 @@ void utf8_decode(benchmark::State & state) {
 
 template <text_function text, int page>
 void page_encode(benchmark::State & state) {
+    bench::meter const meter;
     for (auto _ : state)
         benchmark::DoNotOptimize(nio::encode(text(), page));
-    done(state);
+    meter.done(state, codec_data::count);
 }
 
 template <text_function text, int page>
 void page_decode(benchmark::State & state) {
     auto const bytes = nio::encode(text(), page);
+    bench::meter const meter;
     for (auto _ : state)
         benchmark::DoNotOptimize(nio::decode(bytes, page));
-    done(state);
+    meter.done(state, codec_data::count);
 }
 
 /// All of `from`, in one call.

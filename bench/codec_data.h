@@ -1,13 +1,11 @@
 #pragma once
 
-#include "basic/types.h"
-
-#include <benchmark/benchmark.h>
+#include "bench/rows.h"
 
 /// The texts that the codecs and their peers are measured on, one item a unit.
 namespace codec_data {
 
-constexpr std::size_t count = 8 << 20;
+inline std::size_t const count = bench::sized(8u << 20);
 
 /// Units in a fixed order from a text that is repeated.
 inline wide_string repeated(wide_string const & text) {

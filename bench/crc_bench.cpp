@@ -1,4 +1,5 @@
 #include "algorithm/crc.h"
+#include "bench/rows.h"
 
 #include <benchmark/benchmark.h>
 
@@ -27,8 +28,8 @@ uint32 socle(byte_vector const & data) {
     return crc.state();
 }
 
-BENCHMARK_CAPTURE(measure, table_loop, 64 << 20, raw_loop)->Name("CRC-16, 64 MiB/limit: one table");
-BENCHMARK_CAPTURE(measure, socle, 64 << 20, socle)->Name("CRC-16, 64 MiB/socle");
+BENCHMARK_CAPTURE(measure, table_loop, bench::sized(64u << 20), raw_loop)->Name("CRC-16, 64 MiB/limit: one table");
+BENCHMARK_CAPTURE(measure, socle, bench::sized(64u << 20), socle)->Name("CRC-16, 64 MiB/socle");
 BENCHMARK_CAPTURE(measure, table_loop, 124, raw_loop)->Name("CRC-16, 124 bytes/limit: one table");
 BENCHMARK_CAPTURE(measure, socle, 124, socle)->Name("CRC-16, 124 bytes/socle");
 

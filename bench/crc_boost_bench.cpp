@@ -1,4 +1,4 @@
-#include "basic/types.h"
+#include "bench/rows.h"
 
 #include <benchmark/benchmark.h>
 #include <boost/crc.hpp>
@@ -16,7 +16,7 @@ void boost_crc_optimal(benchmark::State & state, std::size_t size) {
     state.SetItemsProcessed(static_cast<int64>(state.iterations() * size));
 }
 
-BENCHMARK_CAPTURE(boost_crc_optimal, large, 64 << 20)->Name("CRC-16, 64 MiB/boost::crc_optimal");
+BENCHMARK_CAPTURE(boost_crc_optimal, large, bench::sized(64u << 20))->Name("CRC-16, 64 MiB/boost::crc_optimal");
 BENCHMARK_CAPTURE(boost_crc_optimal, header, 124)->Name("CRC-16, 124 bytes/boost::crc_optimal");
 
 } // namespace

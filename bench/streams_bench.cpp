@@ -1,5 +1,6 @@
 // Single bytes and integers through the streams, in memory.
 
+#include "bench/rows.h"
 #include "stream/array_output.h"
 #include "stream/buffered_input.h"
 #include "stream/buffered_output.h"
@@ -17,7 +18,7 @@
 
 namespace {
 
-uint32 const size = 16 << 20;
+uint32 const size = bench::sized(16u << 20);
 uint32 const block = 64 << 10;
 
 byte_vector const & source_data() {

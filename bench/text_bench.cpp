@@ -1,6 +1,7 @@
 // Paths cut and joined, and patterns matched, over 100,000 names each.
 
 #include "any/path.h"
+#include "bench/rows.h"
 
 #include <benchmark/benchmark.h>
 
@@ -15,7 +16,7 @@
 
 namespace {
 
-std::size_t const count = 100'000;
+std::size_t const count = bench::sized(100'000);
 
 void done(benchmark::State & state) {
     state.SetItemsProcessed(static_cast<int64_t>(state.iterations()) * static_cast<int64_t>(count));
@@ -115,17 +116,17 @@ void match_fnmatch(benchmark::State & state, wildcard const & card, bool accents
 }
 
 BENCHMARK_CAPTURE(match_find, end, by_ending, false)->Name("match *.txt/limit: string_view::find");
-BENCHMARK_CAPTURE(match_pattern, end, by_ending, false)->Name("match *.txt/any::string");
+BENCHMARK_CAPTURE(match_pattern, end, by_ending, false)->Name("match *.txt/socle, any::string");
 BENCHMARK_CAPTURE(match_fnmatch, end, by_ending, false, "C")->Name("match *.txt/fnmatch, C locale");
 BENCHMARK_CAPTURE(match_fnmatch, end_utf8, by_ending, false, "C.UTF-8")->Name("match *.txt/fnmatch, UTF-8 locale");
 
 BENCHMARK_CAPTURE(match_find, parts, by_parts, false)->Name("match *a*e*.png/limit: string_view::find");
-BENCHMARK_CAPTURE(match_pattern, parts, by_parts, false)->Name("match *a*e*.png/any::string");
+BENCHMARK_CAPTURE(match_pattern, parts, by_parts, false)->Name("match *a*e*.png/socle, any::string");
 BENCHMARK_CAPTURE(match_fnmatch, parts, by_parts, false, "C")->Name("match *a*e*.png/fnmatch, C locale");
 BENCHMARK_CAPTURE(match_fnmatch, parts_utf8, by_parts, false, "C.UTF-8")->Name("match *a*e*.png/fnmatch, UTF-8 locale");
 
 BENCHMARK_CAPTURE(match_find, accents, by_parts, true)->Name("match *a*e*.png, accents/limit: string_view::find");
-BENCHMARK_CAPTURE(match_pattern, accents, by_parts, true)->Name("match *a*e*.png, accents/any::string");
+BENCHMARK_CAPTURE(match_pattern, accents, by_parts, true)->Name("match *a*e*.png, accents/socle, any::string");
 BENCHMARK_CAPTURE(match_fnmatch, accents, by_parts, true, "C")->Name("match *a*e*.png, accents/fnmatch, C locale");
 BENCHMARK_CAPTURE(match_fnmatch, accents_utf8, by_parts, true, "C.UTF-8")
     ->Name("match *a*e*.png, accents/fnmatch, UTF-8 locale");
@@ -164,38 +165,42 @@ std::vector<std::u16string> cut(std::u16string const & text) {
 }
 
 void cut_vector(benchmark::State & state) {
+    bench::meter const meter;
     for (auto _ : state) {
         for (auto const & text : paths())
             benchmark::DoNotOptimize(cut(text));
     }
-    done(state);
+    meter.done(state, count);
 }
 
 void cut_path(benchmark::State & state) {
+    bench::meter const meter;
     for (auto _ : state) {
         for (auto const & text : paths())
             benchmark::DoNotOptimize(any::path(text, true));
     }
-    done(state);
+    meter.done(state, count);
 }
 
 void cut_filesystem(benchmark::State & state) {
     auto const all = host_paths();
+    bench::meter const meter;
     for (auto _ : state) {
         for (auto const & text : all)
             benchmark::DoNotOptimize(std::filesystem::path(text));
     }
-    done(state);
+    meter.done(state, count);
 }
 
 BENCHMARK(cut_vector)->Name("cut a path/limit: a vector of strings");
-BENCHMARK(cut_path)->Name("cut a path/any::path");
+BENCHMARK(cut_path)->Name("cut a path/socle, any::path");
 BENCHMARK(cut_filesystem)->Name("cut a path/std::filesystem::path");
 
 void join_vector(benchmark::State & state) {
     std::vector<std::vector<std::u16string>> all;
     for (auto const & text : paths())
         all.push_back(cut(text));
+    bench::meter const meter;
     for (auto _ : state) {
         for (auto const & parts : all) {
             std::size_t size = parts.size();
@@ -211,18 +216,19 @@ void join_vector(benchmark::State & state) {
             benchmark::DoNotOptimize(text);
         }
     }
-    done(state);
+    meter.done(state, count);
 }
 
 void join_path(benchmark::State & state) {
     std::vector<any::path> all;
     for (auto const & text : paths())
         all.emplace_back(text, true);
+    bench::meter const meter;
     for (auto _ : state) {
         for (auto const & path : all)
             benchmark::DoNotOptimize(path.full_string());
     }
-    done(state);
+    meter.done(state, count);
 }
 
 void join_filesystem(benchmark::State & state) {
@@ -232,6 +238,7 @@ void join_filesystem(benchmark::State & state) {
         for (auto const & part : std::filesystem::path(text))
             parts.push_back(part);
     }
+    bench::meter const meter;
     for (auto _ : state) {
         for (auto const & parts : all) {
             std::filesystem::path path;
@@ -240,11 +247,11 @@ void join_filesystem(benchmark::State & state) {
             benchmark::DoNotOptimize(path);
         }
     }
-    done(state);
+    meter.done(state, count);
 }
 
 BENCHMARK(join_vector)->Name("join a path/limit: a vector of strings");
-BENCHMARK(join_path)->Name("join a path/any::path");
+BENCHMARK(join_path)->Name("join a path/socle, any::path");
 BENCHMARK(join_filesystem)->Name("join a path/std::filesystem::path");
 
 } // namespace

@@ -1,108 +1,151 @@
-// A walk over 20,000 files in 100 folders, with what the system says of each.
+// Walks over 20,000 files in 100 folders: names alone, and with what the system says of each file.
 
+#include "bench/rows.h"
+#include "bench/scratch.h"
 #include "io/directory.h"
 #include "nio/attributes.h"
 #include "nio/directory.h"
-#include "platform/host.h"
 
-#include <benchmark/benchmark.h>
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
 
-#include <filesystem>
-#include <fstream>
-#include <string>
-#include <unistd.h>
+#include <string_view>
 
 namespace {
 
 namespace fs = std::filesystem;
 
-constexpr int folders = 100, files = 200;
+uint32 const folders = bench::sized(100), files = 200;
 
-/// The tree, made once and removed at the end.
-class tree {
-public:
-    tree() : root_(fs::temp_directory_path() / ("socle_walk_" + std::to_string(getpid()))) {
-        for (int i = 0; i < folders; ++i) {
-            fs::path const folder = root_ / std::to_string(i);
+/// The tree, made once.
+fs::path const & tree() {
+    static fs::path const root = [] {
+        fs::path const made = bench::scratch::folder().path("tree");
+        for (uint32 i = 0; i < folders; ++i) {
+            fs::path const folder = made / std::to_string(i);
             fs::create_directories(folder);
-            for (int k = 0; k < files; ++k)
+            for (uint32 k = 0; k < files; ++k)
                 std::ofstream(folder / ("file " + std::to_string(k) + ".txt")) << k;
         }
-    }
-    ~tree() { fs::remove_all(root_); }
-
-    static tree const & made() {
-        static tree const one;
-        return one;
-    }
-    fs::path const & host() const { return root_; }
-    wide_string path() const { return platform::from_host(root_.string()); }
-
-private:
-    fs::path root_;
-};
-
-void done(benchmark::State & state) { state.SetItemsProcessed(state.iterations() * folders * files); }
-
-void host_walk(benchmark::State & state, bool times) {
-    for (auto _ : state) {
-        std::size_t found = 0;
-        for (auto const & entry : fs::recursive_directory_iterator(tree::made().host())) {
-            found += entry.status().type() == fs::file_type::regular;
-            if (times)
-                benchmark::DoNotOptimize(entry.last_write_time());
-        }
-        benchmark::DoNotOptimize(found);
-    }
-    done(state);
+        return made;
+    }();
+    return root;
 }
 
-void walk(io::directory & folder, bool load, std::size_t & found) {
-    for (auto entry = folder.begin(), last = folder.end(); entry != last; ++entry) {
-        if (load)
-            entry->load_attributes(0);
-        if (entry->directory()) {
-            io::directory below(entry->path());
-            walk(below, load, found);
-        } else {
+bool dots(char const * name) { return std::string_view(name) == "." || std::string_view(name) == ".."; }
+
+uint64 stat_in(int folder, char const * name) {
+    struct stat found;
+    return fstatat(folder, name, &found, 0) == 0 ? 1 : 0;
+}
+
+/// The system's own calls, in one block for a folder.
+uint64 walk_getdents(int folder, bool attributes) {
+    alignas(dirent64) char block[32 << 10];
+    uint64 found = 0;
+    for (long got; (got = syscall(SYS_getdents64, folder, block, sizeof block)) > 0;) {
+        for (long at = 0; at < got;) {
+            auto const & entry = *reinterpret_cast<dirent64 const *>(block + at);
+            at += entry.d_reclen;
+            if (dots(entry.d_name))
+                continue;
+            if (entry.d_type == DT_DIR) {
+                int const below = openat(folder, entry.d_name, O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+                found += walk_getdents(below, attributes);
+                close(below);
+            } else {
+                found += attributes ? stat_in(folder, entry.d_name) : 1;
+            }
+        }
+    }
+    return found;
+}
+
+uint64 walk_system(bool attributes) {
+    int const root = open(tree().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    uint64 const found = walk_getdents(root, attributes);
+    close(root);
+    return found;
+}
+
+uint64 walk_readdir_in(std::string const & path, bool attributes) {
+    DIR * const folder = opendir(path.c_str());
+    uint64 found = 0;
+    while (dirent const * const entry = readdir(folder)) {
+        if (dots(entry->d_name))
+            continue;
+        if (entry->d_type == DT_DIR)
+            found += walk_readdir_in(path + '/' + entry->d_name, attributes);
+        else
+            found += attributes ? stat_in(dirfd(folder), entry->d_name) : 1;
+    }
+    closedir(folder);
+    return found;
+}
+
+uint64 walk_readdir(bool attributes) { return walk_readdir_in(tree().string(), attributes); }
+
+uint64 walk_filesystem(bool attributes) {
+    uint64 found = 0;
+    for (auto const & entry : fs::recursive_directory_iterator(tree())) {
+        found += entry.is_regular_file();
+        if (attributes)
+            benchmark::DoNotOptimize(entry.last_write_time());
+    }
+    return found;
+}
+
+uint64 walk_io(bool attributes) {
+    uint64 found = 0;
+    io::directory root(any::path(any::string(platform::from_host(tree().string())), true));
+    for (auto folder = root.begin(), last = root.end(); folder != last; ++folder) {
+        io::directory inner(folder->path());
+        for (auto entry = inner.begin(), end = inner.end(); entry != end; ++entry) {
+            if (attributes)
+                entry->load_attributes(0);
             ++found;
         }
     }
+    return found;
 }
 
-void model_walk(benchmark::State & state, bool load) {
-    for (auto _ : state) {
-        std::size_t found = 0;
-        io::directory root(any::path(any::string(tree::made().path()), true));
-        walk(root, load, found);
-        benchmark::DoNotOptimize(found);
-    }
-    done(state);
-}
-
-void wide_walk(benchmark::State & state) {
-    for (auto _ : state) {
-        std::size_t found = 0;
-        nio::directory const root(tree::made().path());
-        for (auto folder = root.begin(), last = root.end(); folder != last; ++folder) {
-            nio::directory const inner(*folder);
-            for (auto entry = inner.begin(); entry != last; ++entry) {
+uint64 walk_nio(bool attributes) {
+    uint64 found = 0;
+    nio::directory const root(platform::from_host(tree().string()));
+    for (auto folder = root.begin(), last = root.end(); folder != last; ++folder) {
+        nio::directory const inner(*folder);
+        for (auto entry = inner.begin(); entry != last; ++entry) {
+            if (attributes) {
                 nio::item item(*entry);
-                nio::attributes const attributes(item);
-                found += attributes.read_only ? 0 : 1;
+                benchmark::DoNotOptimize(nio::attributes(item));
             }
+            ++found;
         }
-        benchmark::DoNotOptimize(found);
     }
-    done(state);
+    return found;
 }
 
 [[maybe_unused]] bool const registered = [] {
-    benchmark::RegisterBenchmark("walk, 20,000 files/limit: recursive_directory_iterator, status", host_walk, false);
-    benchmark::RegisterBenchmark("walk, 20,000 files/the same with the time of the last write", host_walk, true);
-    benchmark::RegisterBenchmark("walk, 20,000 files/socle, io::directory", model_walk, false);
-    benchmark::RegisterBenchmark("walk, 20,000 files/socle, io::directory, attributes", model_walk, true);
-    benchmark::RegisterBenchmark("walk, 20,000 files/socle, nio::directory, attributes", wide_walk);
+    for (bool const attributes : {false, true}) {
+        auto const add = [&](std::string const & who, uint64 (*walk)(bool)) {
+            auto const measure = [=](benchmark::State & state) {
+                if (walk(attributes) != uint64(folders) * files)
+                    std::abort();
+                bench::meter const meter;
+                for (auto _ : state)
+                    benchmark::DoNotOptimize(walk(attributes));
+                meter.done(state, uint64(folders) * files);
+            };
+            bench::add(attributes ? "walk with attributes, 20,000 files" : "walk, 20,000 files", who, measure);
+        };
+        add(attributes ? "limit: getdents64 and fstatat" : "limit: getdents64", walk_system);
+        add(attributes ? "readdir and fstatat" : "readdir", walk_readdir);
+        add("std::filesystem", walk_filesystem);
+        add("socle, io::directory, sorted", walk_io);
+        add("socle, nio::directory, sorted", walk_nio);
+    }
     return true;
 }();
 

@@ -1,0 +1,1 @@
+[[gnu::visibility("default")]] void nothing() {}

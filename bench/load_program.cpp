@@ -1,0 +1,2 @@
+// Does nothing, with the libraries that it is linked with loaded.
+int main() {}

@@ -1,0 +1,161 @@
+// Texts cut at commas, numbers as text, and bytes given back.
+
+#include "bench/codes_data.h"
+#include "bench/pieces_data.h"
+#include "stream/filter_input.h"
+#include "stream/vector_input.h"
+#include "un/digits.h"
+#include "un/tokenizer.h"
+
+#include <charconv>
+#include <cstdio>
+#include <cstring>
+#include <streambuf>
+#include <vector>
+
+namespace {
+
+using bench::spread_values;
+
+std::size_t count_commas(std::string const & text) {
+    std::size_t found = 0;
+    char const * at = text.data();
+    char const * const end = at + text.size();
+    for (; (at = static_cast<char const *>(std::memchr(at, ',', std::size_t(end - at)))) != nullptr; ++at)
+        ++found;
+    return found;
+}
+
+std::vector<std::string> const & numbers() {
+    static std::vector<std::string> const texts = [] {
+        std::vector<std::string> made;
+        for (int64 const value : spread_values())
+            made.push_back(std::to_string(value));
+        return made;
+    }();
+    return texts;
+}
+
+template <class Parse>
+void parse(benchmark::State & state, Parse one) {
+    auto const & all = numbers();
+    for (auto _ : state) {
+        uint64 sum = 0;
+        for (auto const & text : all)
+            sum += one(text);
+        benchmark::DoNotOptimize(sum);
+    }
+    state.SetItemsProcessed(static_cast<int64>(state.iterations() * all.size()));
+}
+
+uint64 parse_loop(std::string const & text) {
+    uint64 value = 0;
+    for (char const c : text) {
+        if (c < '0' || c > '9')
+            break;
+        value = value * 10 + static_cast<uint64>(c - '0');
+    }
+    return value;
+}
+
+template <class Format>
+void format(benchmark::State & state, Format one) {
+    auto const & all = spread_values();
+    bench::meter const meter;
+    for (auto _ : state) {
+        for (int64 const value : all)
+            benchmark::DoNotOptimize(one(static_cast<uint64>(value)));
+    }
+    meter.done(state, all.size());
+}
+
+/// Digits from the last one, into a buffer, and from there into a string.
+std::string format_loop(uint64 value) {
+    char digits[20];
+    char * first = std::end(digits);
+    do {
+        *--first = static_cast<char>('0' + value % 10);
+        value /= 10;
+    } while (value != 0);
+    return std::string(first, std::end(digits));
+}
+
+/// A byte read and given back, again and again.
+template <class Turn>
+void give_back(benchmark::State & state, Turn turn) {
+    for (auto _ : state) {
+        for (int i = 0; i < 1000; ++i)
+            benchmark::DoNotOptimize(turn());
+    }
+    state.SetItemsProcessed(static_cast<int64>(state.iterations() * 1000));
+}
+
+void unread(benchmark::State & state) {
+    byte_vector const bytes(100, 'x');
+    stream::vector_input memory(bytes);
+    stream::filter_input filter(memory);
+    stream::input & in = filter;
+    give_back(state, [&] {
+        int const byte = in.read();
+        in.unread(static_cast<char>(byte));
+        return byte;
+    });
+}
+
+void unread_sungetc(benchmark::State & state) {
+    struct : std::streambuf {
+        char bytes[100] = {};
+        void open() { setg(bytes, bytes, std::end(bytes)); }
+    } buffer;
+    buffer.open();
+    give_back(state, [&] {
+        int const byte = buffer.sbumpc();
+        buffer.sungetc();
+        return byte;
+    });
+}
+
+[[maybe_unused]] bool const registered = [] {
+    using benchmark::State;
+    using bench::add;
+    add(bench::split_row, "limit: memchr alone", [](State & state) { bench::split(state, count_commas); });
+    add(bench::split_row, "socle, un::tokenizer",
+        [](State & state) { bench::split(state, [](std::string const & text) { return un::tokenizer(text, ','); }); });
+    char const * const parsing = "parse 64-bit numbers, 1,000,000";
+    add(parsing, "limit: plain loop", [](State & state) { parse(state, parse_loop); });
+    add(parsing, "socle, un::read",
+        [](State & state) { parse(state, [](std::string const & text) { return un::read(text, 10); }); });
+    add(parsing, "std::from_chars", [](State & state) {
+        parse(state, [](std::string const & text) {
+            uint64 value = 0;
+            std::from_chars(text.data(), text.data() + text.size(), value);
+            return value;
+        });
+    });
+    add(parsing, "strtoull", [](State & state) {
+        parse(state, [](std::string const & text) { return std::strtoull(text.c_str(), nullptr, 10); });
+    });
+    char const * const formatting = "format 64-bit numbers, 1,000,000";
+    add(formatting, "limit: plain loop into a new string", [](State & state) { format(state, format_loop); });
+    add(formatting, "socle, un::write",
+        [](State & state) { format(state, [](uint64 value) { return un::write(value, 10, 0); }); });
+    add(formatting, "std::to_chars, into a new string", [](State & state) {
+        format(state, [](uint64 value) {
+            char digits[20];
+            return std::string(digits, std::to_chars(digits, std::end(digits), value).ptr);
+        });
+    });
+    add(formatting, "snprintf, into a new string", [](State & state) {
+        format(state, [](uint64 value) {
+            char digits[21];
+            int const length = std::snprintf(digits, sizeof digits, "%llu", static_cast<unsigned long long>(value));
+            return std::string(digits, static_cast<std::size_t>(length));
+        });
+    });
+    char const * const unreading = "unread, a source that cannot seek";
+    add(unreading, "socle, read and unread", unread);
+    add(unreading, "sbumpc and sungetc", unread_sungetc);
+    return true;
+}();
+
+} // namespace
