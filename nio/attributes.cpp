@@ -68,10 +68,11 @@ void attributes::load(item & from) {
         throw filesystem_exception("cannot access timestamps", path);
     created.set(created_time, time::format_file_time);
     modified.set(modified_time, time::format_file_time);
-    file_attributes = GetFileAttributesW(path) & kept_attributes;
+    uint32 const bits = GetFileAttributesW(path);
+    file_attributes = bits & kept_attributes;
     read_only = (file_attributes & FILE_ATTRIBUTE_READONLY) != 0;
     mode = read_only ? 0440 : 0640;
-    if (is_directory(path))
+    if (bits != INVALID_FILE_ATTRIBUTES && (bits & FILE_ATTRIBUTE_DIRECTORY) != 0)
         mode |= 0110;
 
     // What is no file cannot hold the information, and reading it might not come to an end.

@@ -1,6 +1,7 @@
 #include "nio/utf8.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstring>
 
 namespace nio {
@@ -9,12 +10,17 @@ namespace {
 
 constexpr char16_t replacement = 0xFFFD;
 constexpr std::size_t step = 16; // units, or bytes, that are looked at together
+constexpr std::size_t word_size = sizeof(uint64);
 
 unsigned char value(char byte) { return static_cast<unsigned char>(byte); }
 
 bool continues(char byte) { return (value(byte) & 0xC0) == 0x80; }
 
-bool both_continue(char a, char b) { return (((value(a) ^ 0x80) | (value(b) ^ 0x80)) & 0xC0) == 0; }
+/// Whether the first three of four bytes are a sequence of three.
+bool is_long(char const * bytes) {
+    uint32 const word = value(bytes[0]) | value(bytes[1]) << 8 | value(bytes[2]) << 16 | uint32(value(bytes[3])) << 24;
+    return (word & 0x00C0C0F0) == 0x008080E0;
+}
 
 /// Whether none of the next `step` elements is above ASCII.
 template <class Unit>
@@ -28,12 +34,21 @@ bool is_ascii(Unit const * from) {
     return (bits & (sizeof(Unit) == 1 ? 0x8080808080808080 : 0xFF80FF80FF80FF80)) == 0;
 }
 
-template <class From, class To>
+template <std::size_t count = step, class From, class To>
 void copy_ascii(From const * from, To * to) {
-    To block[step]; // of its own, so that it can be made in one go
-    for (std::size_t i = 0; i < step; ++i)
+    To block[count]; // of its own, so that it can be made in one go
+    for (std::size_t i = 0; i < count; ++i)
         block[i] = static_cast<To>(from[i]);
     std::memcpy(to, block, sizeof block);
+}
+
+/// How many of the next `word_size` bytes come before the first that is above ASCII.
+std::size_t ascii_before(char const * from) {
+    uint64 word;
+    std::memcpy(&word, from, sizeof word);
+    word &= 0x8080808080808080;
+    int const bits = std::endian::native == std::endian::little ? std::countr_zero(word) : std::countl_zero(word);
+    return static_cast<std::size_t>(bits) / 8;
 }
 
 /// Text on its way to the end of a string, which so is never filled before it is written.
@@ -52,7 +67,7 @@ public:
     }
 
 private:
-    static constexpr std::size_t most = 3 * step;
+    static constexpr std::size_t most = 3 * step + 1;
 
     Text & text_;
     typename Text::value_type block_[4096];
@@ -117,9 +132,11 @@ void _utf8_encode(wide_string const & text, narrow_string & out) {
                 to[1] = static_cast<char>(0x80 | (unit & 0x3F));
                 to += 2;
             } else {
-                to[0] = static_cast<char>(0xE0 | unit >> 12);
-                to[1] = static_cast<char>(0x80 | (unit >> 6 & 0x3F));
-                to[2] = static_cast<char>(0x80 | (unit & 0x3F));
+                // Four at once cost less than three; the last is written over.
+                char const bytes[] = {static_cast<char>(0xE0 | unit >> 12),
+                                      static_cast<char>(0x80 | (unit >> 6 & 0x3F)),
+                                      static_cast<char>(0x80 | (unit & 0x3F)), '\0'};
+                std::memcpy(to, bytes, sizeof bytes);
                 to += 3;
             }
         }
@@ -136,22 +153,33 @@ void _utf8_decode(narrow_string const & bytes, wide_string & out, bool validate)
     while (from != end) {
         result.make_room();
         char16_t * to = result.to;
-        if (std::size_t(end - from) >= step && is_ascii(from)) {
-            copy_ascii(from, to);
-            from += step;
-            result.to += step;
-            continue;
+        if (std::size_t(end - from) >= step) {
+            if (is_ascii(from)) {
+                copy_ascii(from, to);
+                from += step;
+                result.to += step;
+                continue;
+            }
+            // All of a word is copied, and the first byte above ASCII is where to go on.
+            copy_ascii<word_size>(from, to);
+            std::size_t const plain = ascii_before(from);
+            from += plain;
+            to += plain;
         }
         for (std::size_t i = 0; i < step && from != end; ++i) {
             unsigned const lead = value(*from);
             if (lead < 0x80) {
+                // Short texts and ends come byte by byte.
+                if (std::size_t(end - from) >= step)
+                    break;
                 *to++ = static_cast<char16_t>(lead);
                 ++from;
                 continue;
             }
-            if (lead >= 0xE0 && lead < 0xF0 && end - from >= 3 && both_continue(from[1], from[2])) {
+            if (lead >= 0xE0 && end - from >= 4 && is_long(from)) {
                 unsigned const u = (lead & 0xF) << 12 | (value(from[1]) & 0x3Fu) << 6 | (value(from[2]) & 0x3Fu);
-                if (u >= 0x800 && u < 0xFFFE && (u & 0xF800) != 0xD800) {
+                // All from 0x800 on but surrogates and the two that are no characters.
+                if (u - 0x800 < 0xD000 || u - 0xE000 < 0x1FFE) {
                     *to++ = static_cast<char16_t>(u);
                     from += 3;
                     continue;

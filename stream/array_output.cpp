@@ -23,12 +23,10 @@ array_output::array_output(un::array<char> & array, uint32 start) : array_output
 
 array_output::~array_output() = default;
 
-void array_output::write(char byte) {
-    if (!memory_.open()) {
-        if (left() == 0)
-            fail(past_the_end);
-        open();
-    }
+void array_output::write_on(char byte) {
+    if (left() == 0)
+        fail(past_the_end);
+    open();
     memory_.bytes[memory_.next++] = byte;
 }
 

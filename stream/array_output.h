@@ -20,7 +20,12 @@ public:
 
     using output::write;
 
-    void write(char byte) override;
+    SOCLE_API void write(char byte) override {
+        if (memory_.open())
+            memory_.bytes[memory_.next++] = byte;
+        else
+            write_on(byte);
+    }
     /// A block that does not fit leaves the bytes that fitted in place, and then throws.
     void write(char const * data, uint32 count) override;
 
@@ -38,6 +43,7 @@ private:
     bool _apart(std::span<char const> data) const override;
 
     void open();
+    void write_on(char byte);
     uint64 left() const { return memory_.next < length_ ? length_ - memory_.next : 0; }
 
     uint32 length_;

@@ -26,7 +26,7 @@ public:
     /// A block of at least the size of the buffer goes past it, in one write. A smaller one is held.
     void write(char const * data, uint32 count) override;
     void write(narrow_string const & text) override;
-    void write(char byte) override {
+    SOCLE_API void write(char byte) override {
         if (memory_.open())
             memory_.bytes[memory_.next++] = byte;
         else

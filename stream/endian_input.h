@@ -52,10 +52,10 @@ public:
     big_endian_input & operator=(big_endian_input const &) = default;
     ~big_endian_input() override;
 
-    uint16 read16() override { return next<big_endian_input, uint16>(true); }
+    SOCLE_API uint16 read16() override { return next<big_endian_input, uint16>(true); }
     uint32 read24() override;
-    uint32 read32() override { return next<big_endian_input, uint32>(true); }
-    uint64 read64() override { return next<big_endian_input, uint64>(true); }
+    SOCLE_API uint32 read32() override { return next<big_endian_input, uint32>(true); }
+    SOCLE_API uint64 read64() override { return next<big_endian_input, uint64>(true); }
 
 private:
     bool _ours() const override;
@@ -69,10 +69,10 @@ public:
     little_endian_input & operator=(little_endian_input const &) = default;
     ~little_endian_input() override;
 
-    uint16 read16() override { return next<little_endian_input, uint16>(false); }
+    SOCLE_API uint16 read16() override { return next<little_endian_input, uint16>(false); }
     uint32 read24() override;
-    uint32 read32() override { return next<little_endian_input, uint32>(false); }
-    uint64 read64() override { return next<little_endian_input, uint64>(false); }
+    SOCLE_API uint32 read32() override { return next<little_endian_input, uint32>(false); }
+    SOCLE_API uint64 read64() override { return next<little_endian_input, uint64>(false); }
 
 private:
     bool _ours() const override;

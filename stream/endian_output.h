@@ -45,10 +45,10 @@ public:
     big_endian_output & operator=(big_endian_output const &) = default;
     ~big_endian_output() override;
 
-    void write16(uint16 value) override { put(value, true); }
+    SOCLE_API void write16(uint16 value) override { put(value, true); }
     void write24(uint32 value) override;
-    void write32(uint32 value) override { put(value, true); }
-    void write64(uint64 value) override { put(value, true); }
+    SOCLE_API void write32(uint32 value) override { put(value, true); }
+    SOCLE_API void write64(uint64 value) override { put(value, true); }
 
 private:
     bool _ours() const override;
@@ -62,10 +62,10 @@ public:
     little_endian_output & operator=(little_endian_output const &) = default;
     ~little_endian_output() override;
 
-    void write16(uint16 value) override { put(value, false); }
+    SOCLE_API void write16(uint16 value) override { put(value, false); }
     void write24(uint32 value) override;
-    void write32(uint32 value) override { put(value, false); }
-    void write64(uint64 value) override { put(value, false); }
+    SOCLE_API void write32(uint32 value) override { put(value, false); }
+    SOCLE_API void write64(uint64 value) override { put(value, false); }
 
 private:
     bool _ours() const override;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <iterator>
 #include <string_view>
+#include <type_traits>
 
 namespace un {
 
@@ -19,6 +20,17 @@ int value_of(char c) {
         return c - 'a' + 10;
     }
     return c >= 'A' && c <= 'Z' ? c - 'A' + 10 : no_value;
+}
+
+/// Writes the digits of `value` so that the last stands before `end`, and gives the first. A `Radix` that the compiler
+/// knows divides a good deal faster.
+template <class Radix>
+char * digits_before(char * end, uint64 value, Radix radix) {
+    for (; value != 0; value /= radix) {
+        uint64 const remainder = value % radix;
+        *--end = remainder < 16 ? digits[remainder] : '\0';
+    }
+    return end;
 }
 
 /// `bytes` is any run of 8-bit values.
@@ -74,14 +86,15 @@ narrow_string write(uint64 value, int radix, int width) {
         return {};
     }
     char buffer[64];
-    char * first = std::end(buffer);
-    for (auto const divisor = static_cast<uint64>(radix); value != 0; value /= divisor) {
-        uint64 const remainder = value % divisor;
-        *--first = remainder < 16 ? digits[remainder] : '\0';
-    }
-    auto const length = static_cast<std::size_t>(std::end(buffer) - first);
-    narrow_string result(std::max(length, static_cast<std::size_t>(std::max(width, 0))), '0');
-    std::copy(first, std::end(buffer), result.end() - static_cast<std::ptrdiff_t>(length));
+    char * const end = std::end(buffer);
+    char const * const first = radix == 10 ? digits_before(end, value, std::integral_constant<uint64, 10>())
+                                           : digits_before(end, value, static_cast<uint64>(radix));
+    auto const length = static_cast<std::size_t>(end - first);
+    auto const least = static_cast<std::size_t>(std::max(width, 0));
+    if (least <= length)
+        return {first, length};
+    narrow_string result(least - length, '0');
+    result.append(first, length);
     return result;
 }
 

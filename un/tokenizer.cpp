@@ -1,5 +1,7 @@
 #include "un/tokenizer.h"
 
+#include <algorithm>
+
 namespace un {
 
 tokenizer::tokenizer(narrow_string const & text, char const * delimiters) { cut(text, delimiters); }
@@ -14,6 +16,8 @@ void tokenizer::cut(std::string_view text, std::string_view delimiters) {
         return delimiters.size() == 1 ? text.find(delimiters[0], start) : text.find_first_of(delimiters, start);
     };
     std::vector<narrow_string> tokens;
+    if (delimiters.size() == 1)
+        tokens.reserve(1 + static_cast<std::size_t>(std::count(text.begin(), text.end(), delimiters[0])));
     std::size_t start = 0;
     for (auto found = find(start); found != text.npos; found = find(start)) {
         tokens.emplace_back(text.substr(start, found - start));
