@@ -9,6 +9,9 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 seconds=${1:-60}
 shift || true
 need cmake=cmake ninja-build=ninja clang=clang++
+# The engine and the sanitizers are a package of their own, which the compiler only recommends.
+engine=$(clang++ -print-resource-dir)/lib/linux/libclang_rt.fuzzer-$(uname -m).a
+need "libclang-rt-$(clang++ -dumpversion | cut -d. -f1)-dev=$engine"
 cmake --preset fuzz
 cmake --build --preset fuzz
 
@@ -37,7 +40,7 @@ fuzz_one() {
         return
     fi
     printf '%-16s ended by a finding, see %s\n' "$name" "$log"
-    grep -E -m 4 'a promise is broken|ERROR|runtime error|SUMMARY|Test unit written' "$log" || tail -n 4 "$log"
+    grep -a -E -m 4 'a promise is broken|ERROR|runtime error|SUMMARY|Test unit written' "$log" || tail -n 4 "$log"
     return 1
 }
 export -f fuzz_one
