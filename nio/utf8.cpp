@@ -1,5 +1,7 @@
 #include "nio/utf8.h"
 
+#include "basic/byte_order.h"
+
 #include <algorithm>
 #include <bit>
 #include <cstring>
@@ -15,12 +17,6 @@ constexpr std::size_t word_size = sizeof(uint64);
 unsigned char value(char byte) { return static_cast<unsigned char>(byte); }
 
 bool continues(char byte) { return (value(byte) & 0xC0) == 0x80; }
-
-/// Whether the first three of four bytes are a sequence of three.
-bool is_long(char const * bytes) {
-    uint32 const word = value(bytes[0]) | value(bytes[1]) << 8 | value(bytes[2]) << 16 | uint32(value(bytes[3])) << 24;
-    return (word & 0x00C0C0F0) == 0x008080E0;
-}
 
 /// Whether none of the next `step` elements is above ASCII.
 template <class Unit>
@@ -42,15 +38,6 @@ void copy_ascii(From const * from, To * to) {
     std::memcpy(to, block, sizeof block);
 }
 
-/// How many of the next `word_size` bytes come before the first that is above ASCII.
-std::size_t ascii_before(char const * from) {
-    uint64 word;
-    std::memcpy(&word, from, sizeof word);
-    word &= 0x8080808080808080;
-    int const bits = std::endian::native == std::endian::little ? std::countr_zero(word) : std::countl_zero(word);
-    return static_cast<std::size_t>(bits) / 8;
-}
-
 /// Text on its way to the end of a string, which so is never filled before it is written.
 template <class Text>
 class tail {
@@ -67,7 +54,7 @@ public:
     }
 
 private:
-    static constexpr std::size_t most = 3 * step + 1;
+    static constexpr std::size_t most = 10 * step;
 
     Text & text_;
     typename Text::value_type block_[4096];
@@ -132,11 +119,9 @@ void _utf8_encode(wide_string const & text, narrow_string & out) {
                 to[1] = static_cast<char>(0x80 | (unit & 0x3F));
                 to += 2;
             } else {
-                // Four at once cost less than three; the last is written over.
-                char const bytes[] = {static_cast<char>(0xE0 | unit >> 12),
-                                      static_cast<char>(0x80 | (unit >> 6 & 0x3F)),
-                                      static_cast<char>(0x80 | (unit & 0x3F)), '\0'};
-                std::memcpy(to, bytes, sizeof bytes);
+                // Four bytes at once cost less than three; the last is written over.
+                basic::store<uint32>(to, 0x008080E0 | unit >> 12 | (unit << 2 & 0x3F00) | (unit << 16 & 0x3F0000),
+                                     false);
                 to += 3;
             }
         }
@@ -153,44 +138,42 @@ void _utf8_decode(narrow_string const & bytes, wide_string & out, bool validate)
     while (from != end) {
         result.make_room();
         char16_t * to = result.to;
-        if (std::size_t(end - from) >= step) {
-            if (is_ascii(from)) {
-                copy_ascii(from, to);
-                from += step;
-                result.to += step;
-                continue;
-            }
-            // All of a word is copied, and the first byte above ASCII is where to go on.
-            copy_ascii<word_size>(from, to);
-            std::size_t const plain = ascii_before(from);
-            from += plain;
-            to += plain;
+        if (std::size_t(end - from) >= step && is_ascii(from)) {
+            copy_ascii(from, to);
+            from += step;
+            result.to += step;
+            continue;
         }
-        for (std::size_t i = 0; i < step && from != end; ++i) {
-            unsigned const lead = value(*from);
-            if (lead < 0x80) {
-                // Short texts and ends come byte by byte.
-                if (std::size_t(end - from) >= step)
+        for (auto const * const stop = to + 8 * step; to < stop && std::size_t(end - from) >= word_size;) {
+            auto const word = basic::load<uint64>(from, false);
+            if ((word & 0x80) == 0) {
+                // All of the word is copied, and the first byte above ASCII is where to go on.
+                copy_ascii<word_size>(from, to);
+                auto const plain = std::countr_zero(word & 0x8080808080808080) / 8;
+                from += plain;
+                to += plain;
+                if (plain == word_size)
                     break;
-                *to++ = static_cast<char16_t>(lead);
-                ++from;
                 continue;
             }
-            if (lead >= 0xE0 && end - from >= 4 && is_long(from)) {
-                unsigned const u = (lead & 0xF) << 12 | (value(from[1]) & 0x3Fu) << 6 | (value(from[2]) & 0x3Fu);
+            if ((word & 0x00C0C0F0) == 0x008080E0) {
+                auto const u = static_cast<uint32>((word & 0xF) << 12 | (word >> 2 & 0xFC0) | (word >> 16 & 0x3F));
                 // All from 0x800 on but surrogates and the two that are no characters.
                 if (u - 0x800 < 0xD000 || u - 0xE000 < 0x1FFE) {
                     *to++ = static_cast<char16_t>(u);
                     from += 3;
                     continue;
                 }
-            } else if (lead >= 0xC2 && lead < 0xE0 && end - from >= 2 && continues(from[1])) {
-                *to++ = static_cast<char16_t>((lead & 0x1F) << 6 | (value(from[1]) & 0x3Fu));
+            } else if ((word & 0xC0E0) == 0x80C0 && (word & 0x1E) != 0) {
+                *to++ = static_cast<char16_t>((word & 0x1F) << 6 | (word >> 8 & 0x3F));
                 from += 2;
                 continue;
             }
             *to++ = decode_any(from, end, validate);
         }
+        // Short texts, and the ends of others, one by one.
+        for (auto const * const stop = to + step; to != stop && std::size_t(end - from) < step && from != end;)
+            *to++ = decode_any(from, end, validate);
         result.to = to;
     }
 }

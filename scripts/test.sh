@@ -67,7 +67,8 @@ check_client() {
 phase 'packages'
 need cmake=cmake ninja-build=ninja g++=g++ clang=clang++ clang-format=clang-format pkg-config=pkg-config \
     ntfs-3g=ntfs-3g python3=python3 libxml2-utils=xmllint libgtest-dev=/usr/include/gtest/gtest.h \
-    hfsutils=hcopy macutils=macunpack file=file tzdata=/usr/share/zoneinfo/America/New_York
+    hfsutils=hcopy macutils=macunpack file=file valgrind=valgrind \
+    tzdata=/usr/share/zoneinfo/America/New_York
 chmod 755 "$scratch"
 mkdir "$scratch/tests"
 if [ "$(id -u)" = 0 ]; then
@@ -90,6 +91,9 @@ if [ "$(id -u)" = 0 ]; then
     phase 'the same as an ordinary user'
     test_as_ordinary_user
 fi
+
+phase 'instructions of the hot paths'
+scripts/kernels.sh build/dev
 
 phase 'clang++, all warnings are errors'
 build clang

@@ -1,0 +1,50 @@
+#!/usr/bin/env bash
+# Measures the library beside its peers and the limit of each row, and writes bench/RESULTS.md. It takes some minutes,
+# and 2 GiB of disk for the time. A quiet machine is up to the caller: the load before and after is told in the result.
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+. scripts/packages.sh
+
+need cmake=cmake ninja-build=ninja g++=g++ pkg-config=pkg-config python3=python3 \
+    libbenchmark-dev=/usr/include/benchmark/benchmark.h libboost-dev=/usr/include/boost/crc.hpp \
+    libprotobuf-dev=/usr/include/google/protobuf/io/coded_stream.h libabsl-dev=/usr/include/absl/strings/str_split.h \
+    libicu-dev=/usr/include/unicode/ucnv.h
+
+cmake --preset bench
+cmake --build --preset bench
+
+programs=build/bench/bench
+scratch=$(mktemp -d)
+trap 'rm -rf "$scratch"' EXIT
+
+load() { cut -d' ' -f1 /proc/loadavg; }
+before=$(load)
+"$programs/socle_bench" --benchmark_out="$scratch/full.json" "$@"
+after=$(load)
+# The same with a tenth of every size: how the cost of an item grows.
+SOCLE_BENCH_SHRINK=10 "$programs/socle_bench" --benchmark_out="$scratch/tenth.json" \
+    --benchmark_repetitions=3 "$@"
+
+# peak <what> <socle_peak's words>...: a line of what, how much was done, and KiB.
+peak() {
+    printf '%s|%s\n' "$1" "$("$programs/socle_peak" "${@:2}")" >>"$scratch/peak"
+}
+truncate -s 1G "$scratch/from"
+peak 'copy of a fork of 1 GiB' copy "$scratch/from" "$scratch/to"
+rm -f "$scratch/from" "$scratch/to"
+for folders in 100 1000; do
+    python3 - "$scratch/tree" "$folders" <<'END'
+import os, sys
+for folder in range(int(sys.argv[2])):
+    path = f"{sys.argv[1]}/{folder}"
+    os.makedirs(path, exist_ok=True)
+    for file in range(1000):
+        os.close(os.open(f"{path}/file {file}.txt", os.O_CREAT | os.O_WRONLY))
+END
+    for family in io nio; do
+        peak "walk of $folders folders of 1,000 files, $family::directory" "walk-$family" "$scratch/tree"
+    done
+done
+
+python3 bench/results.py "$scratch" "$before" "$after" "$(g++ --version | head -1)" >bench/RESULTS.md
+echo 'written: bench/RESULTS.md'

@@ -1,0 +1,141 @@
+// Runs one hot path, named by the argument, on a fixed input, so that its instructions can be counted. "nothing" makes
+// the inputs alone.
+
+#include "any/string.h"
+#include "nio/integer_codes.h"
+#include "nio/utf8.h"
+#include "stream/array_input.h"
+#include "stream/array_output.h"
+#include "stream/buffered_input.h"
+#include "stream/buffered_output.h"
+#include "stream/copier.h"
+#include "stream/endian_input.h"
+#include "stream/endian_output.h"
+#include "stream/line_input.h"
+#include "un/digits.h"
+#include "un/tokenizer.h"
+
+#include <cstdio>
+#include <functional>
+#include <map>
+#include <string>
+
+namespace {
+
+uint32 const size = 120'000, block = 4096;
+
+std::string const text = [] {
+    std::string made;
+    while (made.size() < size)
+        made += "a line of a text, of words and commas, about as long as lines are\n";
+    made.resize(size);
+    return made;
+}();
+
+std::string memory(size, '\0');
+uint64 sum = 0;
+
+template <class Act>
+void with_input(Act act) {
+    stream::array_input from(text.data(), size);
+    stream::buffered_input in(from, block);
+    act(in);
+}
+
+template <class Act>
+void with_output(Act act) {
+    stream::array_output to(memory.data(), size);
+    stream::buffered_output out(to, block);
+    act(out);
+}
+
+/// Each takes `size` bytes, or makes them.
+std::map<std::string, std::function<void()>> const kernels = {
+    {"nothing", [] {}},
+    {"byte-reads",
+     [] {
+         with_input([](stream::input & in) {
+             for (int byte = in.read(); byte != -1; byte = in.read())
+                 sum += static_cast<unsigned>(byte);
+         });
+     }},
+    {"byte-writes",
+     [] {
+         with_output([](stream::output & out) {
+             for (uint32 i = 0; i < size; ++i)
+                 out.write(static_cast<char>(i));
+         });
+     }},
+    {"integer-reads",
+     [] {
+         with_input([](stream::input & beneath) {
+             stream::big_endian_input in(beneath);
+             for (uint32 i = 0; i < size / 4; ++i)
+                 sum += in.read32();
+         });
+     }},
+    {"integer-writes",
+     [] {
+         with_output([](stream::output & beneath) {
+             stream::big_endian_output out(beneath);
+             for (uint32 i = 0; i < size / 4; ++i)
+                 out.write32(i);
+         });
+     }},
+    {"lines",
+     [] {
+         with_input([](stream::input & beneath) {
+             stream::line_input in(beneath);
+             char line[256];
+             for (uint32 length; (length = in.read_line(line, sizeof line)) != 0xFFFFFFFF;)
+                 sum += length;
+         });
+     }},
+    {"copies",
+     [] {
+         stream::array_input from(text.data(), size);
+         stream::array_output to(memory.data(), size);
+         sum += stream::copier(block).process(from, to);
+     }},
+    {"wz",
+     [] {
+         with_output([](stream::output & out) {
+             for (int64 i = 0; i < size / 4; ++i)
+                 nio::write_wz(i * 100, out);
+         });
+         stream::array_input in(memory.data(), size);
+         for (uint32 i = 0; i < size / 4; ++i)
+             sum += static_cast<uint64>(nio::read_wz(in));
+     }},
+    {"utf8",
+     [] {
+         wide_string wide;
+         nio::_utf8_decode(text, wide, true);
+         narrow_string narrow;
+         nio::_utf8_encode(wide, narrow);
+         sum += narrow.size();
+     }},
+    {"match",
+     [] {
+         any::string const name(u"some name with an ending.text"), pattern(u"*a*e*.text");
+         for (uint32 i = 0; i < size / 29; ++i)
+             sum += name.pattern_match(pattern);
+     }},
+    {"split", [] { sum += un::tokenizer(text, ',').size(); }},
+    {"numbers",
+     [] {
+         for (uint32 i = 0; i < size / 10; ++i)
+             sum += un::read(un::write(1'000'000'000u + i, 10, 0), 10);
+     }},
+};
+
+} // namespace
+
+int main(int argc, char ** argv) {
+    auto const kernel = argc == 2 ? kernels.find(argv[1]) : kernels.end();
+    if (kernel == kernels.end())
+        return 1;
+    kernel->second();
+    std::printf("%llu\n", static_cast<unsigned long long>(sum));
+    return 0;
+}
