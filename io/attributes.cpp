@@ -123,6 +123,8 @@ void attributes::apply(any::path const & path, int type) const {
 void attributes::load_bin(any::path const & path) {
     file sidecar = sidecar_of(path);
     system_bits const bits(sidecar.path());
+    if (!bits.exists() && !platform::nothing_is_there())
+        raise_system_error(sidecar.path(), "cannot open", "io::fork");
     // A side fork of the sidecar itself makes it a file that cannot be opened.
     bool const nothing = !bits.exists() && !sidecar.info_fork().exists() && !sidecar.rsrc_fork().exists();
     if (nothing || bits.device())
@@ -162,12 +164,8 @@ void attributes::get_time(any::path const & path, any::time * created, any::time
     uint64 first = 0;
     uint64 last = 0;
     int const handle = open_times(path, 0);
-    bool known = handle != platform::INVALID_HANDLE_VALUE;
-    if (known) {
-        known = platform::GetFileTime(handle, first, last);
-        platform::CloseHandle(handle);
-    }
-    if (!known)
+    platform::handle_guard const at_end(handle);
+    if (handle == platform::INVALID_HANDLE_VALUE || !platform::GetFileTime(handle, first, last))
         raise_system_error(path, "cannot access timestamp(s) of", origin);
     if (created != nullptr)
         created->set(first, any::time::format_file_time);
@@ -177,13 +175,12 @@ void attributes::get_time(any::path const & path, any::time * created, any::time
 
 bool attributes::set_time(any::path const & path, any::time const * created, any::time const * modified) {
     int const handle = open_times(path, platform::GENERIC_WRITE);
+    platform::handle_guard const at_end(handle);
     if (handle == platform::INVALID_HANDLE_VALUE)
         return false;
     uint64 first = 0;
     uint64 last = 0;
-    bool const set = platform::SetFileTime(handle, file_time(created, first), file_time(modified, last));
-    platform::CloseHandle(handle);
-    return set;
+    return platform::SetFileTime(handle, file_time(created, first), file_time(modified, last));
 }
 
 } // namespace io

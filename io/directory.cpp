@@ -16,9 +16,10 @@ namespace {
 constexpr char const * origin = "io::directory";
 constexpr int tries = 999;
 
-bool is_directory_link(any::path const & path) {
+/// Whether this is a link, or may be one as far as the system tells. It may lead to a folder even if that is not seen.
+bool may_be_link(any::path const & path) {
     system_bits const bits(path);
-    return bits.directory() && bits.link();
+    return !bits.exists() || bits.link();
 }
 
 } // namespace
@@ -68,7 +69,7 @@ void directory::unlink(bool report) {
 }
 
 void directory::unlink_children(bool report) {
-    if (is_directory_link(path()))
+    if (may_be_link(path()))
         return;
     // Again as long as that helps: a sidecar is hidden until its file has gone.
     for (bool removed = true; removed;) {
@@ -94,6 +95,16 @@ directory::iterator directory::end() { return iterator(); }
 
 /// The system's search, wide or narrow, and the name that it found last.
 struct directory::iterator::search {
+    search() = default;
+    search(search const &) = delete;
+    search & operator=(search const &) = delete;
+    ~search() { close(); }
+
+    void close() {
+        if (handle)
+            platform::FindClose(handle);
+        handle = nullptr;
+    }
     bool find_first(any::path const & pattern) {
         if (wide_calls)
             handle = platform::FindFirstFileW(pattern.full_string(), wide);
@@ -187,10 +198,6 @@ bool directory::iterator::trivial() const {
     return name.ends_with(info) && (beside(u"") || beside(rsrc));
 }
 
-void directory::iterator::close() {
-    if (search_->handle)
-        platform::FindClose(search_->handle);
-    search_->handle = nullptr;
-}
+void directory::iterator::close() { search_->close(); }
 
 } // namespace io

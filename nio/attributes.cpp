@@ -42,19 +42,15 @@ int open_times(wide_string const & path, uint32 access) {
 
 bool load_times(wide_string const & path, uint64 & created, uint64 & modified) {
     int const handle = open_times(path, 0);
-    if (handle == INVALID_HANDLE_VALUE)
-        return false;
-    bool const done = GetFileTime(handle, created, modified);
-    CloseHandle(handle);
-    return done;
+    handle_guard const at_end(handle);
+    return handle != INVALID_HANDLE_VALUE && GetFileTime(handle, created, modified);
 }
 
 void apply_times(wide_string const & path, uint64 created, uint64 modified) {
     int const handle = open_times(path, GENERIC_WRITE);
-    if (handle == INVALID_HANDLE_VALUE)
-        return;
-    SetFileTime(handle, created ? &created : nullptr, modified ? &modified : nullptr);
-    CloseHandle(handle);
+    handle_guard const at_end(handle);
+    if (handle != INVALID_HANDLE_VALUE)
+        SetFileTime(handle, created ? &created : nullptr, modified ? &modified : nullptr);
 }
 
 } // namespace
@@ -78,6 +74,8 @@ void attributes::load(item & from) {
     // What is no file cannot hold the information, and reading it might not come to an end.
     wide_string const name = info_name(path, true, true);
     uint32 const kind = GetFileAttributesW(name);
+    if (kind == INVALID_FILE_ATTRIBUTES && !nothing_is_there())
+        throw filesystem_exception("cannot open file", name);
     if (kind == INVALID_FILE_ATTRIBUTES || (kind & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_DEVICE)) != 0)
         return;
     file info(name, 1);

@@ -15,7 +15,8 @@ public:
     explicit attributes(item & from);
 
     /// Takes the times, the attribute bits and the Finder information from the item. `finder_info` stays as it is where
-    /// there is none. Throws `nio::filesystem_exception`, "cannot access timestamps".
+    /// there is none. Throws `nio::filesystem_exception`, "cannot access timestamps", or "cannot open file" for
+    /// information that is there, or may be, but out of reach.
     void load(item & from);
 
     /// Gives the item the times that are not 0, and the attribute bits; what the system refuses of that is passed over.

@@ -29,10 +29,11 @@ bool make_directory(wide_string & path) {
     return true;
 }
 
-bool is_directory_link(wide_string const & path) {
-    constexpr uint32 both = platform::FILE_ATTRIBUTE_DIRECTORY | platform::FILE_ATTRIBUTE_REPARSE_POINT;
+/// Whether this is a link, or may be one as far as the system tells. It may lead to a directory even if that is not
+/// seen.
+bool may_be_link(wide_string const & path) {
     uint32 const bits = platform::GetFileAttributesW(path);
-    return bits != platform::INVALID_FILE_ATTRIBUTES && (bits & both) == both;
+    return bits == platform::INVALID_FILE_ATTRIBUTES || (bits & platform::FILE_ATTRIBUTE_REPARSE_POINT) != 0;
 }
 
 } // namespace
@@ -74,7 +75,7 @@ void directory::unlink(bool must_succeed) {
 }
 
 void directory::unlink_children(bool must_succeed) {
-    if (is_directory_link(path()))
+    if (may_be_link(path()))
         return;
     for (iterator it = begin(), last; it != last; ++it) {
         if (nio::is_directory(*it))
@@ -95,6 +96,17 @@ directory::iterator directory::end() const { return iterator(); }
 
 /// The system's search, and what it found last.
 struct directory::iterator::search {
+    search() = default;
+    search(search const &) = delete;
+    search & operator=(search const &) = delete;
+    ~search() { close(); }
+
+    void close() {
+        if (handle)
+            platform::FindClose(handle);
+        handle = nullptr;
+    }
+
     platform::file_search * handle = nullptr; // null when it has ended
     platform::WIN32_FIND_DATAW data;
 };
@@ -119,7 +131,7 @@ directory::iterator & directory::iterator::operator=(iterator const & other) {
     return *this;
 }
 
-directory::iterator::~iterator() { _close(); }
+directory::iterator::~iterator() = default;
 
 directory::iterator & directory::iterator::operator++() {
     _next();
@@ -158,11 +170,7 @@ bool directory::iterator::_trivial() const {
     return name == u"." || name == u".." || name.starts_with(u"._");
 }
 
-void directory::iterator::_close() {
-    if (search_->handle)
-        platform::FindClose(search_->handle);
-    search_->handle = nullptr;
-}
+void directory::iterator::_close() { search_->close(); }
 
 void directory::iterator::show() {
     current_ = directory_;

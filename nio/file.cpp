@@ -7,6 +7,7 @@
 #include "nio/fork_names.h"
 #include "nio/make_internal.h"
 #include "nio/path.h"
+#include "platform/errors.h"
 #include "platform/files.h"
 
 #include <algorithm>
@@ -44,7 +45,7 @@ file::file(wide_string const & path, int mode) : item(path), handle_(open_handle
 
 file::file(nio::item const & from, int mode) : file(from.path(), mode) {}
 
-file::~file() { close(); }
+file::~file() { close_ntfs(); }
 
 int file::open_handle(wide_string const & path, int mode) {
     if (mode == 0)
@@ -76,7 +77,13 @@ void file::open_fork(int mode) {
     auto const name = rsrc_name(path(), true, true);
     place_fork(name);
     handle_ = open_handle(name, mode);
-    seek(0);
+    // What is written at the start of the sidecar would destroy its head.
+    if (!seek(0) && fork_offset_ != 0) {
+        uint32 const error = GetLastError();
+        close();
+        SetLastError(error);
+        throw filesystem_exception("cannot open file", name);
+    }
 }
 
 /// Takes the place of the fork in the physical file `name`.

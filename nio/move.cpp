@@ -7,39 +7,53 @@
 #include "platform/errors.h"
 #include "platform/files.h"
 
+#include <new>
 #include <vector>
 
 namespace nio {
 
 namespace {
 
-/// The sidecar, the sidecar's own, and so on, as far as they are there.
-std::vector<wide_string> sidecars_of(wide_string const & path) {
-    std::vector<wide_string> sidecars;
-    for (wide_string name = ufs_name(path); exists(name); name = ufs_name(name)) {
-        sidecars.push_back(name);
+struct step {
+    wide_string from;
+    wide_string to;
+};
+
+/// How the sidecar, the sidecar's own, and so on, as far as they are there, go along. False if one may be out of reach.
+bool find_sidecars(wide_string from, wide_string to, std::vector<step> & steps) {
+    for (;;) {
+        from = ufs_name(from);
+        if (!exists(from)) {
+            return platform::nothing_is_there();
+        }
+        to = ufs_name(to);
+        steps.push_back({from, to});
     }
-    return sidecars;
 }
 
-/// Takes them along. False if the first one stays.
-bool move_sidecars(std::vector<wide_string> const & sidecars, wide_string const & to) {
-    wide_string target = to;
-    for (wide_string const & sidecar : sidecars) {
-        target = ufs_name(target);
-        if (!platform::MoveFileW(sidecar, target)) {
-            return &sidecar != &sidecars.front();
+/// False if the first one stays.
+bool move_sidecars(std::vector<step> const & steps) {
+    std::size_t done = 0;
+    try {
+        while (done < steps.size() && platform::MoveFileW(steps[done].from, steps[done].to)) {
+            ++done;
         }
+    } catch (std::bad_alloc const &) {
+        while (done-- > 0) {
+            platform::MoveFileW(steps[done].to, steps[done].from);
+        }
+        throw;
     }
-    return true;
+    return steps.empty() || done > 0;
 }
 
 } // namespace
 
 bool move(wide_string const & from, wide_string & to, bool must_succeed) {
     // Looked for before the move, after which the file might bear the name of one.
-    auto const sidecars = sidecars_of(from);
-    if (!platform::MoveFileW(from, to)) {
+    std::vector<step> sidecars;
+    bool const known = find_sidecars(from, to, sidecars);
+    if (!known || !platform::MoveFileW(from, to)) {
         if (must_succeed) {
             throw filesystem_exception("cannot move", from);
         }
@@ -51,13 +65,18 @@ bool move(wide_string const & from, wide_string & to, bool must_succeed) {
         move(from, to, true);
         return true;
     }
-    if (!move_sidecars(sidecars, to) && must_succeed) {
-        uint32 const error = platform::GetLastError();
+    try {
+        if (move_sidecars(sidecars) || !must_succeed) {
+            return false;
+        }
+    } catch (std::bad_alloc const &) {
         platform::MoveFileW(to, from);
-        platform::SetLastError(error);
-        throw filesystem_exception("cannot move", from);
+        throw;
     }
-    return false;
+    uint32 const error = platform::GetLastError();
+    platform::MoveFileW(to, from);
+    platform::SetLastError(error);
+    throw filesystem_exception("cannot move", from);
 }
 
 } // namespace nio

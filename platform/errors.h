@@ -35,6 +35,12 @@ constexpr uint32 ERROR_IO_DEVICE = 1117;
 /// The code of the last call that failed on this thread. Calls that succeed leave it alone.
 uint32 GetLastError();
 void SetLastError(uint32 code);
+/// Whether that code says that nothing has such a name, and not that the host could not look.
+inline bool nothing_is_there() {
+    uint32 const code = GetLastError();
+    return code == ERROR_FILE_NOT_FOUND || code == ERROR_PATH_NOT_FOUND || code == ERROR_BAD_NETPATH
+           || code == ERROR_INVALID_NAME || code == ERROR_FILENAME_EXCED_RANGE;
+}
 
 /// The system's text for a code, ending ".\r\n" and a zero byte, which is not counted in the result. 0 if there is no
 /// text for the code, or the buffer is too small.

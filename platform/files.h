@@ -36,6 +36,21 @@ constexpr uint32 STD_ERROR_HANDLE = static_cast<uint32>(-12);
 
 bool CloseHandle(int file);
 
+/// Closes a handle, if it is one, at the end of a block.
+class handle_guard {
+public:
+    explicit handle_guard(int file) : file_(file) {}
+    handle_guard(handle_guard const &) = delete;
+    handle_guard & operator=(handle_guard const &) = delete;
+    ~handle_guard() {
+        if (file_ != INVALID_HANDLE_VALUE)
+            CloseHandle(file_);
+    }
+
+private:
+    int file_;
+};
+
 /// A file gives fewer bytes only at its end. A pipe gives what is there, and 109 when its writers have gone.
 bool ReadFile(int file, char * buffer, uint32 size, uint32 & done);
 /// Writes all; `done` tells how much it was when that failed: 112 on a full disk, 232 on a pipe without readers.

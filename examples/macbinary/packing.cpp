@@ -16,6 +16,7 @@ namespace {
 
 constexpr int mac_roman = 10000;
 constexpr int already_exists = 183;
+constexpr int name_too_long = 206;
 
 any::path library_path(narrow_string const & host) { return {platform::from_host(host), true}; }
 
@@ -39,6 +40,20 @@ uint32 fork_length(io::fork & fork, narrow_string const & path) {
     return static_cast<uint32>(length);
 }
 
+/// 0 if there is no such fork. What is there but cannot be read must not pass for that.
+uint32 side_fork_length(io::fork & fork, narrow_string const & path) {
+    try {
+        fork.open();
+    } catch (io::exception const & e) {
+        bool const nothing = e.error() == 2 || e.error() == 3 || e.error() == name_too_long;
+        if (nothing || io::item(fork.fork_name()).directory())
+            return 0;
+        throw;
+    }
+    closing const at_end(fork);
+    return fork_length(fork, path);
+}
+
 /// Header, names and lengths of the forks of `file`, whose data fork is open.
 header header_for(io::file & file, narrow_string const & path) {
     io::attributes attributes;
@@ -47,7 +62,7 @@ header header_for(io::file & file, narrow_string const & path) {
     result.name = nio::encode(file.path().leaf(), mac_roman).substr(0, header::longest_name);
     result.finder = attributes.mac_file.value().info;
     result.data_length = fork_length(file.data_fork(), path);
-    result.resource_length = fork_length(file.rsrc_fork(), path);
+    result.resource_length = side_fork_length(file.rsrc_fork(), path);
     result.created = mac_seconds(attributes.created.value());
     result.modified = mac_seconds(attributes.modified.value());
     return result;
@@ -59,13 +74,14 @@ void copy_padded(io::fork & fork, stream::output & target, uint32 length, copyin
     target.fill(header::padded(length) - length, 0);
 }
 
-/// Moves what is complete to a free name.
-io::file place(part & file, any::path const & folder, any::string const & leaf) {
+/// Moves what is complete to a free name, and gives that as the host has it.
+narrow_string place(part & file, any::path const & folder, any::string const & leaf) {
     for (int attempt = 1;; ++attempt) {
         io::file target = free_name(folder, leaf);
+        auto host = platform::to_host(target.path().full_string());
         try {
             file.place(target);
-            return target;
+            return host;
         } catch (io::exception const & e) {
             // The name went to somebody else meanwhile.
             if (e.error() != already_exists || attempt == 10)
@@ -107,7 +123,7 @@ narrow_string unpack(narrow_string const & path, narrow_string const & folder) {
     made.make(made.file().info_fork());
     made.close();
     attributes_of(h).apply(made.file().path(), 1);
-    return platform::to_host(place(made, where, leaf).path().full_string());
+    return place(made, where, leaf);
 }
 
 void pack(narrow_string const & path, narrow_string const & target) {

@@ -2,8 +2,6 @@
 
 #include "io/exception.h"
 
-#include <utility>
-
 namespace {
 
 /// The fork of `target` that is like `fork` of `source`.
@@ -32,10 +30,10 @@ bool taken(io::file & file) {
 }
 
 /// Where it fails, another failure is already on its way up.
-void put_back(io::item & item, any::path const & from) {
+void put_back(any::path const & now, any::path const & before) {
     try {
-        item.move(from);
-    } catch (io::exception const &) {
+        io::item(now).move(before);
+    } catch (...) {
     }
 }
 
@@ -49,6 +47,7 @@ part::~part() {
 }
 
 void part::make(io::fork & fork) {
+    made_.reserve(made_.size() + 1);
     fork.create(false);
     made_.push_back(&fork);
 }
@@ -59,17 +58,19 @@ void part::close() {
 }
 
 void part::place(io::file & target) {
-    std::vector<std::pair<any::path, io::item>> moved;
+    struct step {
+        any::path from, to;
+    };
+    std::vector<step> steps;
+    for (auto fork = made_.rbegin(); fork != made_.rend(); ++fork)
+        steps.push_back({(*fork)->fork_name(), same_fork(**fork, file_, target).fork_name()});
+    std::size_t done = 0;
     try {
-        for (auto fork = made_.rbegin(); fork != made_.rend(); ++fork) {
-            any::path const from = (*fork)->fork_name();
-            io::item item(from);
-            item.move(same_fork(**fork, file_, target).fork_name());
-            moved.emplace_back(from, item);
-        }
-    } catch (io::exception const &) {
-        for (auto & [from, item] : moved)
-            put_back(item, from);
+        for (; done < steps.size(); ++done)
+            io::item(steps[done].from).move(steps[done].to);
+    } catch (...) {
+        while (done-- > 0)
+            put_back(steps[done].to, steps[done].from);
         throw;
     }
     made_.clear();

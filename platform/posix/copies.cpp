@@ -12,6 +12,7 @@
 
 #include <array>
 #include <climits>
+#include <new>
 #include <optional>
 #include <sys/file.h>
 #include <vector>
@@ -20,6 +21,18 @@ namespace platform::posix {
 
 namespace {
 
+/// Removes a file with its streams.
+int remove_file(volume const & on, narrow_string const & path) {
+    std::optional<stream_removal> streams;
+    if (on.streams)
+        streams.emplace(*on.streams, path);
+    if (host::unlink(path) != 0)
+        return errno;
+    if (streams)
+        streams->name_removed();
+    return 0;
+}
+
 /// Removes a file that is not to stay, with the streams that it has by then.
 class unfinished {
 public:
@@ -27,23 +40,16 @@ public:
     unfinished(unfinished const &) = delete;
     unfinished & operator=(unfinished const &) = delete;
     ~unfinished() {
-        if (!path_.empty())
-            remove();
-    }
-
-    int remove() {
-        std::optional<stream_removal> streams;
-        if (on_.streams)
-            streams.emplace(*on_.streams, path_);
-        if (host::unlink(path_) != 0)
-            return errno;
-        if (streams)
-            streams->name_removed();
-        return 0;
+        try {
+            if (!path_.empty())
+                remove_file(on_, path_);
+        } catch (std::bad_alloc const &) {
+            // It stays then.
+        }
     }
 
     /// It is `path` now.
-    void renamed(narrow_string const & path) { path_ = path; }
+    void renamed(narrow_string && path) noexcept { path_.swap(path); }
     void keep() { path_.clear(); }
 
 private:
@@ -161,23 +167,24 @@ uint32 move_file(resolved_path const & from, resolved_path const & to) {
     narrow_string name;
     if (uint32 const code = free_name(to.host, name))
         return code;
-    descriptor_guard const target = open_descriptor(name, O_RDWR | O_CREAT | O_EXCL, S_IRUSR | S_IWUSR);
-    if (target.get() < 0)
-        return code_at(to.host, errno);
     unfinished copy(*to.on, name);
+    descriptor_guard const target = open_descriptor(name, O_RDWR | O_CREAT | O_EXCL, S_IRUSR | S_IWUSR);
+    if (target.get() < 0) {
+        int const error = errno;
+        copy.keep(); // whose it may be
+        return code_at(to.host, error);
+    }
     if (uint32 const code = copy_all(from, source.get(), status, *to.on, name, target.get()))
         return code;
+    narrow_string moved = to.host;
     if (int const error = rename_unless_there(name, to.host))
         return code_of(error);
-    copy.renamed(to.host);
+    copy.renamed(std::move(moved));
     if (uint32 const code = sync_folder(folder_of(to.host)))
         return code;
     if (!unchanged(source.get(), status, from.host))
         return ERROR_SHARING_VIOLATION;
-    unfinished old(*from.on, from.host);
-    int const error = old.remove();
-    old.keep();
-    if (error != 0)
+    if (int const error = remove_file(*from.on, from.host))
         return code_of(error);
     copy.keep();
     return 0;

@@ -2,6 +2,7 @@
 
 #include "platform/posix/host_calls.h"
 
+#include <memory>
 #include <utility>
 
 namespace platform::posix {
@@ -27,6 +28,12 @@ public:
 private:
     int descriptor_;
 };
+
+struct folder_closer {
+    void operator()(DIR * folder) const { host::closedir(folder); }
+};
+/// A folder that is read.
+using folder_guard = std::unique_ptr<DIR, folder_closer>;
 
 /// The bits of a new file before the process's mask takes some away.
 constexpr mode_t everyone = S_IRUSR | S_IWUSR | S_IRGRP | S_IWGRP | S_IROTH | S_IWOTH;

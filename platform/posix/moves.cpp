@@ -7,6 +7,7 @@
 #include "platform/posix/resolve.h"
 
 #include <cerrno>
+#include <new>
 #include <vector>
 
 namespace platform {
@@ -27,10 +28,14 @@ bool same_entry(narrow_string const & a, narrow_string const & b) {
 
 /// Lets the streams of a file know where it is now, as far as that works: they find it without, too.
 void note_name(resolved_path const & at) {
-    std::vector<wide_string> names;
-    narrow_string host;
-    if (at.on->streams && at.on->streams->list(at.host, names) == 0 && !names.empty())
-        at.on->streams->locate(at.host, names.front(), true, host);
+    try {
+        std::vector<wide_string> names;
+        narrow_string host;
+        if (at.on->streams && at.on->streams->list(at.host, names) == 0 && !names.empty())
+            at.on->streams->locate(at.host, names.front(), true, host);
+    } catch (std::bad_alloc const &) {
+        // The move is done all the same.
+    }
 }
 
 uint32 move(std::u16string_view from_path, std::u16string_view to_path) {

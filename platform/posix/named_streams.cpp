@@ -12,6 +12,7 @@
 
 #include <cerrno>
 #include <climits>
+#include <new>
 #include <string_view>
 
 namespace platform::posix {
@@ -26,11 +27,12 @@ bool keeps_attributes(narrow_string const & volume) {
 
 /// Removes what lies in an open folder, which it closes. Links are removed, not followed.
 void remove_entries(descriptor_guard folder) {
-    DIR * const entries = host::fdopendir(folder.get());
-    if (entries == nullptr) {
+    folder_guard const opened(host::fdopendir(folder.get()));
+    if (!opened) {
         return;
     }
     folder.release();
+    DIR * const entries = opened.get();
     while (dirent const * const entry = host::readdir(entries)) {
         std::string_view const name = entry->d_name;
         if (name == "." || name == ".." || host::unlinkat(dirfd(entries), entry->d_name, 0) == 0) {
@@ -42,7 +44,6 @@ void remove_entries(descriptor_guard folder) {
             host::unlinkat(dirfd(entries), entry->d_name, AT_REMOVEDIR);
         }
     }
-    host::closedir(entries);
 }
 
 } // namespace
@@ -88,9 +89,13 @@ void stream_removal::name_removed() {
         return;
     }
     int const folder = host::open(belongings_, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
-    if (folder >= 0) {
-        remove_entries(descriptor_guard(folder));
-        host::rmdir(belongings_);
+    try {
+        if (folder >= 0) {
+            remove_entries(descriptor_guard(folder));
+            host::rmdir(belongings_);
+        }
+    } catch (std::bad_alloc const &) {
+        // The file has gone; what stays of its streams belongs to nobody.
     }
 }
 

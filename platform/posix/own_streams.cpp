@@ -1,6 +1,7 @@
 #include "platform/posix/own_streams.h"
 
 #include "platform/errors.h"
+#include "platform/posix/descriptor.h"
 #include "platform/posix/error_codes.h"
 #include "platform/posix/host_calls.h"
 #include "platform/posix/stream_names.h"
@@ -26,13 +27,13 @@ int make_folders(narrow_string const & path, std::size_t folder) {
 
 /// Adds the names of the streams in `folder`; `begun` is the part of their stored names that the folder stands for.
 int list_folder(narrow_string const & folder, narrow_string const & begun, std::vector<wide_string> & names) {
-    DIR * const entries = host::opendir(folder);
-    if (entries == nullptr) {
+    folder_guard const entries(host::opendir(folder));
+    if (!entries) {
         return errno == ENOENT ? 0 : errno;
     }
     int error = 0;
     errno = 0;
-    while (dirent const * const entry = host::readdir(entries)) {
+    while (dirent const * const entry = host::readdir(entries.get())) {
         std::string_view const name = entry->d_name;
         wide_string stream;
         if (name.ends_with('~')) {
@@ -49,9 +50,7 @@ int list_folder(narrow_string const & folder, narrow_string const & begun, std::
         }
         errno = 0;
     }
-    error = error != 0 ? error : errno;
-    host::closedir(entries);
-    return error;
+    return error != 0 ? error : errno;
 }
 
 } // namespace

@@ -245,13 +245,13 @@ public:
 
 private:
     void walk_folder(narrow_string const & folder, std::vector<narrow_string> & folders) {
-        DIR * const entries = host::opendir(folder + '/');
-        if (entries == nullptr) {
+        folder_guard const entries(host::opendir(folder + '/'));
+        if (!entries) {
             complete_ = complete_ && errno == ENOENT;
             return;
         }
         errno = 0;
-        while (dirent const * const entry = host::readdir(entries)) {
+        while (dirent const * const entry = host::readdir(entries.get())) {
             std::string_view const name = entry->d_name;
             narrow_string const path = (folder + '/').append(name);
             if (name != "." && name != ".." && path != store_) {
@@ -260,7 +260,6 @@ private:
             errno = 0;
         }
         complete_ = complete_ && errno == 0;
-        host::closedir(entries);
     }
 
     void look_at(narrow_string const & path, std::vector<narrow_string> & folders) {
