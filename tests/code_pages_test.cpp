@@ -6,7 +6,6 @@
 #include <cstdlib>
 #include <iconv.h>
 #include <map>
-#include <thread>
 #include <vector>
 
 namespace {
@@ -173,18 +172,6 @@ TEST(CodePages, RefuseWhatTheyDoNotKnow) {
         EXPECT_EQ(GetLastError(), ERROR_INVALID_PARAMETER);
     }
     EXPECT_EQ(MultiByteToWideChar(1252, "", 0, nullptr, 0), 0u);
-}
-
-TEST(CodePages, AreBuiltOnceForManyThreads) {
-    std::vector<std::thread> threads;
-    for (int i = 0; i < 4; ++i) {
-        threads.emplace_back([] {
-            for (uint32 const page : {949u, 950u, 866u})
-                EXPECT_EQ(decoded(page, encoded(page, u"abc")), u"abc");
-        });
-    }
-    for (auto & thread : threads)
-        thread.join();
 }
 
 TEST(CodePages, FollowTheLanguage) {

@@ -3,6 +3,7 @@
 #include "platform/files.h"
 #include "platform/host.h"
 #include "platform/posix/host_calls.h"
+#include "tests/support/elsewhere.h"
 #include "tests/support/scratch.h"
 
 #include <gtest/gtest.h>
@@ -50,34 +51,6 @@ TEST(platform_moves, go_where_nothing_is) {
     folder.write("odd?", "found");
     EXPECT_EQ(code(MoveFileW(folder.path("odd?"), folder.path("even"))), 0u);
 }
-
-/// A folder on another file system of the host than the one for tests.
-class elsewhere {
-public:
-    elsewhere() {
-        char pattern[] = "/dev/shm/socle_test_XXXXXX";
-        if (char const * const made = mkdtemp(pattern))
-            folder_ = made;
-    }
-    ~elsewhere() {
-        std::error_code ignored;
-        fs::remove_all(folder_, ignored);
-    }
-    bool differs_from(scratch const & folder) const {
-        struct stat here {
-        }, there{};
-        return stat(folder.folder().c_str(), &here) == 0 && stat(folder_.c_str(), &there) == 0
-               && here.st_dev != there.st_dev;
-    }
-    std::string host(std::string const & name) const { return folder_ + "/" + name; }
-    wide_string path(std::string const & name) const { return from_host(host(name)); }
-    std::size_t entries() const {
-        return static_cast<std::size_t>(std::distance(fs::directory_iterator(folder_), fs::directory_iterator()));
-    }
-
-private:
-    std::string folder_;
-};
 
 std::string text(std::string const & path) {
     std::ifstream in(path, std::ios::binary);
@@ -206,40 +179,6 @@ TEST(platform_moves, leave_a_file_that_changes_meanwhile) {
     posix::host::fault = nullptr;
     EXPECT_EQ(folder.read("file"), "bytes and more");
     EXPECT_EQ(other.entries(), 0u);
-}
-
-int calls_left = 0;
-
-TEST(platform_moves, lose_nothing_wherever_they_fail) {
-    scratch const folder;
-    elsewhere const other;
-    if (!other.differs_from(folder))
-        GTEST_SKIP() << "there is one file system only";
-    for (int const error : {EIO, ENOSPC, EROFS, EPERM}) {
-        for (bool const across : {true, false}) {
-            for (int n = 1;; ++n) {
-                SCOPED_TRACE(std::to_string(error) + (across ? " across, " : " within, ") + std::to_string(n));
-                ASSERT_LT(n, 200);
-                folder.write("file", "precious");
-                auto const target = across ? other.host("moved") : folder.host("moved");
-                calls_left = n;
-                static int injected;
-                injected = error;
-                posix::host::fault = [](char const *) { return calls_left > 0 && --calls_left == 0 ? injected : 0; };
-                bool const done = MoveFileW(folder.path("file"), from_host(target));
-                posix::host::fault = nullptr;
-                bool const through = calls_left > 0;
-                EXPECT_EQ(text(folder.host("file")), done ? "(none)" : "precious");
-                EXPECT_EQ(text(target), done ? "precious" : "(none)");
-                EXPECT_EQ(other.entries(), across && done ? 1u : 0u);
-                fs::remove(target);
-                if (through) {
-                    EXPECT_TRUE(done);
-                    break;
-                }
-            }
-        }
-    }
 }
 
 } // namespace

@@ -1,0 +1,359 @@
+#include "tests/faults/frame.h"
+
+#include "nio/exception.h"
+#include "nio/filesystem_exception.h"
+#include "platform/directories.h"
+#include "platform/errors.h"
+#include "platform/files.h"
+#include "platform/posix/host_calls.h"
+#include "un/exception.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <csignal>
+#include <cstdlib>
+#include <cstring>
+#include <map>
+#include <new>
+#include <string_view>
+#include <sys/mman.h>
+#include <sys/wait.h>
+#include <utility>
+
+// Each call to the host, or each allocation, of a whole operation fails in turn, until the operation comes through.
+
+namespace {
+
+/// The call or allocation, counted from 1, that does not come about; 0 for none.
+int calls_left = 0;
+int allocations_left = 0;
+std::ptrdiff_t allocated = 0;
+
+void * allocate(std::size_t size) noexcept {
+    if (allocations_left > 0 && --allocations_left == 0)
+        return nullptr;
+    void * const block = std::malloc(size == 0 ? 1 : size);
+    allocated += block != nullptr;
+    return block;
+}
+
+void * allocate_or_throw(std::size_t size) {
+    if (void * const block = allocate(size))
+        return block;
+    throw std::bad_alloc();
+}
+
+void release(void * block) noexcept {
+    allocated -= block != nullptr;
+    std::free(block);
+}
+
+} // namespace
+
+void * operator new(std::size_t size) { return allocate_or_throw(size); }
+void * operator new[](std::size_t size) { return allocate_or_throw(size); }
+void * operator new(std::size_t size, std::nothrow_t const &) noexcept { return allocate(size); }
+void * operator new[](std::size_t size, std::nothrow_t const &) noexcept { return allocate(size); }
+void operator delete(void * block) noexcept { release(block); }
+void operator delete[](void * block) noexcept { release(block); }
+void operator delete(void * block, std::size_t) noexcept { release(block); }
+void operator delete[](void * block, std::size_t) noexcept { release(block); }
+void operator delete(void * block, std::nothrow_t const &) noexcept { release(block); }
+void operator delete[](void * block, std::nothrow_t const &) noexcept { release(block); }
+
+namespace faults {
+
+/// How a failing test names it.
+void PrintTo(scenario const & s, std::ostream * out);
+void PrintTo(scenario const & s, std::ostream * out) { *out << s.name; }
+
+using namespace platform;
+namespace fs = std::filesystem;
+
+place::place() {
+    streams_ = true;
+    for (char const letter : {'n', 'm'}) {
+        std::string const folder = here.host(std::string(1, letter));
+        fs::create_directory(folder);
+        streams_ = attach_volume(static_cast<char>(letter - 'a' + 'A'), folder, "NTFS") == 0 && streams_;
+    }
+}
+
+place::~place() {
+    detach_volume('N');
+    detach_volume('M');
+}
+
+uncounted::uncounted() : calls_(std::exchange(calls_left, 0)), allocations_(std::exchange(allocations_left, 0)) {}
+
+uncounted::~uncounted() {
+    calls_left = calls_;
+    allocations_left = allocations_;
+}
+
+void check(bool good, char const * what) {
+    uncounted const words;
+    EXPECT_TRUE(good) << what;
+}
+
+namespace {
+
+// What happens instead of the call, beside the host's errors.
+constexpr int no_memory = -1;
+constexpr int killed = -2;
+
+int instead = 0;
+char const * failed_call = "";
+
+int count_call(char const * call) {
+    constexpr std::string_view slow = "open openat read pread write pwrite flock fsync ftruncate close opendir";
+    // Only these may be interrupted by a signal.
+    bool const is_slow = slow.find(call) != slow.npos;
+    // A host that keeps attributes does not deny it.
+    bool const cannot_be =
+        (instead == EINTR && !is_slow) || (instead == ENOTSUP && std::string_view(call) == "getxattr");
+    if (calls_left == 0 || cannot_be || --calls_left > 0)
+        return 0;
+    failed_call = call;
+    if (instead == killed)
+        std::raise(SIGKILL);
+    return instead;
+}
+
+/// Counts calls or allocations for as long as it lives.
+struct counting {
+    counting(int n, int fault) {
+        instead = fault;
+        failed_call = "";
+        (fault == no_memory ? allocations_left : calls_left) = n;
+        posix::host::fault = count_call;
+    }
+    ~counting() {
+        posix::host::fault = nullptr;
+        calls_left = allocations_left = 0;
+    }
+    static bool left() { return calls_left + allocations_left > 0; }
+};
+
+std::size_t open_descriptors() {
+    return static_cast<std::size_t>(std::distance(fs::directory_iterator("/proc/self/fd"), fs::directory_iterator()));
+}
+
+std::string bytes_of(wide_string const & path) {
+    int const file = CreateFileW(path, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, OPEN_EXISTING, 0);
+    uint32 done = 0;
+    std::string bytes(1 << 16, '\0');
+    bool const read = file != INVALID_HANDLE_VALUE && ReadFile(file, bytes.data(), 1 << 16, done);
+    EXPECT_TRUE(read) << to_host(path);
+    CloseHandle(file);
+    bytes.resize(done);
+    return bytes;
+}
+
+using contents = std::map<std::string, std::string>;
+
+/// All files below the place, with their streams.
+contents all_in(place const & where) {
+    contents found;
+    for (std::string const & top : {where.here.folder(), where.there.folder()}) {
+        for (fs::recursive_directory_iterator at(top), end; at != end; ++at) {
+            if ((at->path().parent_path().filename() == "n" || at->path().parent_path().filename() == "m")
+                && at->is_directory())
+                at.disable_recursion_pending(); // the store
+            if (!at->is_regular_file() || at->is_symlink())
+                continue;
+            std::string const name = (top == where.here.folder() ? "" : "there/") + fs::relative(*at, top).string();
+            wide_string const path = from_host(at->path().string());
+            found[name] = bytes_of(path);
+            for (char const * const stream : {":note", ":AFP_Resource", ":AFP_AfpInfo"}) {
+                wide_string const whole = path + wide_string(stream, stream + std::strlen(stream));
+                if (GetFileAttributesW(whole) != INVALID_FILE_ATTRIBUTES)
+                    found[name + stream] = bytes_of(whole);
+            }
+        }
+    }
+    return found;
+}
+
+struct outcome {
+    bool done = false;
+    bool ended = false;
+    report written = 0;
+    bool leaked = false;
+};
+
+/// Runs the act with what it may throw. `memory` allows for running out of it.
+bool attempt(scenario const & s, place const & where, report & written, bool memory) {
+    SetLastError(0);
+    try {
+        if (s.act(where, written))
+            return true;
+    } catch (nio::exception const &) {
+    } catch (un::exception const &) {
+    } catch (std::bad_alloc const &) {
+        check(memory, "memory was there");
+        return false;
+    } catch (...) {
+        check(false, "an exception that the library has not told of");
+        return false;
+    }
+    check(GetLastError() != 0, "a failure without a code");
+    return false;
+}
+
+outcome run_here(scenario const & s, place const & where, int n, int fault, bool & through) {
+    outcome result;
+    auto const descriptors = open_descriptors();
+    auto const blocks = allocated;
+    {
+        counting const now(n, fault);
+        result.done = attempt(s, where, result.written, fault == no_memory);
+        through = counting::left();
+    }
+    auto const kept = allocated;
+    result.leaked = kept != blocks;
+    EXPECT_EQ(open_descriptors(), descriptors) << "descriptors stay open";
+    EXPECT_TRUE(result.done || fault != EINTR) << "a signal shows";
+    return result;
+}
+
+/// The report stands in memory that outlives the process.
+outcome run_in_child(scenario const & s, place const & where, int n, bool & through) {
+    void * const shared = mmap(nullptr, sizeof(report), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+    report & written = *new (shared) report(0);
+    pid_t const child = fork();
+    if (child == 0) {
+        counting const now(n, killed);
+        _exit(attempt(s, where, written, false) && !testing::Test::HasFailure() ? 0 : 1);
+    }
+    int status = 0;
+    EXPECT_EQ(waitpid(child, &status, 0), child);
+    through = WIFEXITED(status);
+    EXPECT_EQ(through ? WEXITSTATUS(status) : WTERMSIG(status), through ? 0 : SIGKILL);
+    outcome const result{through, !through, written, false};
+    munmap(shared, sizeof(report));
+    return result;
+}
+
+bool holds(contents const & all, std::string const & bytes) {
+    return std::any_of(all.begin(), all.end(), [&](auto const & file) { return file.second == bytes; });
+}
+
+void check_contents(promise kept, contents const & before, contents const & after, contents const & now,
+                    outcome const & result) {
+    if (result.done || (kept == promise::whole && !result.ended)) {
+        EXPECT_EQ(now, result.done ? after : before);
+        return;
+    }
+    auto const value = [](contents const & all, std::string const & name) {
+        auto const found = all.find(name);
+        return found != all.end() ? found->second : "(none)";
+    };
+    for (auto const & [name, bytes] : now) {
+        // Where a name could not be had, the file may have got the next one.
+        bool const next = name.ends_with("_1");
+        std::string const asked = next ? name.substr(0, name.size() - 2) : name;
+        std::string const done = value(after, asked);
+        bool const part = kept == promise::growing && bytes.size() >= result.written && done.starts_with(bytes);
+        bool const known = before.contains(asked) || after.contains(asked);
+        EXPECT_TRUE((!next && bytes == value(before, name)) || bytes == done || part || (!known && result.ended))
+            << name << " has " << bytes.size() << " bytes, " << result.written << " were reported";
+    }
+    for (auto const & [name, bytes] : before) {
+        EXPECT_TRUE(now.contains(name) || !after.contains(name)) << name << " is lost";
+        if (kept == promise::whole && holds(after, bytes)) {
+            EXPECT_TRUE(holds(now, bytes)) << "what " << name << " had is lost";
+        }
+    }
+}
+
+class each_fault : public testing::TestWithParam<std::tuple<scenario, int>> {};
+
+TEST_P(each_fault, keeps_the_promise) {
+    auto const & [s, fault] = GetParam();
+    contents before;
+    contents after;
+    report all = 0;
+    {
+        place const where;
+        if (s.needed == scenario::another_file_system && !where.two_file_systems())
+            GTEST_SKIP() << "there is one file system only";
+        if (s.needed == scenario::named_streams && !where.streams())
+            GTEST_SKIP() << "no extended attributes in the folder for tests";
+        s.prepare(where);
+        before = all_in(where);
+        ASSERT_TRUE(attempt(s, where, all, false));
+        after = all_in(where);
+    }
+    bool again = false;
+    for (int n = 1;; ++n) {
+        ASSERT_LT(n, 3000);
+        place const where;
+        s.prepare(where);
+        bool through = false;
+        outcome result = fault == killed ? run_in_child(s, where, n, through) : run_here(s, where, n, fault, through);
+        SCOPED_TRACE(std::to_string(n) + ", " + failed_call);
+        // What is made once stays, as the text of a first failure: a leak comes again.
+        EXPECT_TRUE(!result.leaked || !again) << "blocks stay allocated";
+        check_contents(s.kept, before, after, all_in(where), result);
+        if (through && !result.leaked) {
+            EXPECT_TRUE(result.done);
+            EXPECT_TRUE(n > 1 || fault == EINTR) << "no call was counted";
+            break;
+        }
+        if (HasFailure())
+            break;
+        again = result.leaked;
+        n -= again;
+    }
+}
+
+std::string name_of(testing::TestParamInfo<std::tuple<scenario, int>> const & info) {
+    auto const & [s, fault] = info.param;
+    return std::string(s.name) + "_"
+           + (fault == no_memory ? "no_memory"
+              : fault == killed  ? "killed"
+                                 : strerrorname_np(fault));
+}
+
+auto const all_faults = testing::Values(EINTR, EROFS, ENOTSUP, EIO, EPERM, int(no_memory), int(killed));
+
+INSTANTIATE_TEST_SUITE_P(files, each_fault,
+                         testing::Combine(testing::ValuesIn(file_scenarios().begin(), file_scenarios().end()),
+                                          all_faults),
+                         name_of);
+INSTANTIATE_TEST_SUITE_P(folders, each_fault,
+                         testing::Combine(testing::ValuesIn(folder_scenarios().begin(), folder_scenarios().end()),
+                                          all_faults),
+                         name_of);
+
+bool write_file(wide_string const & path) {
+    int const file = CreateFileW(path, GENERIC_WRITE, FILE_SHARE_READ, CREATE_ALWAYS, 0);
+    return file != INVALID_HANDLE_VALUE && CloseHandle(file);
+}
+
+TEST(faults, codes_tell_what_the_host_said) {
+    scratch const folder;
+    folder.write("file", "old");
+    struct {
+        int error;
+        uint32 code;
+    } const table[] = {{EMFILE, 4}, {ENFILE, 4}, {ENOSPC, 112}, {EROFS, 19}, {EACCES, 5}, {ENAMETOOLONG, 206}};
+    for (auto const & c : table) {
+        instead = c.error;
+        posix::host::fault = [](char const * call) {
+            return std::string_view(call) == "open" || std::string_view(call) == "mkdir" ? instead : 0;
+        };
+        EXPECT_FALSE(write_file(folder.path("file")));
+        EXPECT_EQ(GetLastError(), c.code);
+        EXPECT_FALSE(CreateDirectoryW(folder.path("new")));
+        EXPECT_EQ(GetLastError(), c.code);
+        posix::host::fault = nullptr;
+    }
+    EXPECT_EQ(folder.read("file"), "old");
+}
+
+} // namespace
+} // namespace faults

@@ -1,0 +1,213 @@
+#include "tests/faults/frame.h"
+
+#include "io/attributes.h"
+#include "io/file.h"
+#include "io/fork_input.h"
+#include "io/fork_output.h"
+#include "nio/attributes.h"
+#include "nio/file.h"
+
+#include <vector>
+
+// One file at a time: written, read, resized, and given attributes.
+
+namespace faults {
+
+namespace {
+
+using namespace std::string_literals;
+
+std::string const old_bytes(9000, 'o');
+std::string const new_bytes = [] {
+    std::string bytes;
+    for (int i = 0; i < 10000; ++i)
+        bytes += static_cast<char>('a' + i % 23);
+    return bytes;
+}();
+constexpr uint64 some_time = 126227808000000000;
+
+any::path old_path(place const & where, char const * name) { return {where.here.path(name), true}; }
+
+/// Whoever opens a fork closes it.
+struct closing {
+    io::fork & fork;
+    ~closing() { fork.close(false); }
+};
+
+void write_in_pieces(auto & out, report & written) {
+    constexpr uint32 piece = 2500;
+    for (std::size_t at = 0; at < new_bytes.size(); at += piece) {
+        out.write(new_bytes.data() + at, piece);
+        written += piece;
+    }
+}
+
+void check_reads(auto & in, std::string const & expected) {
+    std::string got(expected.size() + 1, '\0');
+    got.resize(in.read(got.data(), static_cast<uint32>(got.size())));
+    check(got == expected, "other bytes are read than are there");
+}
+
+bool write_fork(place const & where, report & written) {
+    io::file file(old_path(where, "file"));
+    closing const at_end{file.data_fork()};
+    bool const renamed = file.create(true);
+    io::fork_output out(file.data_fork());
+    write_in_pieces(out, written);
+    file.data_fork().flush(true);
+    file.data_fork().close(true);
+    return !renamed;
+}
+
+bool resize_fork(place const & where, report &) {
+    io::file file(old_path(where, "file"));
+    closing const at_end{file.data_fork()};
+    file.data_fork().open_rw();
+    file.data_fork().resize(100);
+    file.data_fork().resize(20000);
+    bool const good = file.data_fork().tell() == 0 && file.data_fork().size() == 20000;
+    file.data_fork().close(true);
+    return good;
+}
+
+bool read_forks(place const & where, report &) {
+    io::file file(old_path(where, "file"));
+    for (io::fork * const fork : {&file.data_fork(), &file.rsrc_fork()}) {
+        closing const at_end{*fork};
+        fork->open();
+        io::fork_input in(*fork);
+        in.seek(1);
+        check_reads(in, old_bytes.substr(1));
+    }
+    return true;
+}
+
+bool unlink_forks(place const & where, report &) {
+    io::file file(old_path(where, "file"));
+    file.rsrc_fork().unlink(true);
+    file.unlink(false);
+    return !file.exists();
+}
+
+bool carry_attributes(place const & where, report &) {
+    io::attributes set;
+    set.modified = any::time(some_time, nio::time::format_file_time);
+    set.created = set.modified.value();
+    io::mac::file_attributes mac;
+    mac.info.type = io::mac::os_type("TEXT");
+    set.mac_file = mac;
+    set.apply(old_path(where, "file"), 1);
+    set.load(old_path(where, "file"), 3);
+    return true;
+}
+
+bool write_file(place const & where, report & written) {
+    nio::file file(where.here.path("new/folder/file"), 0);
+    if (file.create(true) || !file.is_open())
+        return false;
+    write_in_pieces(file, written);
+    file.flush();
+    return true;
+}
+
+bool make_anew(place const & where, report & written) {
+    nio::file file(where.here.path("file"), 4);
+    if (!file.is_open())
+        return false;
+    write_in_pieces(file, written);
+    return true;
+}
+
+bool use_modes(place const & where, report &) {
+    nio::file reader(where.here.path("file"), 1);
+    check_reads(reader, old_bytes);
+    nio::file writer(where.here.path("file"), 2);
+    bool const resized = writer.seek(8000) && writer.resize(4000) && writer.resize(12000);
+    return resized && writer.size() == 12000 && writer.tell() == 4000;
+}
+
+bool write_rsrc(place const & where, wide_string const & path, bool allow_ntfs, report & written) {
+    nio::file file(path, 0);
+    if (file.create_rsrc(allow_ntfs, true) || !file.is_open())
+        return false;
+    write_in_pieces(file, written);
+    file.close();
+    file.open_rsrc();
+    check_reads(file, new_bytes);
+    return where.here.exists("file");
+}
+
+bool write_sidecar(place const & where, report & written) {
+    return write_rsrc(where, where.here.path("file"), true, written);
+}
+
+bool write_stream(place const & where, report & written) { return write_rsrc(where, u"N:\\f", true, written); }
+
+bool apply_info(wide_string const & path, bool allow_ntfs) {
+    nio::item item(path);
+    nio::attributes set;
+    set.modified.set(some_time, nio::time::format_file_time);
+    set.created = set.modified;
+    set.finder_info.fill('f');
+    set.apply(item, true, allow_ntfs);
+    return nio::attributes(item).finder_info == set.finder_info;
+}
+
+void put_stream(wide_string const & path, std::string const & bytes) {
+    nio::file file(path, 4);
+    file.write(bytes.data(), static_cast<uint32>(bytes.size()));
+}
+
+void prepare_streams(place const & where) {
+    where.here.write("n/f", "data");
+    where.here.write("n/g", "other");
+    where.here.write("file", "untouched");
+    put_stream(u"N:\\f:note", old_bytes);
+    put_stream(u"N:\\f:AFP_Resource", "resource");
+    put_stream(u"N:\\f:AFP_AfpInfo", std::string(60, 'i'));
+}
+
+bool back_up(place const &, report &) {
+    std::vector<char> bytes(30000);
+    nio::file from(u"N:\\f", 0);
+    from.open_ntfs();
+    bytes.resize(from.read_ntfs(bytes.data(), 30000));
+    from.close_ntfs();
+    nio::file to(u"N:\\g", 0);
+    to.open_ntfs_w();
+    to.write_ntfs(bytes.data(), static_cast<uint32>(bytes.size()));
+    to.close_ntfs();
+    return true;
+}
+
+void prepare_file(place const & where) {
+    where.here.write("file", old_bytes);
+    where.here.write("file.rsrc", old_bytes);
+}
+
+void prepare_nothing(place const & where) { where.here.write("other", old_bytes); }
+
+scenario const table[] = {
+    {"io_file_is_written", promise::growing, prepare_nothing, write_fork},
+    {"io_file_is_written_anew", promise::growing, prepare_file, write_fork},
+    {"io_fork_is_resized", promise::growing, prepare_file, resize_fork},
+    {"io_forks_are_read", promise::whole, prepare_file, read_forks},
+    {"io_forks_are_deleted", promise::stepwise, prepare_file, unlink_forks},
+    {"io_attributes_are_carried", promise::growing, prepare_file, carry_attributes},
+    {"nio_file_is_written", promise::growing, prepare_nothing, write_file},
+    {"nio_file_is_made_anew", promise::growing, prepare_file, make_anew},
+    {"nio_file_is_read_and_resized", promise::growing, prepare_file, use_modes},
+    {"nio_fork_goes_to_a_sidecar", promise::growing, prepare_file, write_sidecar},
+    {"nio_fork_goes_to_a_stream", promise::growing, prepare_streams, write_stream, scenario::named_streams},
+    {"nio_info_goes_to_a_sidecar", promise::growing, prepare_file,
+     [](place const & where, report &) { return apply_info(where.here.path("file"), false); }},
+    {"nio_info_goes_to_a_stream", promise::growing, prepare_streams,
+     [](place const &, report &) { return apply_info(u"N:\\f", true); }, scenario::named_streams},
+    {"nio_streams_are_backed_up", promise::growing, prepare_streams, back_up, scenario::named_streams},
+};
+
+} // namespace
+
+std::span<scenario const> file_scenarios() { return table; }
+
+} // namespace faults
