@@ -74,6 +74,7 @@ mkdir "$scratch/tests"
 if [ "$(id -u)" = 0 ]; then
     chown 65534:65534 "$scratch/tests"
 fi
+need abigail-tools=abidiff xz-utils=xz lintian=lintian mmdebstrap=mmdebstrap
 
 phase 'format'
 if clang-format --version | grep -q 'version 14\.'; then
@@ -142,5 +143,15 @@ for dialect in gnu++20 c++20; do
     cmake --build "$scratch/$dialect"
     check_client "$scratch/$dialect/macbinary"
 done
+
+phase 'the binary interface'
+scripts/abi.sh
+
+phase 'ways to have the library, and its packages'
+mkdir "$scratch/ways"
+tests/packages/ways.sh "$scratch/ways"
+
+phase 'the packages in a clean system'
+tests/packages/clean_system.sh "$scratch/ways/packages" "$scratch/ways/program.cpp" '3 files, the first is a TEXT at 32'
 
 [ $failed -eq 0 ]
