@@ -16,6 +16,7 @@ public:
     /// lacked every character.
     converter(int ansi_page, int oem_page);
 
+    /// The numbers of the two pages.
     int ansi_page() const noexcept { return ansi_page_; }
     int oem_page() const noexcept { return oem_page_; }
 

@@ -14,15 +14,19 @@ class SOCLE_API name {
 public:
     class fragment_iterator;
 
+    /// Stands between fragments unless another unit is given.
     static constexpr char16_t default_separator = u'\\';
     /// The empty name with the default separator.
     static name const null;
 
+    /// Without fragments.
     explicit name(char16_t separator = default_separator) : separator_(separator) {}
     name(name const &) = default;
+    /// The same fragments and separator.
     name const & operator=(name const & other);
     ~name() = default;
 
+    /// The same fragments and separator.
     void set(name const & other);
 
     /// Each replaces the text and leaves the separator. Those through a code page throw "cannot convert to Unicode",
@@ -35,6 +39,7 @@ public:
     /// `text` is a byte with the length, and then that many bytes in the ANSI page.
     void set_pstr(unsigned char const * text);
 
+    /// All fragments, joined by the separator.
     wide_string get_ucs2() const { return value_; }
     narrow_string get_utf8() const;
     /// Both throw "cannot convert from Unicode" for a text that no installed page holds; else the result may be in

@@ -10,6 +10,7 @@ namespace any {
 /// Texts given may be elements of this path.
 class SOCLE_API path {
 public:
+    /// Over the elements, from the root to the leaf.
     using iterator = std::vector<string>::iterator;
     using const_iterator = std::vector<string>::const_iterator;
     using reverse_iterator = std::vector<string>::reverse_iterator;
@@ -30,6 +31,7 @@ public:
     /// Back to "\" and "/".
     void reset_separator();
 
+    /// The elements, in order, as in a vector.
     bool empty() const noexcept { return elements_.empty(); }
     std::size_t size() const noexcept { return elements_.size(); }
     iterator begin() noexcept { return elements_.begin(); }

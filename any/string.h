@@ -15,9 +15,11 @@ namespace any {
 /// `ansi` picks the system's ANSI page, else its OEM page.
 class SOCLE_API string : public wide_string {
 public:
+    /// Text that compares without regard to case.
     using ci_string = std::basic_string<char16_t, un::ci_wchar_t_traits>;
 
     string() = default;
+    /// The units as they are; the pointer's text ends at its first zero.
     string(wide_string text) : wide_string(std::move(text)) {}
     string(char16_t const * text) : wide_string(text) {}
     /// As `set`; `text` ends at its first zero.

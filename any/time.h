@@ -8,7 +8,9 @@ namespace any {
 class time : public nio::time {
 public:
     time() = default;
+    /// As `set`.
     time(uint64 value, format_type format) { set(value, format); }
+    /// The same point in time.
     time(nio::time const & other) : nio::time(other) {}
 };
 

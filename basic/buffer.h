@@ -34,6 +34,7 @@ public:
     uint32 size() const noexcept { return size_; }
     bool owner() const noexcept { return owner_; }
 
+    /// The element; `index` has to be below `size()`.
     T & operator[](uint32 index) { return data_[index]; }
     T const & operator[](uint32 index) const { return data_[index]; }
 

@@ -8,11 +8,13 @@ namespace basic {
 /// The root of the exceptions of `basic` and `nio`: a plain value. A handler for `std::exception` does not catch it.
 class SOCLE_API exception {
 public:
+    /// What went wrong, in words.
     explicit exception(narrow_string const & message);
     exception(exception const &);
     exception & operator=(exception const &);
     ~exception();
 
+    /// The words.
     narrow_string const & message() const noexcept { return message_; }
 
 protected:

@@ -22,12 +22,15 @@ public:
     /// Whether `name` is one of the names; case counts.
     bool matches(narrow_string const & name) const;
 
+    /// What the constructor was given.
     std::vector<narrow_string> const & names() const noexcept { return names_; }
     narrow_string const & description() const noexcept { return description_; }
     bool required() const noexcept { return required_; }
+    /// Whether an argument has named this element.
     bool found() const noexcept { return found_; }
 
 protected:
+    /// Sets what `found()` tells.
     void found(bool seen) noexcept { found_ = seen; }
 
 private:

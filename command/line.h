@@ -26,7 +26,9 @@ public:
     /// Prints the options on the standard output, under a head line with `title`.
     void show_options(narrow_string const & title) const;
 
+    /// The registered elements, in the order of their registration.
     std::vector<command::element *> const & options() const noexcept { return options_; }
+    /// What the constructor was given.
     int argc() const noexcept { return argc_; }
     std::vector<narrow_string> const & argv() const noexcept { return argv_; }
 

@@ -23,6 +23,7 @@ public:
 
     void parse(narrow_string const & text) override;
 
+    /// The value.
     T & operator()() noexcept { return value_; }
 
 private:

@@ -19,8 +19,10 @@ public:
     static directory temp();
 
     directory();
+    /// At `path`; nothing is looked at.
     explicit directory(any::path const & path);
     directory(directory const &);
+    /// The same path and attributes.
     explicit directory(item const & other);
     directory & operator=(directory const &);
     ~directory() override;
@@ -46,6 +48,7 @@ public:
     void unlink_children(bool report);
     void unlink_with_children(bool report);
 
+    /// A walk from the first entry on, and the end of every walk.
     iterator begin();
     iterator end();
 };
@@ -74,6 +77,7 @@ public:
     item & operator*() { return current_; }
     item * operator->() { return &current_; }
 
+    /// Goes to the next entry that shows.
     iterator & operator++();
     /// Gives the place after the step.
     iterator operator++(int);

@@ -14,6 +14,7 @@ public:
     [[noreturn]] void Raise() const override;
     exception * Clone() const override;
 
+    /// The system's code, or 0.
     int error() const noexcept { return error_; }
 
 private:

@@ -10,8 +10,10 @@ namespace io {
 class SOCLE_API file : public item {
 public:
     file();
+    /// At `path`; nothing is looked at.
     explicit file(any::path const & path);
     file(file const & other);
+    /// The same path and attributes.
     explicit file(item const & other);
     file & operator=(file const & other);
     ~file() override;
@@ -24,6 +26,7 @@ public:
     /// Whether any of the forks exists.
     bool exists();
 
+    /// The forks, which belong to this file.
     io::fork & data_fork() noexcept { return data_; }
     io::fork & rsrc_fork() noexcept { return rsrc_; }
     io::fork & info_fork() noexcept { return info_; }

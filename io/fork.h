@@ -10,10 +10,14 @@ class file;
 class descriptor {
 public:
     descriptor() = default;
+    /// Holds the number, and owns nothing.
     descriptor(int handle) : handle_(handle) {}
 
+    /// Whether there is a handle.
     bool valid() const noexcept { return handle_ != none; }
+    /// Forgets the handle.
     void reset() noexcept { handle_ = none; }
+    /// The host's number.
     operator int() const noexcept { return handle_; }
 
 private:
@@ -32,6 +36,7 @@ public:
     /// others that read.
     enum open_mode { open_read, open_read_write, create_new, create_always };
 
+    /// A fork of `file`, which has to outlive it; closed.
     explicit fork(io::file & file);
     /// Shares the handle's number.
     fork(fork const &);
@@ -75,13 +80,16 @@ public:
     /// Where the fork lies; the empty path for a file without a name.
     virtual any::path fork_name() const = 0;
 
+    /// Whether there is anything where the fork would lie.
     bool exists();
+    /// The open handle, or an invalid one.
     io::descriptor descriptor() const noexcept { return descriptor_; }
 
 protected:
     /// An invalid result is a failure. "unknown fork open mode".
     io::descriptor _open(open_mode mode);
 
+    /// The file that this is a fork of.
     io::file & file() const noexcept { return file_; }
 
 private:
@@ -95,6 +103,7 @@ private:
 /// The file itself.
 class SOCLE_API data_fork : public fork {
 public:
+    /// A fork of `file`, closed.
     explicit data_fork(io::file & file);
     data_fork(data_fork const &);
     ~data_fork() override;
@@ -104,6 +113,7 @@ public:
 /// A file beside it, with ".rsrc" behind its leaf.
 class SOCLE_API rsrc_fork : public fork {
 public:
+    /// A fork of `file`, closed.
     explicit rsrc_fork(io::file & file);
     rsrc_fork(rsrc_fork const &);
     ~rsrc_fork() override;
@@ -113,6 +123,7 @@ public:
 /// A file beside it, with ".info" behind its leaf.
 class SOCLE_API info_fork : public fork {
 public:
+    /// A fork of `file`, closed.
     explicit info_fork(io::file & file);
     info_fork(info_fork const &);
     ~info_fork() override;

@@ -8,6 +8,7 @@ namespace io {
 /// An open fork as a source. It neither opens the fork nor closes it, but by `close`.
 class SOCLE_API fork_input : public stream::random::input {
 public:
+    /// Reads from an open fork, which has to outlive it.
     explicit fork_input(io::fork & fork);
     fork_input(fork_input const &);
     fork_input & operator=(fork_input const &) = delete;

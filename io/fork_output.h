@@ -8,6 +8,7 @@ namespace io {
 /// An open fork as a sink. It neither opens the fork nor closes it, but by `close`; `flush` does nothing.
 class SOCLE_API fork_output : public stream::random::output {
 public:
+    /// Writes to an open fork, which has to outlive it.
     explicit fork_output(io::fork & fork);
     fork_output(fork_output const &);
     fork_output & operator=(fork_output const &) = delete;

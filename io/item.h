@@ -22,6 +22,7 @@ public:
     struct summary;
 
     item();
+    /// At `path`; nothing is looked at.
     explicit item(any::path const & path);
     item(item const &);
     item & operator=(item const &);
@@ -33,8 +34,10 @@ public:
     /// Deletes the file or the empty folder. What a failure of that does with `report`, `file` and `directory` say.
     virtual void unlink(bool report);
 
+    /// Where it is, as it was given.
     any::path & path() noexcept { return path_; }
     any::path const & path() const noexcept { return path_; }
+    /// What `load_attributes` has read, or the caller has set.
     io::attributes & attributes() noexcept { return attributes_; }
     io::attributes const & attributes() const noexcept { return attributes_; }
     /// See `io::attributes`. Nothing is applied to an item that does not exist.
@@ -44,7 +47,9 @@ public:
     /// Set by `create_temp`. A copy is temporary too, so that the first of them to go deletes the item.
     bool temporary() const noexcept { return temporary_; }
 
+    /// Whether there is anything at the path; a dangling link counts.
     bool exists() const;
+    /// Whether a folder is there, or a link to one.
     bool directory() const;
     /// Whether the name ends in ".lnk", in any case.
     bool link() const;

@@ -8,6 +8,7 @@ template <typename T>
 class optional {
 public:
     optional() = default;
+    /// A value that is present.
     optional(T const & value) : present_(true), value_(value) {}
 
     /// Makes the value present.
@@ -19,7 +20,9 @@ public:
     /// Makes the value absent, and keeps what it was.
     void clear() noexcept { present_ = false; }
 
+    /// Whether there is one.
     bool present() const noexcept { return present_; }
+    /// The value, also if it is absent.
     T const & value() const noexcept { return value_; }
 
 private:

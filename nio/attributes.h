@@ -27,7 +27,9 @@ public:
     /// "cannot write" or "cannot create"; "cannot write" also for a sidecar of another kind, which is left as it is.
     void apply(item & to, bool write_info, bool allow_ntfs) const;
 
+    /// Whether the file may not be written.
     bool read_only = false;
+    /// Of the last change, and of its making, in GMT.
     time modified;
     time created;
     /// Read-only 1, hidden 2, system 4, directory 0x10, archive 0x20, normal 0x80, temporary 0x100.

@@ -18,6 +18,7 @@ SOCLE_API int64 read_p2(bit_input<1, 0, 1> & in);
 template <>
 class SOCLE_API bit_input<1, 0, 1> {
 public:
+    /// Reads from `source`, which has to outlive it; nothing is read yet.
     explicit bit_input(input & source) noexcept : source_(&source) {}
 
     /// Reads until at least `n` bits are held, `n` up to 24; false if the source ran dry first.

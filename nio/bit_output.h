@@ -13,6 +13,7 @@ class bit_output;
 template <>
 class SOCLE_API bit_output<1, 0> {
 public:
+    /// Writes to `target`, which has to outlive it.
     explicit bit_output(output & target) noexcept : target_(&target) {}
 
     /// Appends one bit, 0 or 1. Whole bytes are written first if it would be the 32nd that is held.

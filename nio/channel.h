@@ -29,6 +29,7 @@ public:
     void flush() override;
 
 protected:
+    /// The position that `tell()` gives here.
     uint64 position() const noexcept { return position_; }
     void position(uint64 where) noexcept { position_ = where; }
 

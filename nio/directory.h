@@ -14,6 +14,7 @@ public:
     class iterator;
 
     directory() = default;
+    /// At this path; nothing is looked at.
     explicit directory(wide_string const & path);
     explicit directory(nio::item const & from);
 
@@ -36,6 +37,7 @@ public:
     /// Both, one after the other.
     void unlink_with_children(bool must_succeed);
 
+    /// A walk from the first entry on, and the end of every walk.
     iterator begin() const;
     iterator end() const;
 };
@@ -63,6 +65,7 @@ public:
     wide_string const & operator*() const { return current_; }
     wide_string const * operator->() const { return &current_; }
 
+    /// Goes to the next entry that shows.
     iterator & operator++();
     /// Gives the place after the step.
     iterator operator++(int);

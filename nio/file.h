@@ -65,6 +65,7 @@ public:
     /// Creates a file in `directory` under a name made from the clock, once.
     void create_temp(wide_string const & directory);
 
+    /// Whether there is an open handle.
     bool is_open() const { return handle_ != -1; }
     /// The host's descriptor, -1 if closed.
     int handle() const { return handle_; }

@@ -14,6 +14,7 @@ public:
     filesystem_exception & operator=(filesystem_exception const &);
     ~filesystem_exception();
 
+    /// The system's code.
     uint32 error() const noexcept { return error_; }
 
 private:

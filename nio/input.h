@@ -38,6 +38,7 @@ public:
     virtual uint64 size() const;
 
 protected:
+    /// The position that `tell()` gives here.
     uint64 position() const noexcept { return position_; }
     void position(uint64 where) noexcept { position_ = where; }
 
@@ -56,6 +57,7 @@ private:
 /// A source of the same byte, without end.
 class SOCLE_API infinite_input : public input {
 public:
+    /// A source of `fill`.
     explicit infinite_input(char fill);
     ~infinite_input() override;
 

@@ -6,7 +6,9 @@
 /// What the file system says of a path, and the changes of a path that ask it.
 namespace nio {
 
+/// Whether there is anything at the path; a dangling link counts.
 SOCLE_API bool exists(wide_string const & path);
+/// Whether a folder is there, or a link to one.
 SOCLE_API bool is_directory(wide_string const & path);
 /// Whether the extension is ".lnk" in any case; the file is not looked at.
 SOCLE_API bool is_link(wide_string const & path);
@@ -25,11 +27,14 @@ SOCLE_API wide_string temp_directory();
 class SOCLE_API item {
 public:
     item() = default;
+    /// At `path`; nothing is looked at.
     explicit item(wide_string const & path) : path_(path) {}
 
+    /// As the functions of these names.
     bool exists() const { return nio::exists(path_); }
     bool is_directory() const { return nio::is_directory(path_); }
 
+    /// Where it is, as it was given.
     wide_string const & path() const { return path_; }
     wide_string & path() { return path_; }
 

@@ -10,7 +10,9 @@ namespace nio {
 template <class Byte>
 struct memory {
     memory() = default;
+    /// Closed, at the byte `start`.
     memory(Byte * first, uint64 start) : bytes(first), next(start) {}
+    /// The same place, closed.
     memory(memory const & other) : bytes(other.bytes), next(other.next) {}
     memory & operator=(memory const & other) {
         bytes = other.bytes;
@@ -20,8 +22,10 @@ struct memory {
     }
     ~memory() = default;
 
+    /// Whether single bytes may go past the long way.
     bool open() const noexcept { return next < limit; }
 
+    /// The memory, the place in it, and where it ends for single bytes.
     Byte * bytes = nullptr;
     uint64 next = 0;
     uint64 limit = 0;

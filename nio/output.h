@@ -40,6 +40,7 @@ public:
     virtual uint64 size() const;
 
 protected:
+    /// The position that `tell()` gives here.
     uint64 position() const noexcept { return position_; }
     void position(uint64 where) noexcept { position_ = where; }
 

@@ -36,8 +36,10 @@ class SOCLE_API path_fragments {
 public:
     class iterator;
 
+    /// Cuts `path` at every `sep`.
     path_fragments(wide_string const & path, char16_t sep);
 
+    /// The fragments, in order.
     iterator begin();
     iterator end();
 
@@ -60,18 +62,23 @@ public:
     using pointer = wide_string const *;
     using reference = wide_string;
 
+    /// The fragment `index` of `owner`.
     iterator(path_fragments const & owner, std::size_t index) : owner_(&owner), index_(index) {}
 
+    /// The fragment.
     wide_string operator*() const { return owner_->fragment(index_); }
+    /// Goes to the next fragment.
     iterator & operator++() {
         ++index_;
         return *this;
     }
+    /// The same, and gives the place before.
     iterator operator++(int) {
         iterator before = *this;
         ++index_;
         return before;
     }
+    /// Whether both stand at the same fragment.
     bool operator==(iterator const & other) const { return owner_ == other.owner_ && index_ == other.index_; }
 
 private:

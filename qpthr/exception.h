@@ -15,8 +15,10 @@ public:
     QpException(int code, char const * text) noexcept;
     ~QpException() override;
 
+    /// The name of the class.
     virtual char const * Name() const noexcept = 0;
 
+    /// A number for programs, 0 for none.
     int code() const noexcept { return code_; }
     /// Always ends in a zero byte.
     char const * text() const noexcept { return text_; }

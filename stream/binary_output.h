@@ -8,8 +8,10 @@ namespace stream {
 /// one call `bits().finish()`: until then up to 31 bits are held back, and the destructor does not write them.
 class binary_output {
 public:
+    /// Writes to `target`, which has to outlive it.
     explicit binary_output(nio::output & target) noexcept : bits_(target) {}
 
+    /// The writer of bits.
     nio::bit_output<1, 0> & bits() noexcept { return bits_; }
 
 private:

@@ -14,6 +14,7 @@ public:
     copier & operator=(copier const &) = delete;
     ~copier() override;
 
+    /// The size of the blocks.
     uint32 buffer_size() const noexcept { return buffer_size_; }
 
     uint64 process(input & source, output & target, uint64 count) override;

@@ -7,11 +7,13 @@ namespace stream {
 /// Counts the bytes that pass, from a value of the caller's. The count is the position.
 class SOCLE_API counted_input : public direct_input {
 public:
+    /// Counts from `start` on.
     counted_input(input & stream, uint64 start);
     counted_input(counted_input const &) = default;
     counted_input & operator=(counted_input const &) = default;
     ~counted_input() override;
 
+    /// `start`, and the bytes read since.
     uint64 count() const noexcept { return count_; }
 
     /// The count so far, not the size of the source.

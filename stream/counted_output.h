@@ -10,11 +10,13 @@ namespace stream {
 /// counted.
 class SOCLE_API counted_output : public filter_output {
 public:
+    /// Counts from `start` on.
     counted_output(output & stream, uint64 start);
     counted_output(counted_output const &) = default;
     counted_output & operator=(counted_output const &) = default;
     ~counted_output() override;
 
+    /// `start`, and the bytes written since.
     uint64 count() const noexcept { return count_; }
 
     using filter_output::write;

@@ -9,6 +9,7 @@ namespace stream {
 class SOCLE_API direct_input : public filter_input {
 public:
     direct_input() = default;
+    /// Stands on `stream`, which has to outlive it.
     explicit direct_input(input & stream);
     direct_input(direct_input const &) = default;
     direct_input & operator=(direct_input const &) = default;
@@ -18,6 +19,7 @@ public:
     void unread(char byte) override;
 
 protected:
+    // What the stream beneath lends.
     std::span<char const> _lend() override;
     void _take(uint64 count) override;
 

@@ -14,11 +14,13 @@ namespace stream {
 /// to. A reader that must not run past the end stands on a `stream::safe_input`.
 class SOCLE_API endian_input : public direct_input {
 public:
+    /// Stands on `stream`, which has to outlive it.
     explicit endian_input(input & stream);
     endian_input(endian_input const &) = default;
     endian_input & operator=(endian_input const &) = default;
     ~endian_input() override;
 
+    /// The next integer of that many bits.
     virtual unsigned char read8();
     virtual uint16 read16() = 0;
     /// Three bytes, in bits 23 to 0.
@@ -27,6 +29,7 @@ public:
     virtual uint64 read64() = 0;
 
 protected:
+    /// Whether this machine keeps the high byte first.
     bool host_big_endian() const noexcept { return host_big_endian_; }
 
     // The value that comes next: at once if its bytes lie open in memory beneath an object of just the class `Own`,
@@ -47,6 +50,7 @@ private:
 /// The high byte comes first.
 class SOCLE_API big_endian_input : public endian_input {
 public:
+    /// Stands on `stream`, which has to outlive it.
     explicit big_endian_input(input & stream);
     big_endian_input(big_endian_input const &) = default;
     big_endian_input & operator=(big_endian_input const &) = default;
@@ -64,6 +68,7 @@ private:
 /// The low byte comes first.
 class SOCLE_API little_endian_input : public endian_input {
 public:
+    /// Stands on `stream`, which has to outlive it.
     explicit little_endian_input(input & stream);
     little_endian_input(little_endian_input const &) = default;
     little_endian_input & operator=(little_endian_input const &) = default;

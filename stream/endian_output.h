@@ -8,11 +8,13 @@ namespace stream {
 /// Writes whole integers in a stated byte order, straight to the stream beneath.
 class SOCLE_API endian_output : public filter_output {
 public:
+    /// Stands on `stream`, which has to outlive it.
     explicit endian_output(output & stream);
     endian_output(endian_output const &) = default;
     endian_output & operator=(endian_output const &) = default;
     ~endian_output() override;
 
+    /// Writes an integer of that many bits.
     virtual void write8(unsigned char value);
     virtual void write16(uint16 value) = 0;
     /// Three bytes, bits 23 to 0; the others are ignored.
@@ -21,6 +23,7 @@ public:
     virtual void write64(uint64 value) = 0;
 
 protected:
+    /// Whether this machine keeps the high byte first.
     bool host_big_endian() const noexcept { return host_big_endian_; }
 
     // Writes a value at once if there is room for it open in memory beneath.
@@ -40,6 +43,7 @@ private:
 /// The high byte goes first.
 class SOCLE_API big_endian_output : public endian_output {
 public:
+    /// Stands on `stream`, which has to outlive it.
     explicit big_endian_output(output & stream);
     big_endian_output(big_endian_output const &) = default;
     big_endian_output & operator=(big_endian_output const &) = default;
@@ -57,6 +61,7 @@ private:
 /// The low byte goes first.
 class SOCLE_API little_endian_output : public endian_output {
 public:
+    /// Stands on `stream`, which has to outlive it.
     explicit little_endian_output(output & stream);
     little_endian_output(little_endian_output const &) = default;
     little_endian_output & operator=(little_endian_output const &) = default;

@@ -12,6 +12,7 @@ namespace stream {
 class SOCLE_API filter_input : public virtual input {
 public:
     filter_input() = default;
+    /// Stands on `stream`, which has to outlive it.
     explicit filter_input(input & stream);
     /// The copy stands on the same stream beneath. To stand on another filter of the same class, use `under()`.
     filter_input(filter_input const &) = default;

@@ -12,6 +12,7 @@ namespace stream {
 class SOCLE_API filter_output : public virtual output {
 public:
     filter_output() = default;
+    /// Stands on `stream`, which has to outlive it.
     explicit filter_output(output & stream);
     /// The copy stands on the same stream beneath. To stand on another filter of the same class, use `under()`.
     filter_output(filter_output const &) = default;

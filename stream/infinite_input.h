@@ -13,6 +13,7 @@ public:
     infinite_input & operator=(infinite_input const &) = default;
     ~infinite_input() override;
 
+    /// The bytes read so far.
     uint64 count() const noexcept { return count_; }
 
     /// Always throws.

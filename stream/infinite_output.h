@@ -12,6 +12,7 @@ public:
     infinite_output & operator=(infinite_output const &) = default;
     ~infinite_output() override;
 
+    /// The bytes written so far.
     uint64 count() const noexcept { return count_; }
 
     using output::write;

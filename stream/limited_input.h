@@ -7,11 +7,13 @@ namespace stream {
 /// Ends a source after `limit` bytes. The position is that of the stream beneath.
 class SOCLE_API limited_input : public direct_input {
 public:
+    /// At most `limit` bytes of `stream`, which has to outlive it.
     limited_input(input & stream, uint64 limit);
     limited_input(limited_input const &) = default;
     limited_input & operator=(limited_input const &) = default;
     ~limited_input() override;
 
+    /// How many bytes may be read in all.
     uint64 limit() const noexcept { return limit_; }
     /// What has been asked of the stream beneath by reads, and skipped, less what was given back, modulo 2^64. It may
     /// be more than came, where the stream beneath ended early or threw.

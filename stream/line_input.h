@@ -11,6 +11,7 @@ namespace stream {
 /// stream a line that has begun is a line. All other bytes are kept as they are, zero bytes too.
 class SOCLE_API line_input : public direct_input {
 public:
+    /// Stands on `stream`, which has to outlive it.
     explicit line_input(input & stream);
     line_input(line_input const &) = default;
     line_input & operator=(line_input const &) = default;

@@ -37,6 +37,7 @@ public:
     virtual void next();
 
 protected:
+    /// Sets the limit.
     void limit(uint64 bytes) noexcept { limit_ = bytes; }
 
 private:

@@ -8,6 +8,7 @@ namespace stream {
 /// "unexpected end of file". What came by then is in the caller's buffer and consumed.
 class SOCLE_API safe_input : public direct_input {
 public:
+    /// Stands on `stream`, which has to outlive it.
     explicit safe_input(input & stream);
     safe_input(safe_input const &) = default;
     safe_input & operator=(safe_input const &) = default;

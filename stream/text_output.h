@@ -14,6 +14,7 @@ public:
     text_output & operator=(text_output const &) = default;
     ~text_output() override;
 
+    /// How lines end.
     int mode() const noexcept { return mode_; }
 
     using filter_output::write;

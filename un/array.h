@@ -8,8 +8,10 @@ namespace un {
 template <class T>
 class array {
 public:
+    /// A view of `count` elements, which it does not own.
     array(T * data, uint32 count) noexcept : data_(data), size_(count) {}
 
+    /// What the constructor was given.
     T * data() const noexcept { return data_; }
     uint32 size() const noexcept { return size_; }
 

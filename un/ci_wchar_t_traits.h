@@ -11,8 +11,10 @@ namespace un {
 /// case, and all but comparing is that of plain units.
 class SOCLE_API ci_wchar_t_traits : public std::char_traits<char16_t> {
 public:
+    /// Units that differ in case alone are equivalent, not equal.
     using comparison_category = std::weak_ordering;
 
+    /// Whether both are the same, or `a` comes first, in lower case.
     static bool eq(char16_t a, char16_t b) noexcept;
     static bool lt(char16_t a, char16_t b) noexcept;
     /// -1, 0 or 1.

@@ -7,6 +7,7 @@
 /// no sign. A radix below 2 knows no digit: numbers then read as 0 and are written as the empty text.
 namespace un {
 
+/// Whether `c` is a digit of `radix`.
 SOCLE_API bool is_digit(char c, int radix);
 
 /// The value of `c`, or 0 if it is no digit of `radix`.

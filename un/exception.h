@@ -9,6 +9,7 @@ namespace un {
 /// `code()` is 0 and `text()` is empty in this whole line.
 class SOCLE_API exception : public qpthr::QpUserException {
 public:
+    /// What went wrong, and who raised it.
     exception(narrow_string const & message, narrow_string const & origin);
     ~exception() override;
 
@@ -16,6 +17,7 @@ public:
     [[noreturn]] void Raise() const override;
     exception * Clone() const override;
 
+    /// What went wrong.
     narrow_string const & message() const noexcept { return message_; }
     /// The qualified name of the raising class, or its family's short name.
     narrow_string const & origin() const noexcept { return origin_; }

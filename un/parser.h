@@ -12,8 +12,10 @@ public:
     /// The position of a scan that has ended.
     static constexpr uint32 npos = 0xFFFFFFFF;
 
+    /// Walks through `text` from `position` on.
     parser(narrow_string const & text, uint32 position);
 
+    /// Whether the scan has ended.
     bool eos() const noexcept { return position_ == npos; }
 
     /// The index of the next character to look at, or `npos`.

@@ -10,6 +10,7 @@ namespace un {
 /// Every operation that reads the counter throws `un::exception` "cannot query the timer" where the host fails it.
 class SOCLE_API timer {
 public:
+    /// Runs from now on, or waits to be started.
     explicit timer(bool running = true);
 
     /// The current value of the counter; also a plain source of a number that changes fast. From any thread.

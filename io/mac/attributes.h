@@ -9,9 +9,12 @@ namespace io::mac {
 class SOCLE_API file_attributes {
 public:
     file_attributes() = default;
+    /// Both records.
     file_attributes(file_info const & first, extended_file_info const & second) : info(first), extended(second) {}
 
+    /// The basic record.
     file_info info;
+    /// The extended record.
     extended_file_info extended;
 };
 
@@ -19,9 +22,12 @@ public:
 class SOCLE_API folder_attributes {
 public:
     folder_attributes() = default;
+    /// Both records.
     folder_attributes(folder_info const & first, extended_folder_info const & second) : info(first), extended(second) {}
 
+    /// The basic record.
     folder_info info;
+    /// The extended record.
     extended_folder_info extended;
 };
 

@@ -35,8 +35,10 @@ public:
     uint32 read(stream::input & input, bool strict) override;
     uint32 write(stream::output & output) const override;
     uint32 size() const override;
+    /// The stored length.
     static constexpr uint32 fixed_size() { return 16; }
 
+    /// Flags of the Finder, as they are stored.
     uint16 extended_flags = 0;
     /// Kept, without a meaning.
     uint16 reserved2 = 0;
@@ -62,9 +64,12 @@ public:
     uint32 read(stream::input & input, bool strict) override;
     uint32 write(stream::output & output) const override;
     uint32 size() const override;
+    /// The stored length.
     static constexpr uint32 fixed_size() { return 16; }
 
+    /// How far the window is scrolled.
     point scroll_position;
+    /// Flags of the Finder, as they are stored.
     uint16 extended_flags = 0;
     /// Kept, without a meaning.
     uint16 reserved2 = 0;

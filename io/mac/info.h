@@ -44,8 +44,11 @@ public:
     uint32 size() const override;
     static constexpr uint32 fixed_size() { return info_size; }
 
+    /// What kind of document this is.
     os_type type;
+    /// The program that it belongs to.
     os_type creator;
+    /// The Finder's flags.
     uint16 flags = 0;
     /// Of the icon.
     point location;
@@ -74,6 +77,7 @@ public:
 
     /// Of the folder's window.
     rect bounds;
+    /// The Finder's flags.
     uint16 flags = 0;
     /// Of the icon.
     point location;

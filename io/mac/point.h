@@ -7,6 +7,7 @@ namespace io::mac {
 /// A place on the screen: `v`, `h`.
 class SOCLE_API point : public un::structure {
 public:
+    /// `v`, then `h`.
     point(short down = 0, short right = 0);
     point(point const &) = default;
     point & operator=(point const &) = default;

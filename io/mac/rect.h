@@ -7,6 +7,7 @@ namespace io::mac {
 /// A rectangle on the screen: `top`, `left`, `bottom`, `right`, in pixels.
 class SOCLE_API rect : public un::structure {
 public:
+    /// The edges, in the order in which they are stored.
     rect(short top = 0, short left = 0, short bottom = 0, short right = 0);
     rect(rect const &) = default;
     rect & operator=(rect const &) = default;
@@ -18,6 +19,7 @@ public:
     uint32 size() const override;
     static constexpr uint32 fixed_size() { return 8; }
 
+    /// The edges.
     short top;
     short left;
     short bottom;

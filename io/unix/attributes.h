@@ -8,6 +8,7 @@ namespace io::unix {
 /// What Unix keeps about a file.
 class attributes {
 public:
+    /// The permission bits.
     io::unix::mode mode;
     /// For the caller; the library neither sets nor reads them.
     optional<uint32> extra1;

@@ -8,9 +8,12 @@ namespace io::unix {
 /// Permission bits.
 class mode {
 public:
+    /// These bits.
     mode(uint32 bits = 0640) : value(bits) {}
+    /// The bits.
     operator uint32() const { return value; }
 
+    /// The bits.
     uint32 value;
 };
 
