@@ -67,7 +67,7 @@ check_client() {
 phase 'packages'
 need cmake=cmake ninja-build=ninja g++=g++ clang=clang++ clang-format=clang-format pkg-config=pkg-config \
     ntfs-3g=ntfs-3g python3=python3 libxml2-utils=xmllint libgtest-dev=/usr/include/gtest/gtest.h \
-    hfsutils=hcopy macutils=macunpack file=file valgrind=valgrind \
+    doxygen=doxygen hfsutils=hcopy macutils=macunpack file=file valgrind=valgrind \
     tzdata=/usr/share/zoneinfo/America/New_York
 chmod 755 "$scratch"
 mkdir "$scratch/tests"
@@ -122,6 +122,11 @@ libraries=$(dirname "$(find "$prefix" -name libsocle.so)")
 export PKG_CONFIG_PATH=$libraries/pkgconfig
 read -ra compile_flags <<<"$(pkg-config --cflags socle)"
 read -ra link_flags <<<"$(pkg-config --libs socle)"
+
+phase 'documents'
+python3 tests/docs/messages.py .
+LD_LIBRARY_PATH=$libraries bash tests/docs/snippets.sh "${compile_flags[@]}" "${link_flags[@]}"
+cmake --workflow --preset docs
 
 # A client in the compilers' own dialect has macros that a strict one has not, such as one named unix.
 for dialect in gnu++20 c++20; do
