@@ -30,7 +30,7 @@ printf '\nCarried into AppleDouble files, from there into streams, and back to s
 "$catalog" --to="$scratch/doubles" --forks=appledouble "$scratch/files" >/dev/null || true
 from=$scratch/streams
 if ! "$catalog" --to="$from" --forks=ntfs "$scratch/doubles" >/dev/null; then
-    echo 'left out: streams need a file system with extended attributes of users'
+    echo 'left out: there are no streams here, for the reason above'
     from=$scratch/doubles
 fi
 "$catalog" --to="$scratch/sidecars" --forks=sidecar "$from" >/dev/null || true
