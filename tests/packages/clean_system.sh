@@ -12,8 +12,7 @@ if [ "$(id -u)" != 0 ] || ! unshare --mount true 2>/dev/null; then
 fi
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
-if ! mmdebstrap --quiet --variant=minbase --include=g++,pkg-config "$VERSION_CODENAME" "$scratch/system" \
-    http://deb.debian.org/debian 2>"$scratch/log"; then
+if ! mmdebstrap --quiet --variant=minbase --include=g++,pkg-config "$VERSION_CODENAME" "$scratch/system" 2>"$scratch/log"; then
     tail -n 1 "$scratch/log"
     echo 'left out: no minimal system could be made'
     exit
