@@ -22,9 +22,10 @@ constexpr uint32 loaded_bits = platform::FILE_ATTRIBUTE_READONLY | platform::FIL
                                | platform::FILE_ATTRIBUTE_ARCHIVE | platform::FILE_ATTRIBUTE_NORMAL
                                | platform::FILE_ATTRIBUTE_TEMPORARY;
 
-int open_times(any::path const & path, uint32 access) {
-    return platform::CreateFileW(system_name(path), access, platform::FILE_SHARE_READ | platform::FILE_SHARE_WRITE,
-                                 platform::OPEN_EXISTING, platform::FILE_FLAG_BACKUP_SEMANTICS);
+int open_times(any::path const & path) {
+    return platform::CreateFileW(system_name(path), platform::GENERIC_WRITE,
+                                 platform::FILE_SHARE_READ | platform::FILE_SHARE_WRITE, platform::OPEN_EXISTING,
+                                 platform::FILE_FLAG_BACKUP_SEMANTICS);
 }
 
 uint64 const * file_time(any::time const * time, uint64 & value) {
@@ -76,20 +77,17 @@ void attributes::load(any::path const & path, int type) {
     any::time last = modified.value();
     created = first; // present from here on, also if a call fails
     modified = last;
-    system_bits const bits(path);
-    if (!bits.exists())
-        raise_system_error(path, "what is this", origin);
-    get_time(path, &first, &last);
+    uint32 const bits = get_time(path, &first, &last);
     created = first;
     modified = last;
 
     io::win32::attributes found;
-    found.flags = bits.value() & loaded_bits;
+    found.flags = bits & loaded_bits;
     win32 = found;
-    read_only = bits.has(platform::FILE_ATTRIBUTE_READONLY);
+    read_only = (bits & platform::FILE_ATTRIBUTE_READONLY) != 0;
     io::unix::attributes derived;
     derived.mode = read_only.value() ? 0400 : 0640;
-    if (bits.directory())
+    if ((bits & platform::FILE_ATTRIBUTE_DIRECTORY) != 0)
         derived.mode.value += 0110;
     unix = derived;
 
@@ -160,21 +158,19 @@ void attributes::apply_bin(any::path const & path) const {
     fork_output(stored).write(bytes.data(), info_header::size);
 }
 
-void attributes::get_time(any::path const & path, any::time * created, any::time * modified) {
-    uint64 first = 0;
-    uint64 last = 0;
-    int const handle = open_times(path, 0);
-    platform::handle_guard const at_end(handle);
-    if (handle == platform::INVALID_HANDLE_VALUE || !platform::GetFileTime(handle, first, last))
-        raise_system_error(path, "cannot access timestamp(s) of", origin);
+uint32 attributes::get_time(any::path const & path, any::time * created, any::time * modified) {
+    platform::WIN32_FILE_ATTRIBUTE_DATA data{};
+    if (!platform::GetFileAttributesExW(system_name(path), data))
+        raise_system_error(path, system_bits(path).exists() ? "cannot access timestamp(s) of" : "what is this", origin);
     if (created != nullptr)
-        created->set(first, any::time::format_file_time);
+        created->set(data.ftCreationTime, any::time::format_file_time);
     if (modified != nullptr)
-        modified->set(last, any::time::format_file_time);
+        modified->set(data.ftLastWriteTime, any::time::format_file_time);
+    return data.dwFileAttributes;
 }
 
 bool attributes::set_time(any::path const & path, any::time const * created, any::time const * modified) {
-    int const handle = open_times(path, platform::GENERIC_WRITE);
+    int const handle = open_times(path);
     platform::handle_guard const at_end(handle);
     if (handle == platform::INVALID_HANDLE_VALUE)
         return false;

@@ -58,8 +58,8 @@ private:
     void load_bin(any::path const & path);
     void apply_bin(any::path const & path) const;
 
-    // A null pointer leaves that time out.
-    static void get_time(any::path const & path, any::time * created, any::time * modified);
+    // A null pointer leaves that time out. The attribute bits come with the times: one question to the system.
+    static uint32 get_time(any::path const & path, any::time * created, any::time * modified);
     static bool set_time(any::path const & path, any::time const * created, any::time const * modified);
 };
 

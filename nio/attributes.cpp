@@ -36,18 +36,13 @@ char const * chars(Bytes const & bytes) {
 }
 
 /// Opens `path` for its times only.
-int open_times(wide_string const & path, uint32 access) {
-    return CreateFileW(path, access, FILE_SHARE_READ | FILE_SHARE_WRITE, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS);
-}
-
-bool load_times(wide_string const & path, uint64 & created, uint64 & modified) {
-    int const handle = open_times(path, 0);
-    handle_guard const at_end(handle);
-    return handle != INVALID_HANDLE_VALUE && GetFileTime(handle, created, modified);
+int open_times(wide_string const & path) {
+    return CreateFileW(path, GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, OPEN_EXISTING,
+                       FILE_FLAG_BACKUP_SEMANTICS);
 }
 
 void apply_times(wide_string const & path, uint64 created, uint64 modified) {
-    int const handle = open_times(path, GENERIC_WRITE);
+    int const handle = open_times(path);
     handle_guard const at_end(handle);
     if (handle != INVALID_HANDLE_VALUE)
         SetFileTime(handle, created ? &created : nullptr, modified ? &modified : nullptr);
@@ -59,16 +54,15 @@ attributes::attributes(item & from) : mode(0) { load(from); }
 
 void attributes::load(item & from) {
     wide_string const & path = from.path();
-    uint64 created_time = 0, modified_time = 0;
-    if (!load_times(path, created_time, modified_time))
+    WIN32_FILE_ATTRIBUTE_DATA data{};
+    if (!GetFileAttributesExW(path, data))
         throw filesystem_exception("cannot access timestamps", path);
-    created.set(created_time, time::format_file_time);
-    modified.set(modified_time, time::format_file_time);
-    uint32 const bits = GetFileAttributesW(path);
-    file_attributes = bits & kept_attributes;
+    created.set(data.ftCreationTime, time::format_file_time);
+    modified.set(data.ftLastWriteTime, time::format_file_time);
+    file_attributes = data.dwFileAttributes & kept_attributes;
     read_only = (file_attributes & FILE_ATTRIBUTE_READONLY) != 0;
     mode = read_only ? 0440 : 0640;
-    if (bits != INVALID_FILE_ATTRIBUTES && (bits & FILE_ATTRIBUTE_DIRECTORY) != 0)
+    if ((data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0)
         mode |= 0110;
 
     // What is no file cannot hold the information, and reading it might not come to an end.

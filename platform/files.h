@@ -94,6 +94,17 @@ constexpr uint32 FILE_ATTRIBUTE_REPARSE_POINT = 0x400;
 
 /// INVALID_FILE_ATTRIBUTES if there is nothing; opens nothing.
 uint32 GetFileAttributesW(wide_string const & path);
+
+struct WIN32_FILE_ATTRIBUTE_DATA {
+    uint32 dwFileAttributes;
+    /// Of what a link leads to, as the bits are; of the link itself if that is nothing.
+    uint64 ftCreationTime;
+    uint64 ftLastWriteTime;
+};
+
+/// The bits, and the times that GetFileTime gives, in one question; opens nothing. False if there is nothing.
+bool GetFileAttributesExW(wide_string const & path, WIN32_FILE_ATTRIBUTE_DATA & data);
+
 /// Sets read-only, hidden, system, archive and temporary; the other bits are passed over.
 bool SetFileAttributesW(wide_string const & path, uint32 attributes);
 

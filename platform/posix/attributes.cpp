@@ -3,6 +3,7 @@
 #include "platform/files.h"
 #include "platform/posix/error_codes.h"
 #include "platform/posix/extended_attributes.h"
+#include "platform/posix/file_times.h"
 #include "platform/posix/report.h"
 #include "platform/posix/resolve.h"
 
@@ -41,7 +42,11 @@ int set_disk_bits(narrow_string const & path, uint32 bits) {
     return set_attribute(path, disk_attribute, value);
 }
 
-uint32 default_record(struct stat const & status) { return S_ISDIR(status.st_mode) ? 0 : FILE_ATTRIBUTE_ARCHIVE; }
+int status_of(narrow_string const & path, int flags, struct statx & status) {
+    return host::statx(host::here, path, flags, STATX_TYPE | STATX_MODE | STATX_MTIME | STATX_BTIME, &status);
+}
+
+uint32 default_record(mode_t mode) { return S_ISDIR(mode) ? 0 : FILE_ATTRIBUTE_ARCHIVE; }
 
 /// False if there is none, or it is not ours.
 bool get_record(narrow_string const & path, uint32 & bits) {
@@ -56,8 +61,8 @@ bool get_record(narrow_string const & path, uint32 & bits) {
 }
 
 /// Hosts that keep none drop it.
-int set_record(narrow_string const & path, uint32 bits, struct stat const & status) {
-    uint32 now = default_record(status);
+int set_record(narrow_string const & path, uint32 bits, mode_t mode) {
+    uint32 now = default_record(mode);
     get_record(path, now);
     if (now == bits) {
         return 0;
@@ -68,48 +73,61 @@ int set_record(narrow_string const & path, uint32 bits, struct stat const & stat
     return error == ENOTSUP ? 0 : error;
 }
 
-uint32 bits_of(volume const & on, narrow_string const & path, struct stat const & status) {
+/// `recorded` tells whether the file may have a record.
+uint32 bits_of(volume const & on, narrow_string const & path, mode_t mode, bool recorded) {
     uint32 bits = 0;
-    if (S_ISDIR(status.st_mode) || S_ISREG(status.st_mode)) {
+    if (S_ISDIR(mode) || S_ISREG(mode)) {
         if (!on.ntfs_disk || !disk_bits(path, bits)) {
-            bits = default_record(status);
-            get_record(path, bits);
+            bits = default_record(mode);
+            if (recorded) {
+                get_record(path, bits);
+            }
         }
         bits &= kept_bits;
-        bits |= is_read_only(on, path, status) ? FILE_ATTRIBUTE_READONLY : 0;
+        bits |= is_read_only(on, path, mode) ? FILE_ATTRIBUTE_READONLY : 0;
     }
-    if (S_ISDIR(status.st_mode)) {
+    if (S_ISDIR(mode)) {
         return bits | FILE_ATTRIBUTE_DIRECTORY;
     }
-    if (!S_ISREG(status.st_mode) && !S_ISLNK(status.st_mode)) {
+    if (!S_ISREG(mode) && !S_ISLNK(mode)) {
         return FILE_ATTRIBUTE_DEVICE;
     }
     return bits == 0 ? FILE_ATTRIBUTE_NORMAL : bits;
 }
 
-uint32 attributes_at(std::u16string_view path, uint32 & bits) {
+/// The bits, and the times too if `times` is not null.
+uint32 attributes_at(std::u16string_view path, uint32 & bits, file_times * times) {
     resolved_path at;
     if (uint32 const code = resolve(path, at)) {
         return code;
     }
-    narrow_string const file = at.host_path();
-    struct stat status {};
-    struct stat target {};
-    if (host::lstat(file, &status) != 0) {
+    narrow_string file = at.host_path();
+    struct statx status {};
+    if (status_of(file, AT_SYMLINK_NOFOLLOW, status) != 0) {
         return code_at(file, errno);
     }
-    bool const link = S_ISLNK(status.st_mode);
-    bool const target_there = link && host::stat(file, &target) == 0;
-    bits = link && !target_there ? FILE_ATTRIBUTE_ARCHIVE : bits_of(*at.on, file, target_there ? target : status);
+    bool const link = S_ISLNK(status.stx_mode);
+    bool const lost = link && status_of(file, 0, status) != 0;
+    // One question for both records is cheaper than two, but not than one.
+    bool const recorded = times == nullptr || has_attributes(file);
+    bits = lost ? FILE_ATTRIBUTE_ARCHIVE : bits_of(*at.on, file, status.stx_mode, recorded);
     bits |= link ? FILE_ATTRIBUTE_REPARSE_POINT : 0;
-    if (at.stream.empty()) {
-        return 0;
+    if (!at.stream.empty()) {
+        bits &= ~FILE_ATTRIBUTE_DIRECTORY;
+        bits = bits == 0 ? FILE_ATTRIBUTE_NORMAL : bits;
+        narrow_string stream;
+        if (uint32 const code = at.on->streams->locate(at.host, at.stream, false, stream)) {
+            return code;
+        }
+        if (status_of(stream, AT_SYMLINK_NOFOLLOW, status) != 0) {
+            return code_of(errno);
+        }
+        file = stream;
     }
-    bits &= ~FILE_ATTRIBUTE_DIRECTORY;
-    bits = bits == 0 ? FILE_ATTRIBUTE_NORMAL : bits;
-    narrow_string stream;
-    uint32 const code = at.on->streams->locate(at.host, at.stream, false, stream);
-    return code != 0 ? code : host::lstat(stream, &status) == 0 ? 0 : code_of(errno);
+    if (times != nullptr) {
+        *times = times_of(file, status, recorded || !at.stream.empty());
+    }
+    return 0;
 }
 
 uint32 set_attributes_at(std::u16string_view path, uint32 bits) {
@@ -131,11 +149,11 @@ uint32 set_attributes_at(std::u16string_view path, uint32 bits) {
         now = (now & ~(settable | FILE_ATTRIBUTE_NORMAL)) | (bits & settable);
         return code_of(set_disk_bits(file, now != 0 ? now : FILE_ATTRIBUTE_NORMAL));
     }
-    if (int const error = set_record(file, bits & kept_bits, status)) {
+    if (int const error = set_record(file, bits & kept_bits, status.st_mode)) {
         return code_of(error);
     }
     bool const read_only = (bits & FILE_ATTRIBUTE_READONLY) != 0;
-    if (read_only == is_read_only(*at.on, file, status)) {
+    if (read_only == is_read_only(*at.on, file, status.st_mode)) {
         return 0;
     }
     mode_t const mode = status.st_mode & 07777;
@@ -145,19 +163,27 @@ uint32 set_attributes_at(std::u16string_view path, uint32 bits) {
 
 } // namespace
 
-bool is_read_only(volume const & on, narrow_string const & path, struct stat const & status) {
+bool is_read_only(volume const & on, narrow_string const & path, mode_t mode) {
     uint32 bits = 0;
     if (on.ntfs_disk && disk_bits(path, bits)) {
         return (bits & FILE_ATTRIBUTE_READONLY) != 0;
     }
-    return (status.st_mode & S_IWUSR) == 0;
+    return (mode & S_IWUSR) == 0;
 }
 
 } // namespace posix
 
 uint32 GetFileAttributesW(wide_string const & path) {
     uint32 bits = 0;
-    return posix::report(posix::attributes_at(path, bits)) ? bits : INVALID_FILE_ATTRIBUTES;
+    return posix::report(posix::attributes_at(path, bits, nullptr)) ? bits : INVALID_FILE_ATTRIBUTES;
+}
+
+bool GetFileAttributesExW(wide_string const & path, WIN32_FILE_ATTRIBUTE_DATA & data) {
+    posix::file_times times;
+    bool const there = posix::report(posix::attributes_at(path, data.dwFileAttributes, &times));
+    data.ftCreationTime = times.created;
+    data.ftLastWriteTime = times.modified;
+    return there;
 }
 
 bool SetFileAttributesW(wide_string const & path, uint32 attributes) {

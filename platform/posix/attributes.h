@@ -7,7 +7,7 @@
 /// missing write bit, and a user extended attribute keeps what the host knows nothing of.
 namespace platform::posix {
 
-/// Whether the file at `path`, with this status, may not be written or deleted. Links are followed.
-bool is_read_only(volume const & on, narrow_string const & path, struct stat const & status);
+/// Whether the file at `path`, with this mode, may not be written or deleted. Links are followed.
+bool is_read_only(volume const & on, narrow_string const & path, mode_t mode);
 
 } // namespace platform::posix

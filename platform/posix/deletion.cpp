@@ -25,7 +25,7 @@ uint32 delete_file(std::u16string_view path) {
     // A link is removed itself, whatever it leads to.
     if (S_ISDIR(status.st_mode) && at.stream.empty())
         return ERROR_ACCESS_DENIED;
-    if (S_ISREG(status.st_mode) && is_read_only(*at.on, file, status))
+    if (S_ISREG(status.st_mode) && is_read_only(*at.on, file, status.st_mode))
         return ERROR_ACCESS_DENIED;
     if (!at.stream.empty()) {
         narrow_string stream;

@@ -8,13 +8,12 @@ namespace platform::posix {
 
 bool get_attribute(narrow_string const & path, char const * name, bool follow_link, narrow_string & value) {
     auto const get = follow_link ? host::getxattr : host::lgetxattr;
-    value.resize(256);
+    char block[256];
+    if (ssize_t const size = get(path, name, block, sizeof block); size >= 0) {
+        value.assign(block, static_cast<std::size_t>(size));
+        return true;
+    }
     for (;;) {
-        ssize_t const size = get(path, name, value.data(), value.size());
-        if (size >= 0) {
-            value.resize(static_cast<std::size_t>(size));
-            return true;
-        }
         // It may grow between two calls.
         ssize_t const needed = errno == ERANGE ? get(path, name, nullptr, 0) : -1;
         if (needed < 0) {
@@ -22,8 +21,15 @@ bool get_attribute(narrow_string const & path, char const * name, bool follow_li
             return false;
         }
         value.resize(static_cast<std::size_t>(needed) + 1);
+        ssize_t const size = get(path, name, value.data(), value.size());
+        if (size >= 0) {
+            value.resize(static_cast<std::size_t>(size));
+            return true;
+        }
     }
 }
+
+bool has_attributes(narrow_string const & path) { return host::listxattr(path, nullptr, 0) > 0; }
 
 int set_attribute(narrow_string const & path, char const * name, narrow_string const & value) {
     auto const set = [&] { return host::setxattr(path, name, value.data(), value.size()) == 0 ? 0 : errno; };

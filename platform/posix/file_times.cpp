@@ -2,6 +2,7 @@
 
 #include "platform/posix/error_codes.h"
 #include "platform/posix/extended_attributes.h"
+#include "platform/posix/file_times.h"
 #include "platform/posix/host_calls.h"
 #include "platform/posix/report.h"
 
@@ -56,16 +57,11 @@ bool recorded_time(narrow_string const & path, uint64 & units) {
     return error == std::errc() && last == end;
 }
 
-uint32 get_times(int file, uint64 & created, uint64 & modified) {
+uint32 get_times(int file, file_times & times) {
     struct statx status {};
     if (host::statx(file, "", AT_EMPTY_PATH, STATX_MTIME | STATX_BTIME, &status) != 0)
         return code_of(errno);
-    modified = units_of(status.stx_mtime.tv_sec, status.stx_mtime.tv_nsec);
-    narrow_string const path = path_of(file);
-    if (disk_time(path, created) || recorded_time(path, created))
-        return 0;
-    bool const known = (status.stx_mask & STATX_BTIME) != 0;
-    created = known ? units_of(status.stx_btime.tv_sec, status.stx_btime.tv_nsec) : modified;
+    times = times_of(path_of(file), status, true);
     return 0;
 }
 
@@ -91,10 +87,26 @@ uint32 set_times(int file, uint64 const * created, uint64 const * modified) {
 
 } // namespace
 
+file_times times_of(narrow_string const & path, struct statx const & status, bool recorded) {
+    uint64 const modified = units_of(status.stx_mtime.tv_sec, status.stx_mtime.tv_nsec);
+    // The driver of an NTFS disk tells it by the attribute alone.
+    bool const known = (status.stx_mask & STATX_BTIME) != 0;
+    uint64 created = 0;
+    if ((known || !disk_time(path, created)) && (!recorded || !recorded_time(path, created)))
+        created = known ? units_of(status.stx_btime.tv_sec, status.stx_btime.tv_nsec) : modified;
+    return {created, modified};
+}
+
 } // namespace posix
 
 bool GetFileTime(int file, uint64 & created, uint64 & modified) {
-    return posix::report(posix::get_times(file, created, modified));
+    posix::file_times times;
+    bool const told = posix::report(posix::get_times(file, times));
+    if (told) {
+        created = times.created;
+        modified = times.modified;
+    }
+    return told;
 }
 
 bool SetFileTime(int file, uint64 const * created, uint64 const * modified) {

@@ -74,7 +74,7 @@ uint32 admit(int file, volume const & on, narrow_string const & path, open_reque
         int const flags = host::status_flags(file);
         return flags >= 0 && host::set_status_flags(file, flags & ~O_NONBLOCK) == 0 ? 0 : code_of(errno);
     }
-    if (request.writes() && is_read_only(on, path, status)) {
+    if (request.writes() && is_read_only(on, path, status.st_mode)) {
         return ERROR_ACCESS_DENIED;
     }
     return lock(file, request);
@@ -149,7 +149,7 @@ uint32 open_stream(resolved_path const & at, open_request const & request, descr
         if (failed != 0) {
             return failed;
         }
-    } else if ((request.writes() || creates) && is_read_only(*at.on, at.host, status)) {
+    } else if ((request.writes() || creates) && is_read_only(*at.on, at.host, status.st_mode)) {
         return ERROR_ACCESS_DENIED;
     }
     narrow_string stream;
