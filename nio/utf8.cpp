@@ -30,12 +30,23 @@ bool is_ascii(Unit const * from) {
     return (bits & (sizeof(Unit) == 1 ? 0x8080808080808080 : 0xFF80FF80FF80FF80)) == 0;
 }
 
-template <std::size_t count = step, class From, class To>
+template <class From, class To>
 void copy_ascii(From const * from, To * to) {
-    To block[count]; // of its own, so that it can be made in one go
-    for (std::size_t i = 0; i < count; ++i)
+    To block[step]; // of its own, so that it can be made in one go
+    for (std::size_t i = 0; i < step; ++i)
         block[i] = static_cast<To>(from[i]);
     std::memcpy(to, block, sizeof block);
+}
+
+/// The bytes of a word, the lowest first, as units.
+void spread(uint64 word, char16_t * to) {
+    constexpr int low_byte = std::endian::native == std::endian::big ? 8 : 0;
+    for (uint64 units : {word & 0xFFFFFFFF, word >> 32}) {
+        units = (units | units << 16) & 0x0000FFFF0000FFFF;
+        units = (units | units << 8) & 0x00FF00FF00FF00FF;
+        basic::store<uint64>(reinterpret_cast<char *>(to), units << low_byte, false);
+        to += 4;
+    }
 }
 
 /// Text on its way to the end of a string, which so is never filled before it is written.
@@ -79,6 +90,16 @@ char16_t decode_any(char const *& at, char const * end, bool validate) {
     }
     return static_cast<char16_t>(u);
 }
+
+// A sequence of three bytes at the low end of a word.
+constexpr uint64 three_mask = 0xC0C0F0, three_bytes = 0x8080E0;
+
+uint32 three(uint64 word) {
+    return static_cast<uint32>((word & 0xF) << 12 | (word >> 2 & 0xFC0) | (word >> 16 & 0x3F));
+}
+
+/// All from 0x800 on but surrogates and the two that are no characters.
+bool is_plain_three(uint32 u) { return u - 0x800 < 0xD000 || u - 0xE000 < 0x1FFE; }
 
 } // namespace
 
@@ -145,30 +166,38 @@ void _utf8_decode(narrow_string const & bytes, wide_string & out, bool validate)
             continue;
         }
         for (auto const * const stop = to + 8 * step; to < stop && std::size_t(end - from) >= word_size;) {
-            auto const word = basic::load<uint64>(from, false);
-            if ((word & 0x80) == 0) {
-                // All of the word is copied, and the first byte above ASCII is where to go on.
-                copy_ascii<word_size>(from, to);
-                auto const plain = std::countr_zero(word & 0x8080808080808080) / 8;
+            auto word = basic::load<uint64>(from, false);
+            auto const plain = std::size_t(std::countr_zero(word & 0x8080808080808080)) / 8;
+            if (plain != 0) {
+                // All of the word, and what is not ASCII is written over.
+                spread(word, to);
                 from += plain;
                 to += plain;
                 if (plain == word_size)
                     break;
-                continue;
+                word >>= 8 * plain; // zeros behind it, which continue nothing
             }
-            if ((word & 0x00C0C0F0) == 0x008080E0) {
-                auto const u = static_cast<uint32>((word & 0xF) << 12 | (word >> 2 & 0xFC0) | (word >> 16 & 0x3F));
-                // All from 0x800 on but surrogates and the two that are no characters.
-                if (u - 0x800 < 0xD000 || u - 0xE000 < 0x1FFE) {
-                    *to++ = static_cast<char16_t>(u);
-                    from += 3;
-                    continue;
-                }
-            } else if ((word & 0xC0E0) == 0x80C0 && (word & 0x1E) != 0) {
+            if ((word & 0xC0E0) == 0x80C0 && (word & 0x1E) != 0) {
                 *to++ = static_cast<char16_t>((word & 0x1F) << 6 | (word >> 8 & 0x3F));
                 from += 2;
                 continue;
             }
+            if ((word & three_mask) == three_bytes) {
+                uint32 const u = three(word);
+                if (is_plain_three(u)) {
+                    *to++ = static_cast<char16_t>(u);
+                    from += 3;
+                    word >>= 24;
+                    uint32 const next = three(word);
+                    if ((word & three_mask) == three_bytes && is_plain_three(next)) {
+                        *to++ = static_cast<char16_t>(next);
+                        from += 3;
+                    }
+                    continue;
+                }
+            }
+            if (plain != 0)
+                continue; // the rest of the sequence may lie behind the word
             *to++ = decode_any(from, end, validate);
         }
         // Short texts, and the ends of others, one by one.
