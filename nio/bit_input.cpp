@@ -1,7 +1,7 @@
 #include "nio/bit_input.h"
 
+#include "basic/byte_order.h"
 #include "nio/lending_internal.h"
-#include "nio/words_internal.h"
 
 namespace nio {
 
@@ -22,7 +22,7 @@ bool bit_input<1, 0, 1>::read_until(int n) {
 
 bit_input<1, 0, 1>::run bit_input<1, 0, 1>::ahead() {
     if (auto const lent = lending::bytes(*source_); lent.size() >= sizeof(uint64) && count_ >= 0)
-        return {accumulator_ | load_low_first(lent.data()) << count_, 64};
+        return {accumulator_ | basic::load<uint64>(lent.data(), false) << count_, 64};
     if (!require(1))
         return {0, 0};
     return {accumulator_, count_};

@@ -1,7 +1,7 @@
 #include "nio/integer_codes.h"
 
+#include "basic/byte_order.h"
 #include "nio/lending_internal.h"
-#include "nio/words_internal.h"
 
 #include <bit>
 
@@ -42,7 +42,7 @@ uint64 part_groups(uint64 value) {
 uint32 read_held(std::span<char const> held, uint64 & value) {
     if (held.size() < longest_held)
         return 0;
-    uint64 const word = reversed(load_low_first(held.data()));
+    uint64 const word = basic::load<uint64>(held.data(), true);
     uint64 const last = ~word & more_flags;
     if (last == 0) {
         auto const ninth = static_cast<unsigned char>(held[8]);
@@ -60,7 +60,8 @@ void write_held(uint64 value, uint32 size, char * to) {
     to[0] = static_cast<char>(value >> 56 | 0x80);
     to += ninth;
     size -= ninth;
-    uint64 const code = reversed((part_groups(value & 0x00FF'FFFF'FFFF'FFFF) | (more_flags ^ 0x80)) << (64 - 8 * size));
+    uint64 const code =
+        basic::byte_swap((part_groups(value & 0x00FF'FFFF'FFFF'FFFF) | (more_flags ^ 0x80)) << (64 - 8 * size));
     for (uint32 const at : {uint32{0}, size / 2, size - 1})
         to[at] = static_cast<char>(code >> 8 * at);
     // From four bytes on, the first and the last four; they overlap, and fewer bytes have no place for them.
