@@ -25,6 +25,15 @@ struct memory {
     /// Whether single bytes may go past the long way.
     bool open() const noexcept { return next < limit; }
 
+    /// Passes over the next `count` bytes if they are open. What lies in memory is far from where numbers end.
+    bool pass(uint64 count) noexcept {
+        uint64 const after = next + count;
+        if (after > limit)
+            return false;
+        next = after;
+        return true;
+    }
+
     /// The memory, the place in it, and where it ends for single bytes.
     Byte * bytes = nullptr;
     uint64 next = 0;

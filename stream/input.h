@@ -81,10 +81,7 @@ protected:
     // The next `count` bytes of a source, passed over, if they lie open in its memory; else null.
     static char const * open_bytes(input & source, uint64 count) {
         auto & memory = source.memory_;
-        if (memory.limit < count || memory.next > memory.limit - count)
-            return nullptr;
-        memory.next += count;
-        return memory.bytes + memory.next - count;
+        return memory.pass(count) ? memory.bytes + memory.next - count : nullptr;
     }
     // Bytes given back come first, then those in `memory_`.
     std::span<char const> _lend() override;

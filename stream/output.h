@@ -65,10 +65,7 @@ protected:
     // Room for the next `count` bytes of a sink, counted as written, if it lies open in its memory; else null.
     static char * open_room(output & sink, uint64 count) {
         auto & memory = sink.memory_;
-        if (memory.limit < count || memory.next > memory.limit - count)
-            return nullptr;
-        memory.next += count;
-        return memory.bytes + memory.next - count;
+        return memory.pass(count) ? memory.bytes + memory.next - count : nullptr;
     }
 
 private:
