@@ -1,9 +1,9 @@
 #include "un/digits.h"
 
 #include <algorithm>
+#include <charconv>
 #include <iterator>
 #include <string_view>
-#include <type_traits>
 
 namespace un {
 
@@ -22,15 +22,18 @@ int value_of(char c) {
     return c >= 'A' && c <= 'Z' ? c - 'A' + 10 : no_value;
 }
 
-/// Writes the digits of `value` so that the last stands before `end`, and gives the first. A `Radix` that the compiler
-/// knows divides a good deal faster.
-template <class Radix>
-char * digits_before(char * end, uint64 value, Radix radix) {
-    for (; value != 0; value /= radix) {
-        uint64 const remainder = value % radix;
-        *--end = remainder < 16 ? digits[remainder] : '\0';
+/// The digits of `value` in `buffer`, none for 0. Those of 16 and more are NULs, which the standard library has no word
+/// for.
+std::string_view digits_of(uint64 value, int radix, char (&buffer)[64]) {
+    char * const end = std::end(buffer);
+    if (radix <= 16)
+        return {buffer, value == 0 ? buffer : std::to_chars(buffer, end, value, radix).ptr};
+    char * first = end;
+    for (auto const base = static_cast<uint64>(radix); value != 0; value /= base) {
+        uint64 const remainder = value % base;
+        *--first = remainder < 16 ? digits[remainder] : '\0';
     }
-    return end;
+    return {first, end};
 }
 
 /// `bytes` is any run of 8-bit values.
@@ -86,16 +89,12 @@ narrow_string write(uint64 value, int radix, int width) {
         return {};
     }
     char buffer[64];
-    char * const end = std::end(buffer);
-    char const * const first = radix == 10 ? digits_before(end, value, std::integral_constant<uint64, 10>())
-                                           : digits_before(end, value, static_cast<uint64>(radix));
-    auto const length = static_cast<std::size_t>(end - first);
+    std::string_view const number = digits_of(value, radix, buffer);
     auto const least = static_cast<std::size_t>(std::max(width, 0));
-    if (least <= length)
-        return {first, length};
-    narrow_string result(least - length, '0');
-    result.append(first, length);
-    return result;
+    if (least <= number.size())
+        return narrow_string(number);
+    narrow_string result(least - number.size(), '0');
+    return result.append(number);
 }
 
 } // namespace un
