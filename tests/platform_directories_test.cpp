@@ -208,6 +208,46 @@ TEST(platform_file_times, are_kept_for_files_folders_and_what_cannot_be_written)
     EXPECT_EQ(GetLastError(), ERROR_INVALID_HANDLE);
 }
 
+TEST(platform_file_times, are_the_same_by_path_and_by_handle) {
+    scratch const folder;
+    fs::create_directory(folder.host("folder"));
+    for (char const * name : {"plain", "dated", "hidden"})
+        folder.write(name, "x");
+    fs::create_symlink("dated", folder.host("link"));
+    fs::create_symlink("folder", folder.host("folder link"));
+    fs::create_symlink("nothing", folder.host("lost link"));
+    ASSERT_EQ(attach_volume('N', folder.folder(), "NTFS"), 0u);
+    constexpr uint32 share_all = FILE_SHARE_READ | FILE_SHARE_WRITE;
+    CloseHandle(CreateFileW(u"N:\\dated:note", GENERIC_WRITE, share_all, CREATE_NEW, 0));
+    uint64 const created = 126227808001234567, modified = 130000000007654321;
+    for (wide_string const path : {u"N:\\dated", u"N:\\dated:note", u"N:\\folder"}) {
+        int const file = CreateFileW(path, GENERIC_WRITE, share_all, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS);
+        EXPECT_EQ(code(SetFileTime(file, &created, &modified)), 0u);
+        CloseHandle(file);
+    }
+    EXPECT_TRUE(SetFileAttributesW(u"N:\\hidden", FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_READONLY));
+    for (wide_string const name : {u"plain", u"dated", u"hidden", u"folder", u"folder\\", u"link", u"folder link",
+                                   u"lost link", u"dated:note", u"none", u"none\\x", u"dated:none"}) {
+        SCOPED_TRACE(std::string(name.begin(), name.end()));
+        WIN32_FILE_ATTRIBUTE_DATA data{};
+        uint32 const asked = code(GetFileAttributesExW(u"N:\\" + name, data));
+        uint32 const bits = GetFileAttributesW(u"N:\\" + name);
+        EXPECT_EQ(asked, bits == INVALID_FILE_ATTRIBUTES ? GetLastError() : 0);
+        if (asked != 0)
+            continue;
+        EXPECT_EQ(data.dwFileAttributes, bits);
+        int const file = CreateFileW(u"N:\\" + name, 0, share_all, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS);
+        uint64 was_created = 0, was_modified = 0;
+        EXPECT_TRUE(GetFileTime(file, was_created, was_modified));
+        CloseHandle(file);
+        EXPECT_EQ(data.ftCreationTime, was_created);
+        EXPECT_EQ(data.ftLastWriteTime, was_modified);
+        bool const dated = name.starts_with(u"dated") || name.starts_with(u"folder") || name == u"link";
+        EXPECT_EQ(was_created == created && was_modified == modified, dated);
+    }
+    detach_volume('N');
+}
+
 TEST(platform_directories, show_no_store_of_streams_however_they_are_reached) {
     scratch const folder;
     fs::create_directory(folder.host("volume"));
