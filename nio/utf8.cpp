@@ -53,15 +53,16 @@ void spread(uint64 word, char16_t * to) {
 template <class Text>
 class tail {
 public:
-    /// Room for what one step of the loops below puts there.
     explicit tail(Text & text) : text_(text) {}
-    ~tail() { text_.append(block_, to); }
 
+    /// Room for what one step of the loops below puts there.
     void make_room() {
-        if (to > block_ + sizeof block_ / sizeof block_[0] - most) {
-            text_.append(block_, to);
-            to = block_;
-        }
+        if (to > block_ + sizeof block_ / sizeof block_[0] - most)
+            finish();
+    }
+    void finish() {
+        text_.append(block_, to);
+        to = block_;
     }
 
 private:
@@ -148,6 +149,7 @@ void _utf8_encode(wide_string const & text, narrow_string & out) {
         }
         result.to = to;
     }
+    result.finish();
 }
 
 void _utf8_decode(narrow_string const & bytes, wide_string & out, bool validate) {
@@ -205,6 +207,7 @@ void _utf8_decode(narrow_string const & bytes, wide_string & out, bool validate)
             *to++ = decode_any(from, end, validate);
         result.to = to;
     }
+    result.finish();
 }
 
 } // namespace nio

@@ -329,6 +329,11 @@ INSTANTIATE_TEST_SUITE_P(folders, each_fault,
                                           all_faults),
                          name_of);
 
+INSTANTIATE_TEST_SUITE_P(memory, each_fault,
+                         testing::Combine(testing::ValuesIn(memory_scenarios().begin(), memory_scenarios().end()),
+                                          testing::Values(int(no_memory))),
+                         name_of);
+
 bool write_file(wide_string const & path) {
     int const file = CreateFileW(path, GENERIC_WRITE, FILE_SHARE_READ, CREATE_ALWAYS, 0);
     return file != INVALID_HANDLE_VALUE && CloseHandle(file);

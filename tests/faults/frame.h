@@ -53,6 +53,7 @@ struct scenario {
 
 std::span<scenario const> file_scenarios();
 std::span<scenario const> folder_scenarios();
+std::span<scenario const> memory_scenarios();
 
 /// Nothing fails while this lives.
 class uncounted {
