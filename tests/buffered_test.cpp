@@ -69,27 +69,6 @@ TEST(BufferedInput, AsksTheStreamBeneathAtMostOnce) {
     EXPECT_EQ(rest(in), "ghij");
 }
 
-TEST(BufferedInput, TakesBackMoreThanItsBuffer) {
-    for (uint32 const size : {0u, 1u, 2u, 4u, 16u}) {
-        fragment_source source({"abcdefgh"});
-        stream::buffered_input in(source, size);
-        EXPECT_EQ(in.read(), 'a');
-        EXPECT_EQ(in.read(), 'b');
-        in.unread("0123456789", 10);
-        EXPECT_EQ(in.tell(), all_ones - 7);
-        in.unread('*');
-        char block[4] = {};
-        EXPECT_EQ(in.read(block, 3), 3u);
-        EXPECT_EQ(std::string(block, 3), "*01") << size;
-        EXPECT_EQ(in.tell(), all_ones - 5);
-        EXPECT_EQ(in.skip(2), 2u);
-        in.yield();
-        EXPECT_EQ(in.tell(), all_ones - 3);
-        EXPECT_EQ(source.tell(), all_ones - 3);
-        EXPECT_EQ(rest(in), "456789cdefgh") << size;
-    }
-}
-
 TEST(BufferedInput, CopiesByteByByteForACallersClass) {
     fragment_source source({"abc", "defgh"});
     callers_input in(source, 4);
@@ -143,19 +122,6 @@ void exercise(stream::input & in, byte_vector const & data, uint32 seed, Act che
                 buffered->yield();
         }
         check();
-    }
-}
-
-TEST(BufferedInput, StaysTrueOverAnySource) {
-    byte_vector const data = support::pattern(400);
-    for (uint32 seed = 0; seed < 200; ++seed) {
-        stream::vector_input memory(data);
-        auto drops = support::dripping(data);
-        stream::input & source = seed % 2 == 0 ? static_cast<stream::input &>(memory) : drops;
-        stream::buffered_input lower(source, 1 + seed % 9), in(lower, 1 + seed % 17);
-        exercise(in, data, seed, [&] { ASSERT_LE(in.tell(), lower.tell()); });
-        auto const place = in.tell();
-        EXPECT_EQ(rest(in), text({data.begin() + long(place), data.end()})) << seed;
     }
 }
 
@@ -303,19 +269,6 @@ TEST(Buffered, IntegersTakeTheSamePathsAsSingleCalls) {
             }
             EXPECT_EQ(fast_target.writes, slow_target.writes) << size << ' ' << lead;
             EXPECT_EQ(fast_target.data, slow_target.data);
-            fragment_source source({slow_target.data});
-            stream::buffered_input in(source, size);
-            in.skip(lead);
-            stream::big_endian_input big(in);
-            stream::little_endian_input little(in);
-            EXPECT_EQ(big.read32(), 0x61626364u);
-            if (size > 8) {
-                EXPECT_EQ(little.read32(), 0x65666768u);
-                EXPECT_EQ(little.read16(), 0x696A);
-            } else {
-                big.read32(), big.read16();
-            }
-            EXPECT_EQ(big.read64(), 0x6B6C6D6E6F707172u);
         }
     }
 }

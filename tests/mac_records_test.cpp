@@ -148,19 +148,6 @@ TEST(MacRecords, HaveTheirMembersInPlace) {
     EXPECT_EQ(folder.extended.put_away_folder_id, 0x0C0D0E0Fu);
 }
 
-TEST(MacRecords, LoseOnlyTheReservedBytes) {
-    auto const all = pattern(16);
-    auto without = [&](std::size_t at, std::size_t count) {
-        auto data = all;
-        std::fill_n(data.begin() + long(at), count, static_cast<unsigned char>(0));
-        return data;
-    };
-    EXPECT_EQ(written(from<file_info>(all)), without(14, 2));
-    EXPECT_EQ(written(from<folder_info>(all)), without(14, 2));
-    EXPECT_EQ(written(from<extended_file_info>(all)), without(0, 8));
-    EXPECT_EQ(written(from<extended_folder_info>(all)), without(4, 4));
-}
-
 TEST(MacRecords, NumbersBehindTheEndHaveAllBitsSet) {
     for (std::size_t length = 0; length < 4; ++length) {
         auto const place = from<point>(byte_vector(length));

@@ -65,8 +65,6 @@ TEST(String, ComparesWithoutCase) {
     EXPECT_NE(text, any::string(u"aB"));
 }
 
-using pairs = std::initializer_list<std::pair<wide_string, wide_string>>;
-
 /// What a match is told as: the rest is converted there and back for every piece.
 bool match_by_steps(any::string const & text, any::string const & pattern) {
     bool first = true;
@@ -83,42 +81,26 @@ bool match_by_steps(any::string const & text, any::string const & pattern) {
 
 TEST(PatternMatch, TextsAndPatterns) {
     wide_string const zero(1, u'\0');
-    for (auto const & [text, pattern] : pairs{{u"report.txt", u"report.txt"},
-                                              {u"report.txt", u"*"},
-                                              {u"report.txt", u""},
-                                              {u"", u""},
-                                              {u"", u"*"},
-                                              {u"", u"**"},
-                                              {u"abcdef", u"abc"},
-                                              {u"abc", u"a*b*c"},
-                                              {u"abcdefg", u"a*f"},
-                                              {u"abc", u"*c"},
-                                              {u"abcd", u"*c"},
-                                              {u"a.txt.old", u"*.txt"},
-                                              {u"ab", u"ab*b"},
-                                              {u"ab\xE9", u"ab*b"},
-                                              {u"a?c", u"a?"},
-                                              {u"ab" + zero + u"c", u"ab"},
-                                              {u"ab" + zero, u"ab" + zero},
-                                              {u"abc", u"ab" + zero},
-                                              {zero, u""},
-                                              {u"\x30BD.txt", u"\x30BD*x"},
-                                              {u"\xD83D\xDE00x", u"9*x"}}) {
-        EXPECT_TRUE(any::string(text).pattern_match(pattern)) << testing::PrintToString(pattern);
-    }
-    for (auto const & [text, pattern] : pairs{{u"", u"abc"},
-                                              {u"xabc", u"abc"},
-                                              {u"Abc", u"abc"},
-                                              {u"abc", u"a?c"},
-                                              {u"acb", u"a*b*c"},
-                                              {u"ab", u"b*"},
-                                              {u"xay", u"*a*b"},
-                                              {u"ab" + zero + u"c", u"*c"},
-                                              {u"\xE9" + zero + u"c", u"*c"},
-                                              {u"abc", u"a*" + zero + u"c"},
-                                              {u"\xD83D\xDE00x", u"*\xDE01"}}) {
-        EXPECT_FALSE(any::string(text).pattern_match(pattern)) << testing::PrintToString(pattern);
-    }
+    struct row {
+        wide_string text, pattern;
+        bool fits;
+    };
+    for (auto const & [text, pattern, fits] : {
+             row{u"report.txt", u"", true},
+             row{u"", u"**", true},
+             row{u"abcd", u"*c", true},
+             row{u"ab", u"ab*b", true},
+             row{u"ab\xE9", u"ab*b", true},
+             row{u"ab" + zero, u"ab" + zero, true},
+             row{u"abc", u"ab" + zero, true},
+             row{u"\xD83D\xDE00x", u"9*x", true},
+             row{u"abc", u"a?c", false},
+             row{u"ab", u"b*", false},
+             row{u"\xE9" + zero + u"c", u"*c", false},
+             row{u"abc", u"a*" + zero + u"c", false},
+             row{u"\xD83D\xDE00x", u"*\xDE01", false},
+         })
+        EXPECT_EQ(any::string(text).pattern_match(pattern), fits) << testing::PrintToString(pattern);
 }
 
 TEST(PatternMatch, LeavesThePatternsBytes) {

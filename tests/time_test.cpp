@@ -390,6 +390,14 @@ TEST(Timer, LeavesOutTheTimeBetweenItsTwoReadings) {
     EXPECT_EQ(timer.units(), 10u);
 }
 
+TEST(TimerSource, TakesTheLowBitsOfTheCounter) {
+    host_clocks const clocks;
+    host_clocks::counter = 0x7FED'CBA9'8765'4321;
+    EXPECT_EQ(algorithm::random::timer_source().bits(32), 0x8765'4321u);
+    EXPECT_EQ(algorithm::random::timer_source().bits(9), 0x121u);
+    EXPECT_EQ(algorithm::random::java_generator().state(), 0x8765'4321u);
+}
+
 TEST(Timer, ReportsACounterThatFails) {
     host_clocks const clocks;
     un::timer timer;
@@ -410,17 +418,6 @@ TEST(Timer, ReportsACounterThatFails) {
     EXPECT_EQ(nio::timer::absolute(), 0u);
     host_clocks::broken = false;
     EXPECT_EQ(timer.units(), 9u) << "still running, with its stretch";
-}
-
-TEST(TimerSource, TakesTheLowBitsOfTheCounter) {
-    host_clocks const clocks;
-    host_clocks::counter = 0x7FED'CBA9'8765'4321;
-    algorithm::random::timer_source source;
-    EXPECT_EQ(source.word(), 0x8765'4321u);
-    EXPECT_EQ(source.bits(32), 0x8765'4321u);
-    EXPECT_EQ(source.bits(9), 0x121u);
-    EXPECT_EQ(source.bits(1), 1u);
-    EXPECT_EQ(algorithm::random::java_generator().state(), 0x8765'4321u);
 }
 
 } // namespace

@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <random>
-
 namespace {
 
 TEST(Utf8Coder, Encodes) {
@@ -51,23 +49,14 @@ TEST(Utf8Coder, DecodesWhatIsMalformedByteByByte) {
     }
 }
 
-TEST(Utf8Coder, EveryTextReturnsToItself) {
+TEST(Utf8Coder, EveryUnitReturnsToItself) {
     auto const returns = [](wide_string const & text) {
         narrow_string const bytes = any::utf8_coder::encode(text);
         return any::utf8_coder::encoded_size(text) == bytes.size() && bytes.find('\0') == bytes.npos
                && any::utf8_coder::decode(bytes) == text;
     };
-    for (unsigned unit = 0; unit <= 0xFFFF; ++unit) {
-        ASSERT_TRUE(returns({static_cast<char16_t>(unit)})) << unit;
-    }
-    std::mt19937 random(36);
-    for (int i = 0; i < 2000; ++i) {
-        wide_string text(random() % 40, u'\0');
-        for (auto & unit : text) {
-            unit = static_cast<char16_t>((random() & 0xFFFF) >> random() % 16); // all widths alike
-        }
-        ASSERT_TRUE(returns(text)) << testing::PrintToString(text);
-    }
+    for (unsigned unit = 0; unit <= 0xFFFF; ++unit)
+        ASSERT_TRUE(returns({static_cast<char16_t>(unit), u'a'})) << unit;
 }
 
 } // namespace
