@@ -6,7 +6,9 @@
 #include "io/fork_output.h"
 #include "nio/attributes.h"
 #include "nio/file.h"
+#include "platform/errors.h"
 
+#include <cstdlib>
 #include <vector>
 
 // One file at a time: written, read, resized, and given attributes.
@@ -167,6 +169,23 @@ void prepare_streams(place const & where) {
     put_stream(u"N:\\f:AFP_AfpInfo", std::string(60, 'i'));
 }
 
+/// M: is a copy of N: then, as tools make it that keep extended attributes, and knows its files anew.
+void prepare_copied_volume(place const & where) {
+    prepare_streams(where);
+    std::filesystem::rename(where.here.host("n/f"), where.here.host("n/renamed"));
+    platform::detach_volume('M');
+    std::string const folder = "'" + where.here.folder();
+    check(std::system(("cp -a " + folder + "/n/.' " + folder + "/m'").c_str()) == 0, "the volume cannot be copied");
+}
+
+bool attach_copied_volume(place const & where, report &) {
+    platform::detach_volume('M');
+    uint32 const code = platform::attach_volume('M', where.here.host("m"), "NTFS");
+    platform::detach_volume('M');
+    platform::SetLastError(code);
+    return code == 0;
+}
+
 bool back_up(place const &, report &) {
     std::vector<char> bytes(30000);
     nio::file from(u"N:\\f", 0);
@@ -203,6 +222,7 @@ scenario const table[] = {
      [](place const & where, report &) { return apply_info(where.here.path("file"), false); }},
     {"nio_info_goes_to_a_stream", promise::growing, prepare_streams,
      [](place const &, report &) { return apply_info(u"N:\\f", true); }, scenario::named_streams},
+    {"copied_volume_is_attached", promise::whole, prepare_copied_volume, attach_copied_volume, scenario::named_streams},
     {"nio_streams_are_backed_up", promise::growing, prepare_streams, back_up, scenario::named_streams},
 };
 

@@ -20,6 +20,9 @@ public:
     scratch here;
     elsewhere there;
 
+    /// Attaches both drives anew; false where streams cannot be kept.
+    bool attach() const;
+
     /// Whether the host gives this machine both.
     bool two_file_systems() const { return there.differs_from(here); }
     bool streams() const { return streams_; }
