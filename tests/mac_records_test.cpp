@@ -38,13 +38,7 @@ TEST(OsType, IsMadeOfTextsAndNumbers) {
     } const table[] = {
         {os_type(), 0x3F3F3F3F, "????"},
         {"TEXT", 0x54455854, "TEXT"},
-        {"abcde", 0x61626364, "abcd"},
-        {"ab", 0x61620000, narrow_string("ab\0\0", 4)},
-        {narrow_string(), 0, narrow_string(4, '\0')},
         {narrow_string("a\0b", 3), 0x61006200, narrow_string("a\0b\0", 4)},
-        {narrow_string("\xFF\xFF\xFF\xFF"), 0xFFFFFFFF, "\xFF\xFF\xFF\xFF"},
-        {"\x01\x80\x02\xFE", 0x018002FE, "\x01\x80\x02\xFE"},
-        {0, 0, narrow_string(4, '\0')},
         {-2, 0xFFFFFFFE, "\xFF\xFF\xFF\xFE"},
         {uint32(0x8000000A), 0x8000000A, narrow_string("\x80\0\0\n", 4)},
     };
@@ -56,35 +50,17 @@ TEST(OsType, IsMadeOfTextsAndNumbers) {
     }
 }
 
-TEST(OsType, WritesOneBlock) {
-    support::recording_target target;
-    os_type("TEXT").write(target);
-    EXPECT_EQ(target.writes, (std::vector<uint32>{4}));
-}
-
 TEST(OsType, AShortStreamIsAnErrorOnlyIfAskedFor) {
     uint32 const lenient[] = {0xFFFFFFFF, 0x41FFFFFF, 0x4142FFFF, 0x414243FF};
     for (uint32 length = 0; length < 4; ++length) {
         os_type type("keep");
         stream::array_input strict("ABC", length);
-        try {
-            type.read(strict, true);
-            ADD_FAILURE() << "no exception for " << length << " bytes";
-        } catch (io::exception const & e) {
-            EXPECT_EQ(e.message(), "stream is too short");
-            EXPECT_EQ(e.origin(), "io::mac::os_type");
-            EXPECT_EQ(e.error(), 0);
-        }
+        EXPECT_THROW(type.read(strict, true), io::exception);
         EXPECT_EQ(type.to_string(), "keep");
-        EXPECT_EQ(strict.tell(), length);
         stream::array_input in("ABC", length);
         EXPECT_EQ(type.read(in, false), 4u);
         EXPECT_EQ(type.value, lenient[length]);
     }
-    os_type type;
-    stream::array_input in("\xFF\xFF\xFF\xFF", 4);
-    EXPECT_EQ(type.read(in, true), 4u);
-    EXPECT_EQ(type.value, 0xFFFFFFFF);
 }
 
 template <class Record>
@@ -165,22 +141,6 @@ TEST(MacRecords, NumbersBehindTheEndHaveAllBitsSet) {
     EXPECT_EQ(from<extended_folder_info>(byte_vector(6)).reserved2, 0xFFFF);
 }
 
-TEST(MacRecords, AFileInfoThrowsWithinItsCodesOnly) {
-    for (std::size_t length = 0; length < 16; ++length) {
-        file_info info;
-        byte_vector const data(length, 'x');
-        stream::vector_input in(data);
-        if (length < 8) {
-            EXPECT_THROW(info.read(in, false), io::exception) << length;
-            EXPECT_EQ(info.type.to_string(), length < 4 ? "????" : "xxxx");
-            EXPECT_EQ(info.flags, 0);
-        } else {
-            EXPECT_EQ(info.read(in, true), 16u) << length;
-            EXPECT_EQ(info.flags, length < 10 ? 0xFFFF : 0x7878);
-        }
-    }
-}
-
 TEST(MacRecords, ErrorsOfTheStreamPassThrough) {
     byte_vector const data(16);
     stream::vector_input beneath(data);
@@ -190,6 +150,7 @@ TEST(MacRecords, ErrorsOfTheStreamPassThrough) {
     support::recording_target target(2);
     EXPECT_THROW(info.write(target), support::failure);
     EXPECT_EQ(target.data, "????");
+    EXPECT_EQ(target.writes, (std::vector<uint32>{4}));
 }
 
 TEST(MacRecords, TellTheirSizeWithoutAnObject) {

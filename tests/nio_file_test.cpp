@@ -8,7 +8,7 @@
 #include "platform/file_times.h"
 #include "platform/files.h"
 #include "platform/host.h"
-#include "tests/support/scratch.h"
+#include "tests/support/ntfs_folder.h"
 #include "un/digits.h"
 
 #include <gtest/gtest.h>
@@ -42,22 +42,6 @@ std::string rest(nio::file & file) {
 }
 
 void put(nio::file & file, std::string const & text) { file.write(text.data(), static_cast<uint32>(text.size())); }
-
-/// A folder that is also the NTFS volume `N:`, if the file system can keep streams.
-class ntfs_folder {
-public:
-    ntfs_folder() : attached_(platform::attach_volume('N', folder.folder(), "NTFS") == 0) {}
-    ~ntfs_folder() {
-        if (attached_)
-            platform::detach_volume('N');
-    }
-    bool attached() const { return attached_; }
-
-    scratch folder;
-
-private:
-    bool attached_;
-};
 
 TEST(nio_file, opens_by_its_mode) {
     scratch const folder;
@@ -199,7 +183,7 @@ TEST(nio_file, keeps_its_fork_in_a_stream) {
     file.open_rsrc();
     EXPECT_EQ(rest(file), "resource");
     file.close();
-    EXPECT_FALSE(ntfs.folder.exists("._f"));
+    EXPECT_FALSE(ntfs.exists("._f"));
     std::map<wide_string, std::string> const others = {
         {u":note", "remember"},
         {u":" + wide_string(60, u'n'), "a name that is longer than most"},
@@ -400,7 +384,7 @@ TEST(nio_attributes, keep_the_information_in_a_stream) {
     file.close();
     EXPECT_EQ(nio::attributes(file).finder_info[0], 'f');
     set.apply(file, true, false);
-    EXPECT_EQ(ntfs.folder.read("._f").size(), 82u);
+    EXPECT_EQ(ntfs.read("._f").size(), 82u);
 }
 
 } // namespace

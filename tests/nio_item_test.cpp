@@ -2,46 +2,23 @@
 #include "nio/fork_names.h"
 #include "nio/item.h"
 #include "nio/move.h"
-#include "platform/host.h"
+#include "tests/support/ntfs_folder.h"
 
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 
 namespace {
 
 namespace fs = std::filesystem;
 
-/// A scratch folder, beside an attached NTFS volume as drive N. Both go with their contents.
 class nio_item : public testing::Test {
 protected:
-    nio_item() {
-        char pattern[] = "/var/tmp/socle_item_XXXXXX";
-        host_ = mkdtemp(pattern);
-        path_ = platform::from_host(host_.string()) + u'\\';
-        fs::create_directory(host_ / "ntfs");
-        attached_ = platform::attach_volume('N', host_ / "ntfs", "NTFS");
-    }
-    ~nio_item() override {
-        platform::detach_volume('N');
-        fs::remove_all(host_);
-    }
-    void SetUp() override { ASSERT_EQ(attached_, 0u); }
+    void SetUp() override { ASSERT_TRUE(ntfs_.attached()) << "no extended attributes in the folder for tests"; }
 
-    void write(char const * name, std::string const & bytes) const { std::ofstream(host_ / name) << bytes; }
-
-    /// What the file holds, "-" if there is none.
-    std::string read(char const * name) const {
-        std::ifstream in(host_ / name);
-        return in ? std::string(std::istreambuf_iterator<char>(in), {}) : "-";
-    }
-
-    fs::path host_;
-    wide_string path_;
-    uint32 attached_ = 0;
+    scratch folder_;
+    ntfs_folder ntfs_;
+    wide_string path_ = folder_.path("");
 };
 
 TEST_F(nio_item, fork_names_by_text) {
@@ -61,7 +38,7 @@ TEST_F(nio_item, fork_names_by_volume) {
     EXPECT_FALSE(nio::is_ntfs(flat));
     EXPECT_TRUE(nio::is_ntfs(u"N:\\a"));
     EXPECT_TRUE(nio::is_ntfs(u"n:/missing/a"));
-    EXPECT_TRUE(nio::is_ntfs(path_ + u"x\\..\\ntfs\\a"));
+    EXPECT_TRUE(nio::is_ntfs(ntfs_.path("x/../a")));
     EXPECT_FALSE(nio::is_ntfs(u"Q:\\a"));
     EXPECT_FALSE(nio::is_ntfs(u"\\\\host\\share\\a"));
     EXPECT_FALSE(nio::is_ntfs(u""));
@@ -69,7 +46,7 @@ TEST_F(nio_item, fork_names_by_volume) {
         wide_string path;
         bool must_exist, allow_ntfs, in_stream;
     };
-    write("ntfs/plain", "");
+    ntfs_.write("plain", "");
     for (row const & r : {
              row{u"N:\\plain", false, true, true},
              row{u"N:\\plain", true, true, false},
@@ -80,16 +57,16 @@ TEST_F(nio_item, fork_names_by_volume) {
         EXPECT_EQ(nio::is_ntfs_info_name(nio::info_name(r.path, r.must_exist, r.allow_ntfs)), r.in_stream);
     }
     EXPECT_FALSE(nio::exists_rsrc(flat));
-    write("._a", "");
+    folder_.write("._a", "");
     EXPECT_TRUE(nio::exists_rsrc(flat));
     EXPECT_TRUE(nio::exists_ufs(flat));
 }
 
 TEST_F(nio_item, exists_whatever_it_is) {
-    write("file", "");
-    fs::create_directory(host_ / "dir");
-    fs::create_symlink("dir", host_ / "to_dir");
-    fs::create_symlink("nowhere", host_ / "dangling");
+    folder_.write("file", "");
+    fs::create_directory(folder_.host("dir"));
+    fs::create_symlink("dir", folder_.host("to_dir"));
+    fs::create_symlink("nowhere", folder_.host("dangling"));
     struct row {
         char16_t const * name;
         bool exists, directory;
@@ -112,9 +89,9 @@ TEST_F(nio_item, make_absolute) {
 }
 
 TEST_F(nio_item, make_unique) {
-    write("a.b.txt", "");
-    write("a.b_1.txt", "");
-    write(".profile", "");
+    folder_.write("a.b.txt", "");
+    folder_.write("a.b_1.txt", "");
+    folder_.write(".profile", "");
     EXPECT_EQ(nio::make_unique(path_ + u"free", 0), path_ + u"free");
     EXPECT_EQ(nio::make_unique(path_ + u"a.b.txt", 2), path_ + u"a.b_2.txt");
     EXPECT_EQ(nio::make_unique(path_ + u".profile", 1), path_ + u"_1.profile");
@@ -123,7 +100,7 @@ TEST_F(nio_item, make_unique) {
             nio::make_unique(path_ + u"a.b.txt", tries);
             ADD_FAILURE();
         } catch (nio::filesystem_exception const & e) {
-            EXPECT_TRUE(e.message().starts_with("cannot resolve a name conflict (C:\\var\\tmp\\socle_item_"));
+            EXPECT_TRUE(e.message().starts_with("cannot resolve a name conflict (C:\\var\\tmp\\socle_test_"));
         }
     }
 }
@@ -131,9 +108,9 @@ TEST_F(nio_item, make_unique) {
 TEST_F(nio_item, links) {
     EXPECT_TRUE(nio::is_link(u"d\\A.LNK"));
     EXPECT_FALSE(nio::is_link(u"d.lnk\\A"));
-    fs::copy(fs::path(TEST_DATA) / "links/nonascii.lnk", host_ / "x.Lnk");
-    fs::copy(fs::path(TEST_DATA) / "links/nonascii.lnk", host_ / "x");
-    write("broken.lnk", "no link");
+    fs::copy(fs::path(TEST_DATA) / "links/nonascii.lnk", folder_.host("x.Lnk"));
+    fs::copy(fs::path(TEST_DATA) / "links/nonascii.lnk", folder_.host("x"));
+    folder_.write("broken.lnk", "no link");
     EXPECT_EQ(nio::resolve_link(path_ + u"x.Lnk"), u"C:\\socle\\Gr\xf6\xdf\x65 \xe9t\xe9.txt");
     for (char16_t const * name : {u"x", u"broken.lnk", u"missing.lnk"}) {
         EXPECT_EQ(nio::resolve_link(path_ + name), path_ + name);
@@ -151,11 +128,12 @@ TEST_F(nio_item, temp_directory) {
 }
 
 TEST_F(nio_item, moves_a_file_with_its_sidecar) {
-    write("a", "data");
-    write("._a", "fork");
+    folder_.write("a", "data");
+    folder_.write("._a", "fork");
     wide_string to = path_ + u"b";
     EXPECT_FALSE(nio::move(path_ + u"a", to, true));
-    EXPECT_EQ(read("b") + read("._b") + read("a") + read("._a"), "datafork--");
+    EXPECT_EQ(folder_.read("b") + folder_.read("._b") + folder_.read("a") + folder_.read("._a"),
+              "datafork(none)(none)");
 
     // A name that is not accepted is mended, unless the call must succeed as it is.
     to = path_ + u"c?";
@@ -163,13 +141,13 @@ TEST_F(nio_item, moves_a_file_with_its_sidecar) {
     EXPECT_EQ(to, path_ + u"c?");
     EXPECT_TRUE(nio::move(path_ + u"b", to, false));
     EXPECT_EQ(to, path_ + u"c_");
-    EXPECT_EQ(read("c_") + read("._c_") + read("._b"), "datafork-");
+    EXPECT_EQ(folder_.read("c_") + folder_.read("._c_") + folder_.read("._b"), "datafork(none)");
 }
 
 TEST_F(nio_item, moves_that_fail_lose_nothing) {
-    write("a", "data");
-    write("._a", "fork");
-    write("taken", "other");
+    folder_.write("a", "data");
+    folder_.write("._a", "fork");
+    folder_.write("taken", "other");
     wide_string to = path_ + u"taken";
     EXPECT_FALSE(nio::move(path_ + u"a", to, false));
     try {
@@ -180,19 +158,19 @@ TEST_F(nio_item, moves_that_fail_lose_nothing) {
         EXPECT_NE(e.message().find("\\a) 183 "), narrow_string::npos) << e.message();
         EXPECT_EQ(e.error(), 183u);
     }
-    EXPECT_EQ(read("a") + read("._a") + read("taken"), "dataforkother");
+    EXPECT_EQ(folder_.read("a") + folder_.read("._a") + folder_.read("taken"), "dataforkother");
 
     // The sidecar's place is taken: the file comes back before the call raises.
-    write("._b", "stray");
+    folder_.write("._b", "stray");
     to = path_ + u"b";
     EXPECT_THROW(nio::move(path_ + u"a", to, true), nio::filesystem_exception);
-    EXPECT_EQ(read("a") + read("._a") + read("b") + read("._b"), "datafork-stray");
+    EXPECT_EQ(folder_.read("a") + folder_.read("._a") + folder_.read("b") + folder_.read("._b"), "datafork(none)stray");
     // The mended name is tried once.
-    write("d_", "other");
+    folder_.write("d_", "other");
     to = path_ + u"d?";
     EXPECT_THROW(nio::move(path_ + u"a", to, false), nio::filesystem_exception);
     EXPECT_EQ(to, path_ + u"d_");
-    EXPECT_EQ(read("a") + read("d_"), "dataother");
+    EXPECT_EQ(folder_.read("a") + folder_.read("d_"), "dataother");
 }
 
 } // namespace
