@@ -83,10 +83,9 @@ TEST(BackupFilter, LeavesOutWhatIsKeptByOtherMeans) {
         {record(7, ":AFP_Resource", "x"), record(7, ":AFP_Resource", "x")},
         {rights + record(4, ":empty", "") + long_name, rights + long_name},
     };
-    for (auto const & c : table) {
+    for (auto const & c : table)
         for (uint32 const size : {1u, 7u, 20u, 64u, 5000u})
             EXPECT_EQ(filtered(c.sequence, size), c.result) << size;
-    }
 }
 
 TEST(BackupFilter, SaysWhereASequenceIsBroken) {

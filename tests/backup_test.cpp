@@ -2,16 +2,12 @@
 
 #include "platform/backup.h"
 #include "platform/errors.h"
-#include "platform/host.h"
 #include "platform/posix/volumes.h"
+#include "tests/support/ntfs_folder.h"
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <fcntl.h>
-#include <filesystem>
-#include <fstream>
-#include <unistd.h>
 
 namespace {
 
@@ -19,11 +15,11 @@ using namespace platform;
 namespace fs = std::filesystem;
 
 TEST(backup, goes_to_the_file_wherever_it_lies) {
-    char pattern[] = "/var/tmp/socle_backup_XXXXXX";
-    fs::path const folder = mkdtemp(pattern);
-    ASSERT_EQ(attach_volume('N', folder, "NTFS"), 0u);
-    std::ofstream(folder / "from") << "data";
-    std::ofstream(folder / "to") << "";
+    ntfs_folder const volume;
+    ASSERT_TRUE(volume.attached()) << "no extended attributes in the folder for tests";
+    fs::path const folder = volume.folder();
+    volume.write("from", "data");
+    volume.write("to", "");
     posix::named_streams const & streams = *posix::volume_of_letter(u'N')->streams;
     narrow_string host;
     ASSERT_EQ(streams.locate(folder / "from", u"note", true, host), 0u);
@@ -56,8 +52,6 @@ TEST(backup, goes_to_the_file_wherever_it_lies) {
     BackupRead(-1, nullptr, 0, got, true, reading);
     close(from);
     close(to);
-    detach_volume('N');
-    fs::remove_all(folder);
 }
 
 } // namespace

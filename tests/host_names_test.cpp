@@ -34,9 +34,8 @@ TEST(host_names, refused) {
     narrow_string host;
     for (wide_string const & name : {wide_string(u"a\0b", 3), wide_string(u"a/b"), wide_string(u"a\\b"),
                                      wide_string(u"a:b"), wide_string(u"\xd800"), wide_string(u"\xd800x"),
-                                     wide_string(u"\xdc7f"), wide_string(u"\xdd00"), wide_string(u"\xdfff")}) {
+                                     wide_string(u"\xdc7f"), wide_string(u"\xdd00"), wide_string(u"\xdfff")})
         EXPECT_FALSE(to_host_name(name, host));
-    }
 }
 
 } // namespace

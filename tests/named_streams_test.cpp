@@ -7,20 +7,15 @@
 #include "platform/posix/named_streams.h"
 #include "platform/posix/stream_names.h"
 #include "tests/support/ntfs_image.h"
+#include "tests/support/scratch.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cerrno>
-#include <cstdlib>
 #include <fcntl.h>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <optional>
-#include <sys/stat.h>
 #include <thread>
-#include <unistd.h>
 
 namespace {
 
@@ -29,15 +24,9 @@ using namespace platform::posix;
 namespace fs = std::filesystem;
 using names = std::vector<wide_string>;
 
-/// A scratch folder, removed with all that is in it.
 class named_streams_test : public testing::Test {
 protected:
-    named_streams_test() {
-        char pattern[] = "/var/tmp/socle_streams_XXXXXX";
-        folder_ = mkdtemp(pattern);
-        fs::create_directory(folder_ / "volume");
-    }
-    ~named_streams_test() override { fs::remove_all(folder_); }
+    named_streams_test() { fs::create_directory(folder_ / "volume"); }
 
     fs::path path(char const * name) const { return folder_ / "volume" / name; }
 
@@ -47,11 +36,7 @@ protected:
         ASSERT_EQ(make_named_streams(folder_ / volume, streams_), 0u) << "no extended attributes in /var/tmp?";
     }
 
-    static void write(fs::path const & file, std::string const & bytes) {
-        std::ofstream out(file, std::ios::binary);
-        out << bytes;
-        ASSERT_TRUE(out.flush()) << file;
-    }
+    static void write(fs::path const & file, std::string const & bytes) { std::ofstream(file) << bytes; }
 
     void write_stream(fs::path const & file, wide_string const & name, std::string const & bytes) const {
         narrow_string host;
@@ -62,9 +47,8 @@ protected:
     /// What the stream holds, "-" if there is none.
     std::string read_stream(fs::path const & file, wide_string const & name) const {
         narrow_string host;
-        if (streams_->locate(file, name, false, host) != 0) {
+        if (streams_->locate(file, name, false, host) != 0)
             return "-";
-        }
         std::ifstream in(host, std::ios::binary);
         return in ? std::string(std::istreambuf_iterator<char>(in), {}) : "-";
     }
@@ -98,7 +82,8 @@ protected:
         return static_cast<std::size_t>(std::distance(fs::directory_iterator(store), fs::directory_iterator()));
     }
 
-    fs::path folder_;
+    scratch scratch_;
+    fs::path folder_ = scratch_.folder();
     std::unique_ptr<named_streams> streams_;
 };
 
@@ -150,9 +135,8 @@ TEST(stream_names, stored_names_are_safe_and_come_back) {
         EXPECT_EQ(back, name);
     }
     wide_string back;
-    for (char const * foreign : {"", "+004", "+00zz", "+0061", "A", ".", "a b"}) {
+    for (char const * foreign : {"", "+004", "+00zz", "+0061", "A", ".", "a b"})
         EXPECT_FALSE(stream_name_of(foreign, back)) << foreign;
-    }
 }
 
 /// What both stores do: our own, and that of a mounted disk (the parameter is true).
@@ -161,9 +145,8 @@ protected:
     void SetUp() override {
         if (GetParam()) {
             disk_.emplace(folder_ / "image", folder_ / "volume");
-            if (!disk_->mounted()) {
+            if (!disk_->mounted())
                 GTEST_SKIP() << "an NTFS image cannot be made or mounted here";
-            }
         }
         attach("volume");
         EXPECT_EQ(fs::exists(path(".socle_streams")), false);
@@ -195,9 +178,8 @@ TEST_P(both_stores_test, live_with_their_file) {
     fs::rename(path("file"), path("folder/moved"));
     fs::create_hard_link(path("folder/moved"), path("second"));
     fs::create_symlink("second", path("link"));
-    for (char const * name : {"folder/moved", "second", "link"}) {
+    for (char const * name : {"folder/moved", "second", "link"})
         EXPECT_EQ(read_stream(path(name), u"note"), "one") << name;
-    }
 
     remove(path("folder/moved"));
     EXPECT_EQ(read_stream(path("second"), u"note"), "one");
@@ -237,12 +219,10 @@ TEST_F(named_streams_test, made_by_many_at_once) {
         fs::path const file = path(std::to_string(round).c_str());
         write(file, "data");
         std::vector<std::thread> threads;
-        for (char16_t name = u'a'; name < u'i'; ++name) {
+        for (char16_t name = u'a'; name < u'i'; ++name)
             threads.emplace_back([this, file, name] { write_stream(file, wide_string(1, name), "x"); });
-        }
-        for (std::thread & thread : threads) {
+        for (std::thread & thread : threads)
             thread.join();
-        }
         EXPECT_EQ(list(file).size(), 8u);
     }
 }

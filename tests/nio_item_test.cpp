@@ -112,9 +112,8 @@ TEST_F(nio_item, links) {
     fs::copy(fs::path(TEST_DATA) / "links/nonascii.lnk", folder_.host("x"));
     folder_.write("broken.lnk", "no link");
     EXPECT_EQ(nio::resolve_link(path_ + u"x.Lnk"), u"C:\\socle\\Gr\xf6\xdf\x65 \xe9t\xe9.txt");
-    for (char16_t const * name : {u"x", u"broken.lnk", u"missing.lnk"}) {
+    for (char16_t const * name : {u"x", u"broken.lnk", u"missing.lnk"})
         EXPECT_EQ(nio::resolve_link(path_ + name), path_ + name);
-    }
 }
 
 TEST_F(nio_item, temp_directory) {

@@ -32,9 +32,8 @@ TEST(nio_path, normalizes_all_but_a_drive) {
              row{u"a/b\\", u"a_b\\"},
              row{u"\"*<>|", u"_____"},
              row{u"\x1f\x20\x7f\x80\x81\u4e00", u"_\x20\x7f\x80__"},
-         }) {
+         })
         EXPECT_EQ(nio::normalize(r.path), r.normalized);
-    }
 }
 
 } // namespace

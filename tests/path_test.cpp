@@ -98,11 +98,9 @@ TEST(Path, TakesItsOwnElements) {
 
 TEST(Path, Order) {
     elements const sorted = {u"", u"A", u"a", u"a/b", u"a b", u"b"};
-    for (std::size_t i = 0; i < sorted.size(); ++i) {
-        for (std::size_t k = 0; k < sorted.size(); ++k) {
+    for (std::size_t i = 0; i < sorted.size(); ++i)
+        for (std::size_t k = 0; k < sorted.size(); ++k)
             EXPECT_EQ(any::path(sorted[i], true) < any::path(sorted[k], u":/", true), i < k) << i << " " << k;
-        }
-    }
 }
 
 } // namespace

@@ -5,7 +5,7 @@
 #include "platform/files.h"
 #include "platform/host.h"
 #include "platform/posix/host_calls.h"
-#include "tests/support/scratch.h"
+#include "tests/support/ntfs_folder.h"
 
 #include <gtest/gtest.h>
 
@@ -110,8 +110,8 @@ TEST(platform_directories, are_made_and_removed) {
 }
 
 TEST(platform_directories, take_their_streams_along) {
-    scratch const folder;
-    if (attach_volume('N', folder.folder(), "NTFS") != 0)
+    ntfs_folder const folder;
+    if (!folder.attached())
         GTEST_SKIP() << "no extended attributes in the folder for tests";
     ASSERT_EQ(code(CreateDirectoryW(u"N:\\d")), 0u);
     int const stream = CreateFileW(u"N:\\d:note", GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ, CREATE_NEW, 0);
@@ -121,7 +121,6 @@ TEST(platform_directories, take_their_streams_along) {
     EXPECT_EQ(code(RemoveDirectoryW(u"N:\\d")), 0u);
     ASSERT_EQ(code(CreateDirectoryW(u"N:\\d")), 0u);
     EXPECT_EQ(CreateFileW(u"N:\\d:note", GENERIC_READ, FILE_SHARE_READ, OPEN_EXISTING, 0), INVALID_HANDLE_VALUE);
-    detach_volume('N');
 }
 
 TEST(platform_directories, reach_what_the_host_calls_as_it_likes) {

@@ -43,9 +43,8 @@ protected:
     /// The exit status of a process that does this.
     static int in_process(std::function<int()> const & work) {
         pid_t const child = fork();
-        if (child == 0) {
+        if (child == 0)
             _exit(work());
-        }
         return exit_status(child);
     }
     static int exit_status(pid_t child) {
@@ -187,9 +186,8 @@ TEST_F(platform_files, refuse_what_the_handle_is_not_for) {
         EXPECT_FALSE(c.result) << c.what;
         EXPECT_EQ(c.code, 5u) << c.what;
     }
-    for (int const file : {reader, writer, times}) {
+    for (int const file : {reader, writer, times})
         EXPECT_TRUE(CloseHandle(file));
-    }
     for (int const file : {INVALID_HANDLE_VALUE, 100000}) {
         for (auto const & use : std::vector<std::function<bool()>>{
                  [&] { return WriteFile(file, &byte, 1, done); }, [&] { return ReadFile(file, &byte, 1, done); },
@@ -235,15 +233,13 @@ TEST_F(platform_files, of_pipes_end_in_codes_and_not_in_signals) {
     ASSERT_EQ(pipe2(ends, O_CLOEXEC | O_NONBLOCK), 0);
     std::string const much(1 << 20, 'x');
     pid_t const writer = fork();
-    if (writer == 0) {
+    if (writer == 0)
         _exit(WriteFile(ends[1], much.data(), 1 << 20, done) ? 0 : 1);
-    }
     EXPECT_TRUE(CloseHandle(ends[1]));
     std::size_t total = 0;
     std::string block(1 << 20, ' ');
-    while (ReadFile(ends[0], block.data(), 1 << 20, done)) {
+    while (ReadFile(ends[0], block.data(), 1 << 20, done))
         total += done;
-    }
     EXPECT_EQ(GetLastError(), 109u);
     EXPECT_EQ(done, 0u);
     EXPECT_EQ(total, much.size());
@@ -282,12 +278,10 @@ TEST_F(platform_files, that_are_no_files_keep_nobody_waiting) {
 TEST_F(platform_files, leave_the_standard_streams_their_numbers) {
     scratch_.write("file", "bytes");
     EXPECT_EQ(in_process([&] {
-                  for (int i = 0; i < 3; ++i) {
+                  for (int i = 0; i < 3; ++i)
                       close(i);
-                  }
-                  if (GetStdHandle(STD_OUTPUT_HANDLE) != INVALID_HANDLE_VALUE || GetLastError() != 6) {
+                  if (GetStdHandle(STD_OUTPUT_HANDLE) != INVALID_HANDLE_VALUE || GetLastError() != 6)
                       return 1;
-                  }
                   return open("file") > 2 && create("new") > 2 && fcntl(0, F_GETFD) < 0 ? 0 : 2;
               }),
               0);

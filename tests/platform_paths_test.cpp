@@ -15,9 +15,8 @@ namespace fs = std::filesystem;
 class platform_paths : public testing::Test {
 protected:
     ~platform_paths() override {
-        for (char letter : {'N', 'M'}) {
+        for (char letter : {'N', 'M'})
             detach_volume(letter);
-        }
         fs::current_path("/");
     }
 
@@ -48,18 +47,16 @@ TEST_F(platform_paths, become_absolute_in_the_text) {
         {u"", u"(failed)"},
         {wide_string(u"a\0b", 3), u"(failed)"},
     };
-    for (auto const & c : cases) {
+    for (auto const & c : cases)
         EXPECT_EQ(full(c.path), c.full) << narrow_string(c.path.begin(), c.path.end());
-    }
 }
 
 TEST_F(platform_paths, of_the_host_come_back_as_they_were) {
     for (narrow_string const & path :
          {narrow_string("/"), narrow_string("//a//b/"), narrow_string("a/./b"), narrow_string("/x\\y:z?\n"),
           narrow_string("bad\xFF\xC3/\xF0\x9F\x98\x80"), narrow_string("\xEF\x81\x9C\xEF\x80\xBA"), narrow_string(),
-          narrow_string("C:/x"), scratch_.folder()}) {
+          narrow_string("C:/x"), scratch_.folder()})
         EXPECT_EQ(to_host(from_host(path)), path);
-    }
     EXPECT_EQ(from_host("/a\\b/c:d"), u"C:\\a\uF05Cb\\c\uF03Ad");
 }
 
@@ -136,9 +133,8 @@ TEST_F(platform_paths, of_volumes_are_checked) {
         {'N', scratch_.host("none"), 3},    {'N', scratch_.host("file"), 3}, {'N', "", 3},
         {'N', narrow_string("/\0x", 3), 3}, {'N', scratch_.folder(), 0},     {'n', scratch_.folder(), 183},
     };
-    for (auto const & c : cases) {
+    for (auto const & c : cases)
         EXPECT_EQ(attach_volume(c.letter, c.folder, "FAT"), c.code) << c.letter << ' ' << c.folder;
-    }
     EXPECT_EQ(detach_volume('n'), 0u);
     EXPECT_EQ(detach_volume('N'), 3u);
     EXPECT_EQ(detach_volume('C'), 3u);

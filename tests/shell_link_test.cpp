@@ -1,15 +1,9 @@
 #include "platform/environment.h"
-#include "platform/host.h"
 #include "platform/posix/shell_link_reader.h"
 #include "platform/shell_links.h"
+#include "tests/support/scratch.h"
 
 #include <gtest/gtest.h>
-
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <sys/stat.h>
 
 namespace {
 
@@ -25,9 +19,8 @@ wide_string target_of(std::string const & link) {
     wide_string target = u"?";
     auto const latin = [](std::string_view text) {
         wide_string wide;
-        for (char c : text) {
+        for (char c : text)
             wide += static_cast<unsigned char>(c);
-        }
         return wide;
     };
     bool const resolved = read_shell_link(link, latin, target);
@@ -37,9 +30,8 @@ wide_string target_of(std::string const & link) {
 
 std::string number(unsigned value, int width = 4) {
     std::string bytes;
-    for (int i = 0; i < width; ++i) {
+    for (int i = 0; i < width; ++i)
         bytes += static_cast<char>(value >> 8 * i);
-    }
     return bytes;
 }
 
@@ -72,9 +64,8 @@ TEST(shell_link, samples) {
          }) {
         std::string const link = sample(r.name);
         EXPECT_EQ(target_of(link), r.target) << r.name;
-        for (std::size_t size = 0; size < link.size(); ++size) {
+        for (std::size_t size = 0; size < link.size(); ++size)
             EXPECT_EQ(target_of(link.substr(0, size)), u"?") << r.name << " cut off at " << size;
-        }
     }
 }
 
@@ -105,9 +96,8 @@ TEST(shell_link, other_paths) {
              patch{"4097 bytes", u"?",
                    link_with_info(info(1, number(28) + number(45) + number(0) + number(45 + 4097),
                                        volume_id + std::string(4097, 'x') + zero))},
-         }) {
+         })
         EXPECT_EQ(target_of(p.link), p.target) << p.what;
-    }
 }
 
 // Each number of the link info, and the sizes around it, pointing past what they may.
@@ -142,22 +132,20 @@ TEST(shell_link, wrong_numbers) {
 
 // The file itself: what is no file must not be waited for.
 TEST(shell_link, files) {
-    char pattern[] = "/var/tmp/socle_links_XXXXXX";
-    std::filesystem::path const folder = mkdtemp(pattern);
-    std::filesystem::create_directory(folder / "folder.lnk");
-    std::ofstream(folder / "empty.lnk").close();
-    std::ofstream(folder / "huge.lnk") << sample("local_ascii.lnk");
-    std::filesystem::resize_file(folder / "huge.lnk", 1 << 30);
-    ASSERT_EQ(mkfifo((folder / "pipe.lnk").c_str(), 0600), 0);
+    scratch const folder;
+    std::filesystem::create_directory(folder.host("folder.lnk"));
+    folder.write("empty.lnk", "");
+    folder.write("huge.lnk", sample("local_ascii.lnk"));
+    std::filesystem::resize_file(folder.host("huge.lnk"), 1 << 30);
+    ASSERT_EQ(mkfifo(folder.host("pipe.lnk").c_str(), 0600), 0);
     for (char const * name : {"folder.lnk", "empty.lnk", "huge.lnk", "pipe.lnk", "missing.lnk"}) {
         wide_string target = u"as it was";
-        EXPECT_FALSE(platform::ResolveShellLink(platform::from_host(folder / name), target)) << name;
+        EXPECT_FALSE(platform::ResolveShellLink(folder.path(name), target)) << name;
         EXPECT_EQ(target, u"as it was") << name;
     }
     wide_string target;
     EXPECT_TRUE(platform::ResolveShellLink(platform::from_host(TEST_DATA "/links/nonascii.lnk"), target));
     EXPECT_EQ(target, u"C:\\socle\\Gr\xf6\xdf\x65 \xe9t\xe9.txt");
-    std::filesystem::remove_all(folder);
 }
 
 TEST(environment, text) {

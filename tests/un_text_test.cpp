@@ -37,9 +37,8 @@ TEST(Digits, ReadTakesHexadecimalDigitsInAnyRadix) {
     for (auto const & [text, radix, value] :
          {row{"12 3", 10, 12}, row{"1f", 10, 25}, row{"123abc", 10, 124122}, row{"abc", 10, 1122}, row{"", 10, 0},
           row{"-5", 10, 0}, row{"\xB1", 10, 0}, row{"fFg", 16, 255}, row{"0x10", 16, 0}, row{"9", 2, 9},
-          row{"18446744073709551617", 10, 1}, row{"77", 1, 0}, row{"77", 0, 0}, row{"77", -3, 0}, row{"1g", 37, 1}}) {
+          row{"18446744073709551617", 10, 1}, row{"77", 1, 0}, row{"77", 0, 0}, row{"77", -3, 0}, row{"1g", 37, 1}})
         EXPECT_EQ(un::read(text, radix), value) << text << " in " << radix;
-    }
 }
 
 TEST(Digits, WriteFillsToItsWidth) {
@@ -55,9 +54,8 @@ TEST(Digits, WriteFillsToItsWidth) {
           row{all_ones, 10, 1, "18446744073709551615"}, row{36 * 17 + 15, 36, 1, narrow_string("\0f", 2)},
           row{36 * 17 + 15, 37, 1, narrow_string("\0\0", 2)}, row{300, 301, 3, narrow_string("00\0", 3)},
           row{7, 1, 4, ""}, row{7, 0, 4, ""}, row{7, std::numeric_limits<int>::min(), 4, ""},
-          row{7, 10, std::numeric_limits<int>::min(), "7"}}) {
+          row{7, 10, std::numeric_limits<int>::min(), "7"}})
         EXPECT_EQ(un::write(value, radix, width), text) << value << " in " << radix;
-    }
 }
 
 TEST(Parser, NumbersFollowTheRadix) {

@@ -74,10 +74,9 @@ bool use_temporary(place const & where, report &) {
         std::string folder;
         ~emptied() {
             uncounted const work;
-            for (fs::path const & left : fs::directory_iterator(folder)) {
+            for (fs::path const & left : fs::directory_iterator(folder))
                 if (left.filename() != "kept")
                     fs::remove(left);
-            }
         }
     } const at_end{where.here.host("target")};
     io::directory const folder(library_path(where.here.path("target")));
@@ -125,10 +124,9 @@ void prepare_packed(place const & where) {
 void prepare_unpacked(place const & where) {
     prepare_packed(where);
     fs::rename(unpack(where.here.host("packed.bin"), where.here.host("out")), where.here.host("out/made"));
-    for (fs::path const & side : fs::directory_iterator(where.here.host("out"))) {
+    for (fs::path const & side : fs::directory_iterator(where.here.host("out")))
         if (side.has_extension())
             fs::rename(side, where.here.host("out/made") + side.extension().string());
-    }
 }
 
 scenario const table[] = {

@@ -12,9 +12,8 @@ struct unload_counter {
     int * unloads = nullptr;
 
     ~unload_counter() {
-        if (unloads) {
+        if (unloads)
             ++*unloads;
-        }
     }
 } counter;
 
@@ -50,10 +49,8 @@ constexpr row rows[] = {
 extern "C" SOCLE_API void plugin_start(int * unloads) { counter.unloads = unloads; }
 
 extern "C" SOCLE_API void plugin_throw(char const * class_name) {
-    for (auto const & [name, throw_it] : rows) {
-        if (name == class_name) {
+    for (auto const & [name, throw_it] : rows)
+        if (name == class_name)
             throw_it();
-        }
-    }
     throw std::logic_error("the plug-in does not know this class");
 }
