@@ -13,9 +13,9 @@
 /// A folder for one test, on a disk that keeps extended attributes, and removed with all that is in it.
 class scratch {
 public:
-    scratch() {
-        char pattern[] = "/var/tmp/socle_test_XXXXXX";
-        folder_ = std::filesystem::canonical(mkdtemp(pattern));
+    explicit scratch(std::string pattern = "/var/tmp/socle_test_XXXXXX") {
+        if (mkdtemp(pattern.data()))
+            folder_ = std::filesystem::canonical(pattern);
     }
     scratch(scratch const &) = delete;
     scratch & operator=(scratch const &) = delete;
