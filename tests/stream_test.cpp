@@ -146,46 +146,29 @@ std::size_t place(Operation operation) {
     return words[0] - 1;
 }
 
+std::vector<std::size_t> list(auto... places) { return {places...}; }
+
 struct input_order : stream::input {
     using in = stream::input;
     static std::vector<std::size_t> places() {
-        return {place(&in::begin),
-                place(&in::end),
-                place<uint32 (in::*)(char *, uint32)>(&in::read),
-                place(&in::tell),
-                place(&in::seek),
-                place(&in::size),
-                place<int (in::*)()>(&in::read),
-                place<void (in::*)(char const *, uint32)>(&in::unread),
-                place<void (in::*)(char)>(&in::unread),
-                place(&in::skip),
-                place(&in::copy_to),
-                place(&in::close),
-                place<uint32 (input_order::*)(char *, uint32)>(&input_order::_read),
-                place<int (input_order::*)()>(&input_order::_read),
-                place(&input_order::_skip),
-                place(&input_order::_copy_to),
-                place(&input_order::_tell)};
+        return list(place(&in::begin), place(&in::end), place<uint32 (in::*)(char *, uint32)>(&in::read),
+                    place(&in::tell), place(&in::seek), place(&in::size), place<int (in::*)()>(&in::read),
+                    place<void (in::*)(char const *, uint32)>(&in::unread), place<void (in::*)(char)>(&in::unread),
+                    place(&in::skip), place(&in::copy_to), place(&in::close),
+                    place<uint32 (input_order::*)(char *, uint32)>(&input_order::_read),
+                    place<int (input_order::*)()>(&input_order::_read), place(&input_order::_skip),
+                    place(&input_order::_copy_to), place(&input_order::_tell));
     }
 };
 
 struct output_order {
     using out = stream::output;
     static std::vector<std::size_t> places() {
-        return {place(&out::begin),
-                place(&out::end),
-                place<void (out::*)(char const *, uint32)>(&out::write),
-                place<void (out::*)(unsigned char)>(&out::write),
-                place(&out::flush),
-                place(&out::tell),
-                place(&out::seek),
-                place(&out::size),
-                place<void (out::*)(narrow_string const &)>(&out::write),
-                place<void (out::*)(char)>(&out::write),
-                place(&out::copy_from),
-                place(&out::resize),
-                place(&out::flush_through),
-                place(&out::close)};
+        return list(place(&out::begin), place(&out::end), place<void (out::*)(char const *, uint32)>(&out::write),
+                    place<void (out::*)(unsigned char)>(&out::write), place(&out::flush), place(&out::tell),
+                    place(&out::seek), place(&out::size), place<void (out::*)(narrow_string const &)>(&out::write),
+                    place<void (out::*)(char)>(&out::write), place(&out::copy_from), place(&out::resize),
+                    place(&out::flush_through), place(&out::close));
     }
 };
 
