@@ -7,10 +7,46 @@
 
 namespace {
 
+using fragments = std::vector<wide_string>;
+
 any::name named(wide_string const & text, char16_t separator = u'/') {
     any::name name(separator);
     name.set_ucs2(text);
     return name;
+}
+
+TEST(Name, Fragments) {
+    struct row {
+        wide_string text;
+        fragments pieces;
+    };
+    for (auto const & [text, pieces] : {
+             row{u"a", {u"a"}},
+             row{u"a/b", {u"a", u"b"}},
+             row{u"a/b/", {u"a", u"b"}},
+             row{u"a//", {u"a"}},
+             row{u"/a", {u"", u"a"}},
+             row{u"/", {u""}},
+             row{u"//", {u""}},
+             row{u"a//b", {u"a", u"", u"b"}},
+             row{u"a/./b", {u"a", u"b"}},
+             row{u"a/.", {u"a"}},
+             row{u"./a", {u"a"}},
+             row{u"./", {u""}},
+             row{u"a/../.b", {u"a", u"..", u".b"}},
+             row{u"a\\b", {u"a\\b"}},
+             row{u"", {}},
+             row{u".", {}},
+             row{u"./.", {}},
+         }) {
+        any::name const name = named(text);
+        EXPECT_EQ(fragments(name.fragment_begin(), name.fragment_end()), pieces) << testing::PrintToString(text);
+        EXPECT_EQ(name.fragment_begin() == name.fragment_end(), pieces.empty());
+        any::name sized = name;
+        EXPECT_EQ(sized.fragment_size(), pieces.size());
+        EXPECT_EQ(name.leaf(), pieces.empty() ? u"" : pieces.back());
+    }
+    EXPECT_EQ(named(u"a\\b/c", any::name::default_separator).leaf(), u"b/c");
 }
 
 TEST(Name, IteratorsStep) {
@@ -31,7 +67,6 @@ TEST(Name, IteratorsStep) {
     EXPECT_EQ(copy, other.fragment_end());
     EXPECT_NE(copy, it);
     EXPECT_EQ(any::name::null.fragment_begin(), copy);
-    EXPECT_EQ(named(u"a\\b/c", any::name::default_separator).leaf(), u"b/c");
 }
 
 TEST(Name, AddLeaf) {

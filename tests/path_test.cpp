@@ -8,6 +8,25 @@ using elements = std::vector<any::string>;
 
 elements of(any::path const & path) { return {path.begin(), path.end()}; }
 
+TEST(Path, Cuts) {
+    struct row {
+        wide_string text;
+        elements cut;
+    };
+    for (auto const & [text, cut] : {
+             row{u".", {}},
+             row{u"..", {u".."}},
+             row{u"a/b/", {u"a", u"b"}},
+             row{u"a//.", {u"a"}},
+             row{u"./a/./b", {u"a", u"b"}},
+             row{u"\\\\server\\share", {u"", u"", u"server", u"share"}},
+             row{u"/\\/", {}},
+             row{{u'a', u'\0', u'/', u'\0'}, {wide_string{u'a', u'\0'}, wide_string{u'\0'}}},
+         })
+        EXPECT_EQ(of(any::path(text, true)), cut) << testing::PrintToString(text);
+    EXPECT_EQ(of(any::path(u"a/./b", false)), (elements{u"a", u".", u"b"}));
+}
+
 TEST(Path, CutsAtTheSeparatorsGiven) {
     any::path path(u"a/b:c", u":", true);
     EXPECT_EQ(of(path), (elements{u"a/b", u"c"}));
