@@ -1,17 +1,14 @@
-// Single bytes and integers through the streams, in memory.
+// Single bytes through the streams, in memory.
 
 #include "bench/rows.h"
 #include "stream/array_output.h"
 #include "stream/buffered_input.h"
 #include "stream/buffered_output.h"
-#include "stream/endian_input.h"
-#include "stream/endian_output.h"
 #include "stream/vector_input.h"
 
 #include <benchmark/benchmark.h>
 
 #include <cstdio>
-#include <cstring>
 #include <istream>
 #include <ostream>
 #include <streambuf>
@@ -194,103 +191,5 @@ BENCHMARK(write_reference)->Name("byte writes, 16 MiB/socle, stream::output &");
 BENCHMARK(write_class)->Name("byte writes, 16 MiB/socle, the class itself");
 BENCHMARK(write_putc)->Name("byte writes, 16 MiB/putc_unlocked");
 BENCHMARK(write_put)->Name("byte writes, 16 MiB/ostream::put");
-
-/// Reads and writes of whole integers, `Value` being the width.
-template <class Value>
-Value read_value(stream::big_endian_input & in) {
-    if constexpr (sizeof(Value) == 2)
-        return in.read16();
-    else if constexpr (sizeof(Value) == 4)
-        return in.read32();
-    else
-        return in.read64();
-}
-
-template <class Value>
-Value swapped(Value value) {
-    if constexpr (sizeof(Value) == 2)
-        return __builtin_bswap16(value);
-    else if constexpr (sizeof(Value) == 4)
-        return __builtin_bswap32(value);
-    else
-        return __builtin_bswap64(value);
-}
-
-template <class Value>
-void read_integers(benchmark::State & state) {
-    uint32 const count = size / sizeof(Value);
-    for (auto _ : state) {
-        stream::vector_input memory(source_data());
-        stream::buffered_input buffered(memory, block);
-        stream::big_endian_input in(buffered);
-        Value sum = 0;
-        for (uint32 i = 0; i < count; ++i)
-            sum = static_cast<Value>(sum + read_value<Value>(in));
-        benchmark::DoNotOptimize(sum);
-    }
-    bytes_done(state, count);
-}
-
-template <class Value>
-void load_integers(benchmark::State & state) {
-    uint32 const count = size / sizeof(Value);
-    for (auto _ : state) {
-        char const * at = source_chars();
-        Value sum = 0;
-        for (uint32 i = 0; i < count; ++i, at += sizeof(Value)) {
-            Value value;
-            std::memcpy(&value, at, sizeof value);
-            sum = static_cast<Value>(sum + swapped(value));
-            benchmark::DoNotOptimize(sum);
-        }
-    }
-    bytes_done(state, count);
-}
-
-template <class Value>
-void write_integers(benchmark::State & state) {
-    uint32 const count = size / sizeof(Value);
-    for (auto _ : state) {
-        stream::array_output memory(target_data().data(), size);
-        stream::buffered_output buffered(memory, block);
-        stream::big_endian_output out(buffered);
-        for (uint32 i = 0; i < count; ++i) {
-            if constexpr (sizeof(Value) == 2)
-                out.write16(static_cast<Value>(i));
-            else if constexpr (sizeof(Value) == 4)
-                out.write32(i);
-            else
-                out.write64(i);
-        }
-    }
-    bytes_done(state, count);
-}
-
-template <class Value>
-void store_integers(benchmark::State & state) {
-    uint32 const count = size / sizeof(Value);
-    for (auto _ : state) {
-        char * at = target_data().data();
-        for (uint32 i = 0; i < count; ++i, at += sizeof(Value)) {
-            Value const value = swapped(static_cast<Value>(i));
-            std::memcpy(at, &value, sizeof value);
-            benchmark::DoNotOptimize(at);
-        }
-    }
-    bytes_done(state, count);
-}
-
-BENCHMARK(load_integers<uint16>)->Name("big-endian reads, u16/limit: load and swap");
-BENCHMARK(read_integers<uint16>)->Name("big-endian reads, u16/socle");
-BENCHMARK(load_integers<uint32>)->Name("big-endian reads, u32/limit: load and swap");
-BENCHMARK(read_integers<uint32>)->Name("big-endian reads, u32/socle");
-BENCHMARK(load_integers<uint64>)->Name("big-endian reads, u64/limit: load and swap");
-BENCHMARK(read_integers<uint64>)->Name("big-endian reads, u64/socle");
-BENCHMARK(store_integers<uint16>)->Name("big-endian writes, u16/limit: swap and store");
-BENCHMARK(write_integers<uint16>)->Name("big-endian writes, u16/socle");
-BENCHMARK(store_integers<uint32>)->Name("big-endian writes, u32/limit: swap and store");
-BENCHMARK(write_integers<uint32>)->Name("big-endian writes, u32/socle");
-BENCHMARK(store_integers<uint64>)->Name("big-endian writes, u64/limit: swap and store");
-BENCHMARK(write_integers<uint64>)->Name("big-endian writes, u64/socle");
 
 } // namespace

@@ -8,7 +8,8 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 need cmake=cmake ninja-build=ninja g++=g++ pkg-config=pkg-config python3=python3 \
     libbenchmark-dev=/usr/include/benchmark/benchmark.h libboost-dev=/usr/include/boost/crc.hpp \
     libprotobuf-dev=/usr/include/google/protobuf/io/coded_stream.h libabsl-dev=/usr/include/absl/strings/str_split.h \
-    libicu-dev=/usr/include/unicode/ucnv.h
+    libicu-dev=/usr/include/unicode/ucnv.h libpoco-dev=/usr/include/Poco/BinaryReader.h \
+    libcapnp-dev=/usr/include/kj/io.h qtbase5-dev=/usr/include/x86_64-linux-gnu/qt5/QtCore/QDataStream
 
 cmake --preset bench
 cmake --build --preset bench

@@ -1,0 +1,55 @@
+#include "bench/integers.h"
+
+#include <QBuffer>
+#include <QDataStream>
+
+namespace {
+
+QByteArray & memory() {
+    static QByteArray bytes(static_cast<int>(bench::integers_size), 'x');
+    return bytes;
+}
+
+template <class Value>
+void read(benchmark::State & state) {
+    for (auto _ : state) {
+        QBuffer buffer(&memory());
+        buffer.open(QIODevice::ReadOnly);
+        QDataStream in(&buffer);
+        Value sum = 0;
+        for (uint32 i = 0; i < bench::integers_size / sizeof(Value); ++i) {
+            Value value = 0;
+            in >> value;
+            sum = static_cast<Value>(sum + value);
+        }
+        benchmark::DoNotOptimize(sum);
+    }
+    bench::integers_done<Value>(state);
+}
+
+template <class Value>
+void write(benchmark::State & state) {
+    for (auto _ : state) {
+        QBuffer buffer(&memory());
+        buffer.open(QIODevice::ReadWrite);
+        QDataStream out(&buffer);
+        for (uint32 i = 0; i < bench::integers_size / sizeof(Value); ++i)
+            out << static_cast<Value>(i);
+    }
+    bench::integers_done<Value>(state);
+}
+
+template <class Value>
+void add_rows() {
+    bench::add(bench::integers_row<Value>("reads"), "QDataStream", read<Value>);
+    bench::add(bench::integers_row<Value>("writes"), "QDataStream", write<Value>);
+}
+
+[[maybe_unused]] bool const registered = [] {
+    add_rows<quint16>();
+    add_rows<quint32>();
+    add_rows<quint64>();
+    return true;
+}();
+
+} // namespace
