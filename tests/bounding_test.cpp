@@ -29,6 +29,10 @@ TEST(CountedInput, CountsWhatIsReadFromMemoryAndNotWhatFails) {
     stream::counted_input in(source, 100);
     EXPECT_EQ(stream::big_endian_input(in).read32(), 0x61626364u); // from memory, but counted
     EXPECT_EQ(in.tell(), 104u);
+    in.unread("CD", 2);
+    in.unread('B');
+    EXPECT_EQ(in.size(), 101u);
+    EXPECT_EQ(rest(in), "BCDe");
     support::failing_source failing(source, 1);
     stream::counted_input refused(failing, 5);
     EXPECT_THROW(refused.unread("ab", 2), failure);
@@ -103,6 +107,9 @@ TEST(SafeInput, ThrowsAtTheEnd) {
     stream::safe_input in(source);
     std::string const ended = "stream::safe_input: unexpected end of file";
     char block[8] = {};
+    EXPECT_EQ(in.read(block, 1), 1u);
+    EXPECT_EQ(in.skip(1), 1u);
+    in.unread("ab", 2);
     EXPECT_EQ(raised([&] { in.read(block, 5); }), ended);
     EXPECT_EQ(std::string(block, 4), "abcd");
     EXPECT_EQ(raised([&] { in.read(); }), ended);

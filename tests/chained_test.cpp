@@ -1,3 +1,4 @@
+#include "stream/multi_input.h"
 #include "stream/multi_output.h"
 #include "tests/support/streams.h"
 
@@ -8,8 +9,49 @@
 namespace {
 
 using support::failure;
+using support::fragment_source;
 using support::raised;
 using support::recording_target;
+using support::rest;
+
+struct series : stream::multi_input {
+    explicit series(std::vector<std::string> const & members) {
+        for (auto const & member : members)
+            sources.emplace_back(std::vector<std::string>{member});
+        if (!sources.empty())
+            under(sources[0]);
+    }
+    void next() override {
+        if (++at < sources.size())
+            under(sources[at]);
+        else
+            multi_input::next();
+    }
+    std::deque<fragment_source> sources;
+    std::size_t at = 0;
+};
+
+TEST(MultiInput, ReadsASeriesAsOne) {
+    for (std::vector<std::string> const & members :
+         {std::vector<std::string>{"ab", "", "cde"}, {"", "", "abcde"}, {"a", "b", "c", "d", "e"}}) {
+        series single(members), block(members), skipping(members);
+        EXPECT_EQ(rest(single), "abcde");
+        EXPECT_EQ(single.read(), -1);
+        EXPECT_EQ(single.tell(), 5u);
+        char data[10];
+        EXPECT_EQ(block.read(data, 0), 0u);
+        EXPECT_EQ(block.read(data, 10), 5u);
+        EXPECT_EQ(std::string(data, 5), "abcde");
+        EXPECT_EQ(block.tell(), 5u);
+        EXPECT_EQ(block.size(), all_ones);
+        EXPECT_EQ(skipping.skip(3), 3u);
+        EXPECT_EQ(rest(skipping), "de");
+        EXPECT_EQ(skipping.skip(1), 0u);
+    }
+    series none({});
+    EXPECT_EQ(none.read(), -1);
+    EXPECT_EQ(none.tell(), 0u);
+}
 
 /// Gives `limits.size()` targets; the n-th of all their writes fails.
 struct files : stream::multi_output {

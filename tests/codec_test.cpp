@@ -133,6 +133,13 @@ TEST(Fields, AreWrittenInOneBlockEach) {
     EXPECT_EQ(empty.data, "\xE2\x82\xAC\0"s);
 }
 
+TEST(Fields, MayEndWithTheirSource) {
+    fragment_source in({"ab\0\xC3\xA9"s});
+    EXPECT_EQ(nio::read_c(in, -3), u"ab");
+    EXPECT_EQ(nio::read_c(in, -3), u"\xE9");
+    EXPECT_EQ(nio::read_c(in, -3), u"");
+}
+
 TEST(Fields, NeedRoomForTheirBytes) {
     fragment_source in({"ab\ncd"});
     char storage[8];

@@ -64,10 +64,11 @@ TEST(CommandLine, DigestsOptionsAndParameters) {
 }
 
 TEST(CommandLine, FurtherKinds) {
-    program run({"--size=4294967295"});
-    EXPECT_FALSE(run.size.found());
+    program run({"-c=yes", "--size=4294967295"});
+    EXPECT_FALSE(run.letter.found());
     run.line.digest();
-    EXPECT_TRUE(run.size.found());
+    EXPECT_TRUE(run.letter.found());
+    EXPECT_EQ(run.letter(), 'y');
     EXPECT_EQ(run.size(), 0xFFFFFFFFu);
 }
 

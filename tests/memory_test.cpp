@@ -155,7 +155,8 @@ TEST(ArrayOutput, CopiesASourceThatFits) {
 TEST(VectorOutput, OverwritesThenGrows) {
     byte_vector vector = bytes("abcde");
     stream::vector_output out(vector);
-    out.write("01", 2);
+    out.write('0');
+    out.write("1", 1);
     EXPECT_EQ(text(vector), "01cde");
     out.write("234567", 6);
     EXPECT_EQ(text(vector), "01234567");

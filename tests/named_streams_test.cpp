@@ -208,6 +208,9 @@ TEST_F(named_streams_test, what_cannot_have_them) {
     ASSERT_EQ(mkfifo(path("pipe").c_str(), 0600), 0);
     EXPECT_NE(streams_->locate(path("pipe"), u"s", true, host), 0u);
     EXPECT_EQ(list(path("pipe")), names{});
+    host::fault = [](char const * call) { return std::string_view(call).ends_with("getxattr") ? ENOTSUP : 0; };
+    EXPECT_EQ(list(path("")), names{}) << "where another file system is mounted";
+    host::fault = nullptr;
     std::unique_ptr<named_streams> none;
     EXPECT_EQ(make_named_streams("/proc/self", none), ERROR_NOT_SUPPORTED);
     EXPECT_EQ(make_named_streams(path("missing"), none), ERROR_FILE_NOT_FOUND);

@@ -18,6 +18,36 @@ using support::raised;
 using support::recording_target;
 using support::rest;
 
+TEST(Input, WhatWasGivenBackComesFirst) {
+    fragment_source in({"abcdefghij"});
+    char block[16];
+    ASSERT_EQ(in.read(block, 4), 4u);
+    in.mark();
+    in.unread("XYZ", 3);
+    EXPECT_EQ(in.tell(), 1u);
+    EXPECT_EQ(in.drift(), all_ones - 2);
+    EXPECT_EQ(in.read(block, 0), 0u);
+    EXPECT_EQ(in.read(), 'X');
+    in.unread('x');
+    EXPECT_EQ(in.read(block, 2), 2u);
+    EXPECT_EQ(std::string(block, 2), "xY");
+    // More than was taken: the new bytes stand before the old one.
+    in.unread("12345", 5);
+    EXPECT_EQ(in.tell(), all_ones - 1);
+    EXPECT_EQ(in.read(block, 8), 8u);
+    EXPECT_EQ(std::string(block, 8), "12345Zef");
+    EXPECT_EQ(in.tell(), 6u);
+    in.unread("s", 1);
+    EXPECT_EQ(in.skip(0), 0u);
+    EXPECT_EQ(in.skip(3), 3u);
+    EXPECT_EQ(in.tell(), 8u);
+    in.unread("pq", 2);
+    recording_target out;
+    EXPECT_EQ(in.copy_to(out), 4u);
+    EXPECT_EQ(out.data, "pqij");
+    EXPECT_EQ(out.writes[0], 2u);
+}
+
 TEST(Input, SkipAndCopyEndWithTheSource) {
     auto const data = support::pattern(200000);
     auto source = support::dripping(data);

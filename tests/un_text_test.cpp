@@ -80,6 +80,10 @@ TEST(Parser, EndsTheScan) {
     un::parser blanks("   ", 0);
     blanks.skip_through(" ");
     EXPECT_TRUE(blanks.eos());
+    EXPECT_EQ(blanks.string(","), "");
+    blanks.skip_until("a");
+    blanks.skip_through("a");
+    EXPECT_TRUE(blanks.eos());
     un::parser missing("abc", 1);
     missing.skip_until("a");
     EXPECT_TRUE(missing.eos());

@@ -169,6 +169,12 @@ void prepare_streams(place const & where) {
     put_stream(u"N:\\f:AFP_AfpInfo", std::string(60, 'i'));
 }
 
+/// The store keeps a name of this length in a folder of its own.
+bool make_long_stream(place const &, report &) {
+    put_stream(u"N:\\g:" + wide_string(60, u'N'), "new");
+    return nio::file(u"N:\\g:" + wide_string(60, u'N'), 1).size() == 3;
+}
+
 /// M: is a copy of N: then, as tools make it that keep extended attributes, and knows its files anew.
 void prepare_copied_volume(place const & where) {
     prepare_streams(where);
@@ -222,6 +228,7 @@ scenario const table[] = {
      [](place const & where, report &) { return apply_info(where.here.path("file"), false); }},
     {"nio_info_goes_to_a_stream", promise::growing, prepare_streams,
      [](place const &, report &) { return apply_info(u"N:\\f", true); }, scenario::named_streams},
+    {"stream_of_a_long_name_is_made", promise::growing, prepare_streams, make_long_stream, scenario::named_streams},
     {"copied_volume_is_attached", promise::whole, prepare_copied_volume, attach_copied_volume, scenario::named_streams},
     {"nio_streams_are_backed_up", promise::growing, prepare_streams, back_up, scenario::named_streams},
 };
