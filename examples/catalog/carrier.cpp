@@ -141,6 +141,8 @@ carrier::~carrier() {
 }
 
 bool carrier::carry(file_record const & from, wide_string const & target, progress & shown, losses & lost) {
+    if (from.unclear)
+        fail("is not carried");
     if (kind_of(target) == entry_kind::file) {
         auto const there = look_at_made(target);
         if (there.data.size != from.data.size || there.resource.size != from.resource.size
@@ -178,7 +180,7 @@ bool carrier::carry(file_record const & from, wide_string const & target, progre
 }
 
 void carrier::make_folder(wide_string const & target) {
-    if (!nio::exists(target))
+    if (!is_there(target))
         io::directory(library_path(target)).create(false);
     if (kind_of(target) != entry_kind::folder)
         fail("is not carried: a file or a link is at " + shown_path(target));
@@ -209,7 +211,7 @@ file_record carrier::look_at_made(wide_string const & path) const {
     wide_string const rsrc = rsrc_name(form_, path), info = info_name(form_, path);
     if (form_ == fork_form::sidecar) {
         found.rsrc = leaf_if(found.kind == entry_kind::file, rsrc);
-        found.info = leaf_if(nio::exists(info) && is_info_header(info), info);
+        found.info = leaf_if(is_there(info) && is_info_header(info), info);
     } else if (form_ == fork_form::apple_double) {
         found.twin = leaf_if(true, rsrc);
     }
@@ -223,7 +225,7 @@ bool carrier::same_finder(file_record const & from, file_record const & made) co
 
 /// The file must not get a fork that is there already for another.
 void carrier::check_free(file_record const & from, wide_string const & target) const {
-    if (nio::exists(target))
+    if (is_there(target))
         fail("is not carried: a folder or a link is at " + shown_path(target));
     if (form_ == fork_form::stream)
         return;
@@ -336,7 +338,7 @@ void carrier::place(wide_string const & target, bool data) const {
     if (form_ != fork_form::stream) {
         for (auto const name : {rsrc_name, info_name}) {
             wide_string const from = name(form_, part_);
-            if (nio::exists(from) && (moves.empty() || moves.back().first != from))
+            if (is_there(from) && (moves.empty() || moves.back().first != from))
                 moves.emplace_back(from, name(form_, target));
         }
     }
@@ -356,7 +358,7 @@ void carrier::place(wide_string const & target, bool data) const {
         for (auto const & [from, to] : moves) {
             if (from != part_ && kind_of(to) == entry_kind::file && same_bytes(whole_file(from), whole_file(to)))
                 continue;
-            if (nio::exists(to))
+            if (is_there(to))
                 fail("is not carried: another file is at " + shown_path(to));
             io::item(library_path(from)).move(library_path(to));
             done.emplace_back(from, to);

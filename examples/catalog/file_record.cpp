@@ -65,9 +65,9 @@ void take_streams(file_record const & record, forks & to, wide_string const & le
     if (!nio::is_ntfs(record.path))
         return;
     auto const rsrc = nio::ntfs_rsrc_name(record.path), info = nio::ntfs_info_name(record.path);
-    if (!record.folder && nio::exists(rsrc))
+    if (!record.folder && is_there(rsrc))
         to.resource(whole_file(rsrc), shown(leaf) + ":AFP_Resource");
-    if (!nio::exists(info))
+    if (!is_there(info))
         return;
     if (auto const finder = read_finder_stream(info))
         to.finder(*finder, finder->size(), whole_file(info), shown(leaf) + ":AFP_AfpInfo");
@@ -104,11 +104,17 @@ file_record look_at(wide_string const & folder, entry const & found) {
 
     // With the sidecar come its dates, which are those of the file on the Macintosh.
     io::attributes attributes;
-    attributes.load(any::path(any::string(record.path), true), found.info.empty() ? 0 : 3);
+    bool const with_info = !found.info.empty() && !found.unclear;
+    attributes.load(any::path(any::string(record.path), true), with_info ? 3 : 0);
     record.created = attributes.created.value();
     record.modified = attributes.modified.value();
     record.bits = attributes.win32.value().flags;
 
+    if (found.unclear) {
+        record.unclear = true;
+        record.doubts.push_back("may have forks in a file that cannot be read");
+        return record;
+    }
     forks taken(record);
     take_streams(record, taken, found.leaf);
     if (!found.rsrc.empty())

@@ -4,6 +4,7 @@
 
 #include "io/directory.h"
 #include "nio/exception.h"
+#include "nio/filesystem_exception.h"
 #include "nio/item.h"
 #include "nio/path.h"
 #include "platform/host.h"
@@ -22,7 +23,14 @@ wide_string without(std::u16string_view ending, wide_string const & leaf) {
     return leaf.substr(0, leaf.size() - ending.size());
 }
 
-/// A walk shows a file once: the sidecars beside it, which it hides, are looked for by their names.
+/// Why `nio::exists` said no; else it could not look.
+bool nothing_is_there() {
+    uint32 const error = platform::last_error();
+    return error == 2 || error == 3 || error == 206;
+}
+
+/// A walk shows a file once: the sidecars beside it, which it hides, are looked for by their names. None at all if any
+/// of that fails: a file must not be taken for one without forks.
 std::set<wide_string> names_in(wide_string const & folder, uint32 & error) {
     constexpr uint32 end_of_search = 18;
     std::vector<wide_string> pending = {u""};
@@ -34,9 +42,13 @@ std::set<wide_string> names_in(wide_string const & folder, uint32 & error) {
 
     std::set<wide_string> names(pending.begin() + 1, pending.end());
     auto const look_for = [&](wide_string const & name) {
-        if (names.count(name) == 0 && nio::exists(nio::concatenate(folder, name, u'\\'))) {
+        if (names.count(name) != 0)
+            return;
+        if (nio::exists(nio::concatenate(folder, name, u'\\'))) {
             names.insert(name);
             pending.push_back(name);
+        } else if (!nothing_is_there()) {
+            error = platform::last_error();
         }
     };
     while (!pending.empty()) {
@@ -47,6 +59,8 @@ std::set<wide_string> names_in(wide_string const & folder, uint32 & error) {
         if (name.ends_with(rsrc))
             look_for(without(rsrc, name) + wide_string(info));
     }
+    if (error != 0)
+        names.clear();
     return names;
 }
 
@@ -61,7 +75,8 @@ wide_string * place_in(entry & owner, wide_string const & path, wide_string entr
                                                  : true;
         return real ? &(owner.*fork) : nullptr;
     } catch (nio::exception const &) {
-        return nullptr; // nobody may read it
+        owner.unclear = true;
+        return &(owner.*fork);
     }
 }
 
@@ -75,6 +90,13 @@ entry_kind kind_of(wide_string const & path) {
     case std::filesystem::file_type::symlink: return entry_kind::link;
     default: return entry_kind::other;
     }
+}
+
+bool is_there(wide_string const & path) {
+    bool const found = nio::exists(path);
+    if (!found && !nothing_is_there())
+        throw nio::filesystem_exception("cannot look at", path);
+    return found;
 }
 
 listing list_folder(wide_string const & folder) {

@@ -13,12 +13,14 @@ struct entry {
     entry_kind kind = entry_kind::file;
     /// `leaf.rsrc`, `leaf.info` and `._leaf`.
     wide_string rsrc, info, twin;
+    /// Whether one of these cannot be read, and so may be a file of its own.
+    bool unclear = false;
 };
 
 /// Everything that is in a folder.
 struct listing {
     std::vector<entry> entries;
-    /// The system's code if the walk ended before it was through, else 0.
+    /// The system's code if the walk ended before it was through, or a sidecar could not be looked for, else 0.
     uint32 error = 0;
 };
 
@@ -28,3 +30,6 @@ listing list_folder(wide_string const & folder);
 
 /// What the path of the library stands for. Links are not followed.
 entry_kind kind_of(wide_string const & path);
+
+/// Throws a `nio::exception` where it cannot be told.
+bool is_there(wide_string const & path);

@@ -1,6 +1,7 @@
 #include "side_files.h"
 
 #include "nio/file.h"
+#include "nio/filesystem_exception.h"
 #include "stream/array_input.h"
 #include "stream/endian_input.h"
 
@@ -9,10 +10,12 @@
 
 namespace {
 
-/// Up to `size` bytes from `offset` on.
+/// Up to `size` bytes from `offset` on, which lies in the file.
 byte_vector read_at(nio::file & file, uint64 offset, uint32 size) {
     byte_vector bytes(size);
-    bytes.resize(file.seek(offset) ? file.read(reinterpret_cast<char *>(bytes.data()), size) : 0);
+    if (!file.seek(offset))
+        throw nio::filesystem_exception("cannot read", file.path());
+    bytes.resize(file.read(reinterpret_cast<char *>(bytes.data()), size));
     return bytes;
 }
 
