@@ -84,7 +84,9 @@ int main(int argc, char ** argv) {
     try {
         command::line line(argc, argv);
         command::option<bool> xml(line, "--xml", false, "write an XML document");
-        command::option<narrow_string> unpacked(line, "--unpack", "", "unpack the files into this folder");
+        command::option<narrow_string> unpacked(line, "--unpack", "",
+                                                "unpack the files into this folder; a macbinary.part there is what a "
+                                                "killed run left, and can be deleted");
         command::option<narrow_string> packed(line, "--pack", "", "pack one file, with its side forks, into this one");
         command::option<bool> walk(line, "--walk", false, "show what is in folders, with side forks");
         command::option<bool> help(line, "--help|-h", false, "show this list");
