@@ -17,19 +17,33 @@ int (*fault)(char const * call) = nullptr;
 
 namespace {
 
-bool fails(char const * call) {
-    int const error = fault != nullptr ? fault(call) : 0;
-    if (error != 0) {
-        errno = error;
+int asked(char const * call) {
+    int const answer = fault != nullptr ? fault(call) : 0;
+    if (answer > 0) {
+        errno = answer;
     }
-    return error != 0;
+    return answer;
 }
+
+bool fails(char const * call) { return asked(call) > 0; }
 
 /// Makes a call again where a signal interrupts it.
 template <class Call>
 auto retried(char const * name, Call call) -> decltype(call()) {
     for (;;) {
         auto const result = fails(name) ? -1 : call();
+        if (result != -1 || errno != EINTR) {
+            return result;
+        }
+    }
+}
+
+/// Reads or writes `size` bytes, or fewer, by `call`, which takes their number.
+template <class Call>
+ssize_t transferred(char const * name, std::size_t size, Call call) {
+    for (;;) {
+        int const answer = asked(name);
+        ssize_t const result = answer > 0 ? -1 : call(answer == half ? (size + 1) / 2 : size);
         if (result != -1 || errno != EINTR) {
             return result;
         }
@@ -58,19 +72,19 @@ int status_flags(int file) { return fails("status_flags") ? -1 : ::fcntl(file, F
 int set_status_flags(int file, int flags) { return fails("set_status_flags") ? -1 : ::fcntl(file, F_SETFL, flags); }
 
 ssize_t read(int file, void * buffer, std::size_t size) {
-    return retried("read", [&] { return ::read(file, buffer, size); });
+    return transferred("read", size, [&](std::size_t count) { return ::read(file, buffer, count); });
 }
 
 ssize_t pread(int file, void * buffer, std::size_t size, off_t position) {
-    return retried("pread", [&] { return ::pread(file, buffer, size, position); });
+    return transferred("pread", size, [&](std::size_t count) { return ::pread(file, buffer, count, position); });
 }
 
 ssize_t pwrite(int file, void const * buffer, std::size_t size, off_t position) {
-    return retried("pwrite", [&] { return ::pwrite(file, buffer, size, position); });
+    return transferred("pwrite", size, [&](std::size_t count) { return ::pwrite(file, buffer, count, position); });
 }
 
 ssize_t write(int file, void const * buffer, std::size_t size) {
-    return retried("write", [&] { return ::write(file, buffer, size); });
+    return transferred("write", size, [&](std::size_t count) { return ::write(file, buffer, count); });
 }
 
 ssize_t write_quietly(int file, void const * buffer, std::size_t size) {

@@ -18,6 +18,9 @@ namespace platform::posix::host {
 /// `close` and `closedir` close all the same, as the host does. None at first.
 extern int (*fault)(char const * call);
 
+/// What `fault` may return as well: a call that reads or writes does so for half of the bytes, as a host may.
+constexpr int half = -1;
+
 /// The descriptor that stands for the working directory in the `at` calls.
 constexpr int here = AT_FDCWD;
 

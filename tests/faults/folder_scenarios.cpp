@@ -1,6 +1,5 @@
 #include "tests/faults/frame.h"
 
-#include "examples/macbinary/packing.h"
 #include "io/directory.h"
 #include "io/file.h"
 #include "nio/attributes.h"
@@ -10,7 +9,7 @@
 #include "nio/move.h"
 #include "platform/files.h"
 
-// Folders, moves, streams that move with their file, and the example that unpacks and packs.
+// Folders, moves, and streams that move with their file.
 
 namespace faults {
 
@@ -113,22 +112,6 @@ void prepare_streams(place const & where) {
 
 bool move_streams(wide_string target) { return !nio::move(u"N:\\f", target, true); }
 
-void prepare_packed(place const & where) {
-    where.here.write("packed.bin", [] {
-        std::ifstream in(TEST_SAMPLES "/both_forks.bin", std::ios::binary);
-        return std::string(std::istreambuf_iterator<char>(in), {});
-    }());
-    fs::create_directory(where.here.host("out"));
-}
-
-void prepare_unpacked(place const & where) {
-    prepare_packed(where);
-    fs::rename(unpack(where.here.host("packed.bin"), where.here.host("out")), where.here.host("out/made"));
-    for (fs::path const & side : fs::directory_iterator(where.here.host("out")))
-        if (side.has_extension())
-            fs::rename(side, where.here.host("out/made") + side.extension().string());
-}
-
 scenario const table[] = {
     {"nio_tree_is_removed", promise::stepwise, prepare_tree, remove_tree},
     {"io_tree_is_removed", promise::stepwise, prepare_tree, remove_tree_by_io},
@@ -157,15 +140,6 @@ scenario const table[] = {
      scenario::named_streams},
     {"one_stream_is_deleted", promise::stepwise, prepare_streams,
      [](place const &, report &) { return platform::DeleteFileW(u"N:\\f:note"); }, scenario::named_streams},
-    {"macbinary_unpacks", promise::whole, prepare_packed,
-     [](place const & where, report &) {
-         return unpack(where.here.host("packed.bin"), where.here.host("out")).size() > 0;
-     }},
-    {"macbinary_packs", promise::whole, prepare_unpacked,
-     [](place const & where, report &) {
-         pack(where.here.host("out/made"), where.here.host("again.bin"));
-         return true;
-     }},
 };
 
 } // namespace

@@ -52,11 +52,15 @@ struct scenario {
     /// Does the work and tells whether all of it was done; it may throw what the library throws.
     bool (*act)(place const &, report &);
     enum needs { nothing, another_file_system, named_streams } needed = nothing;
+    /// Whether doing it once more makes up for whatever a fault has left.
+    bool made_up_for = false;
 };
 
 std::span<scenario const> file_scenarios();
 std::span<scenario const> folder_scenarios();
 std::span<scenario const> memory_scenarios();
+std::span<scenario const> example_scenarios();
+std::span<scenario const> catalog_scenarios();
 
 /// Nothing fails while this lives.
 class uncounted {
@@ -67,7 +71,7 @@ public:
     ~uncounted();
 
 private:
-    int calls_;
+    int (*fault_)(char const * call);
     int allocations_;
 };
 
