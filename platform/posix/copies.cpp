@@ -196,9 +196,11 @@ uint32 move_link(resolved_path const & from, resolved_path const & to) {
     if (size < 0)
         return code_of(errno);
     target[size] = '\0';
+    // Asked for while there is no second link yet, since it may take memory.
+    narrow_string const folder = folder_of(to.host);
     if (host::symlink(target, to.host) != 0)
         return code_at(to.host, errno);
-    uint32 code = sync_folder(folder_of(to.host));
+    uint32 code = sync_folder(folder);
     if (code == 0 && host::unlink(from.host) != 0)
         code = code_of(errno);
     if (code != 0)

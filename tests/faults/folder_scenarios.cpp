@@ -9,6 +9,8 @@
 #include "nio/move.h"
 #include "platform/files.h"
 
+#include <sys/xattr.h>
+
 // Folders, moves, and streams that move with their file.
 
 namespace faults {
@@ -91,11 +93,25 @@ bool use_temporary(place const & where, report &) {
 
 void prepare_move(place const & where) {
     where.here.write("file", bytes);
+    setxattr(where.here.host("file").c_str(), "user.note", "goes along", 10, 0);
     where.here.write("._file", "sidecar");
     where.here.write("there", "there");
 }
 
 bool move_by_nio(place const & where, wide_string target) { return !nio::move(where.here.path("file"), target, true); }
+
+bool move_link(place const & where, report &) {
+    struct looking {
+        place const & where;
+        ~looking() {
+            uncounted const work;
+            bool const left = fs::is_symlink(where.here.host("tree/link"));
+            check(left != fs::is_symlink(where.there.host("moved")), "a link is lost, or there twice");
+        }
+    } const at_end{where};
+    wide_string target = where.there.path("moved");
+    return !nio::move(where.here.path("tree/link"), target, true);
+}
 
 bool move_by_io(place const & where, wide_string const & target) {
     io::item(library_path(where.here.path("file"))).move(library_path(target));
@@ -123,6 +139,7 @@ scenario const table[] = {
     {"nio_moves_across", promise::whole, prepare_move,
      [](place const & where, report &) { return move_by_nio(where, where.there.path("moved")); },
      scenario::another_file_system},
+    {"a_link_moves_across", promise::whole, prepare_tree, move_link, scenario::another_file_system},
     {"io_moves_within", promise::whole, prepare_move,
      [](place const & where, report &) { return move_by_io(where, where.here.path("moved")); }},
     {"io_moves_across", promise::whole, prepare_move,
