@@ -2,6 +2,7 @@
 #include "io/file.h"
 #include "io/fork_input.h"
 #include "io/fork_output.h"
+#include "nio/file.h"
 #include "support/scratch.h"
 
 #include <fcntl.h>
@@ -207,6 +208,11 @@ TEST_P(disk, fork_streams_seek_instead_of_reading) {
         out.write(std::string("a\0\xFF", 3));
         out.fill(97, 'z');
         EXPECT_EQ(out.tell(), 100u);
+        EXPECT_EQ(out.size(), 100u);
+        EXPECT_TRUE(out.seek(4));
+        out.write('y');
+        EXPECT_EQ(out.tell(), 5u);
+        out.seek(100);
     }
     EXPECT_EQ(fork.tell(), 100u); // still open
     {
@@ -220,6 +226,9 @@ TEST_P(disk, fork_streams_seek_instead_of_reading) {
         EXPECT_EQ(in.read(), 255);
         EXPECT_THROW(in.unread("wxyz", 4), stream::exception);
         EXPECT_EQ(in.tell(), 3u);
+        in.seek(3);
+        EXPECT_EQ(in.read(), 'z');
+        EXPECT_EQ(in.read(), 'y');
         in.seek(95);
         EXPECT_EQ(in.skip(10), 5u);
         EXPECT_EQ(in.read(), -1);
@@ -231,6 +240,34 @@ TEST_P(disk, fork_streams_seek_instead_of_reading) {
     io::fork_output(fork).close();
     EXPECT_FALSE(fork.descriptor().valid());
     EXPECT_EQ(files.read("f.rsrc"), "a");
+}
+
+TEST(forks, take_the_standard_streams) {
+    scratch const files;
+    files.write("typed", "typed");
+    int const before = dup(STDIN_FILENO);
+    auto const redirect = [&] {
+        int const file = open(files.host("typed").c_str(), O_RDONLY);
+        dup2(file, STDIN_FILENO);
+        close(file);
+    };
+    char bytes[6] = {};
+    io::file file;
+    redirect();
+    file.data_fork().open_stdin();
+    EXPECT_FALSE(file.data_fork().console());
+    EXPECT_EQ(file.data_fork().read(bytes, 5), 5u);
+    EXPECT_STREQ(bytes, "typed");
+    file.data_fork().close(true);
+    redirect();
+    nio::file wide(u"", 0);
+    wide.open_stdin();
+    EXPECT_EQ(wide.read(bytes, 2), 2u);
+    wide.close();
+    close(STDIN_FILENO);
+    EXPECT_EQ(thrown([&] { file.data_fork().open_stdin(); }).substr(0, 27), "io::fork: cannot open stdin");
+    dup2(before, STDIN_FILENO);
+    close(before);
 }
 
 } // namespace

@@ -237,8 +237,23 @@ TEST(nio_directory, shows_no_sidecars) {
     EXPECT_EQ(*copy, *it);
     ++copy;
     EXPECT_TRUE(copy->ends_with(u"\\.x"));
+    auto other = directory.end();
+    other = it;
+    EXPECT_EQ(*other, *it);
+    EXPECT_TRUE((other++)->ends_with(u"\\.x"));
     EXPECT_TRUE((++it) == directory.end());
     EXPECT_TRUE(nio::directory(folder.path("none")).begin() == directory.end());
+}
+
+TEST(nio_directory, has_room_for_temporary_ones) {
+    scratch const folder;
+    nio::directory made;
+    made.create_temp(folder.path("new"));
+    nio::file file(u"", 0);
+    file.create_temp(made.path());
+    EXPECT_TRUE(file.is_open());
+    EXPECT_TRUE(file.path().starts_with(made.path() + u'\\'));
+    EXPECT_TRUE(made.path().starts_with(folder.path("new") + u'\\'));
 }
 
 TEST(nio_directory, is_emptied_but_not_through_links) {

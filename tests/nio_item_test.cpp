@@ -1,3 +1,4 @@
+#include "io/item.h"
 #include "nio/filesystem_exception.h"
 #include "nio/fork_names.h"
 #include "nio/item.h"
@@ -86,6 +87,9 @@ TEST_F(nio_item, make_absolute) {
     EXPECT_EQ(nio::make_absolute(u"\\a/b\\.\\c\\..\\d"), u"C:\\a\\b\\d");
     EXPECT_EQ(nio::make_absolute(u"N:a"), u"N:\\a");
     EXPECT_EQ(nio::make_absolute(u""), u"");
+    io::item item(any::path(u"N:a\\..\\b", true));
+    item.make_absolute();
+    EXPECT_EQ(item.path().full_string(), u"N:\\b");
 }
 
 TEST_F(nio_item, make_unique) {
@@ -114,6 +118,19 @@ TEST_F(nio_item, links) {
     EXPECT_EQ(nio::resolve_link(path_ + u"x.Lnk"), u"C:\\socle\\Gr\xf6\xdf\x65 \xe9t\xe9.txt");
     for (char16_t const * name : {u"x", u"broken.lnk", u"missing.lnk"})
         EXPECT_EQ(nio::resolve_link(path_ + name), path_ + name);
+    struct {
+        char16_t const * name;
+        bool link, resolved;
+        wide_string path;
+    } const items[] = {{u"x.Lnk", true, true, u"C:\\socle\\Gr\xf6\xdf\x65 \xe9t\xe9.txt"},
+                       {u"x", false, true, path_ + u"x"},
+                       {u"broken.lnk", true, false, path_ + u"broken.lnk"}};
+    for (auto const & i : items) {
+        io::item item(any::path(path_ + i.name, true));
+        EXPECT_EQ(item.link(), i.link);
+        EXPECT_EQ(item.resolve_link(), i.resolved);
+        EXPECT_EQ(item.path().full_string(), i.path);
+    }
 }
 
 TEST_F(nio_item, temp_directory) {
