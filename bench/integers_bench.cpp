@@ -141,11 +141,11 @@ void add_rows() {
     using bench::add;
     std::string const reads = bench::integers_row<Value>("reads"), writes = bench::integers_row<Value>("writes");
     add(reads, "limit: load and swap", load<Value, char const *>);
-    add(reads, "the same, the place in memory", load<Value, char const * volatile>);
+    add(reads, "limit with its place in memory", load<Value, char const * volatile>);
     add(reads, "socle, memory beneath", read_memory<Value>);
     add(reads, "socle, a buffer beneath", read_buffer<Value>);
     add(writes, "limit: swap and store", store<Value, char *>);
-    add(writes, "the same, the place in memory", store<Value, char * volatile>);
+    add(writes, "limit with its place in memory", store<Value, char * volatile>);
     add(writes, "socle, memory beneath", write_memory<Value>);
     add(writes, "socle, a buffer beneath", write_buffer<Value>);
 }

@@ -35,7 +35,7 @@ public:
         std::printf("\n%-34s %-34s %10s %8s\n", "row", "competitor", "ns/item", "x limit");
         for (auto & [name, competitors] : rows_) {
             auto const limit = std::find_if(competitors.begin(), competitors.end(),
-                                            [](auto const & c) { return c.name.starts_with("limit"); });
+                                            [](auto const & c) { return c.name.starts_with("limit:"); });
             double const unit = limit != competitors.end() ? limit->nanoseconds : competitors.front().nanoseconds;
             std::sort(competitors.begin(), competitors.end(),
                       [](auto const & a, auto const & b) { return a.nanoseconds < b.nanoseconds; });

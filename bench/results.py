@@ -61,8 +61,8 @@ def table(full, tenth):
     print("| row | competitor | ns an item | × limit | × best peer | × at a tenth | bytes allocated |")
     print("|---|---|---:|---:|---:|---:|---:|")
     for row, competitors in full.items():
-        limit = find(competitors, "limit")
-        peers = [time for who, (time, _) in competitors.items() if not is_ours(who) and who != limit]
+        limit = find(competitors, "limit:")
+        peers = [time for who, (time, _) in competitors.items() if not is_ours(who) and not who.startswith("limit")]
         for who, (time, allocated) in sorted(competitors.items(), key=lambda entry: entry[1][0]):
             against_limit = f"{time / competitors[limit][0]:.2f}" if limit else ""
             against_peer = f"{time / min(peers):.2f}" if peers and is_ours(who) else ""
@@ -82,7 +82,7 @@ def judge(full):
         causes.setdefault(row, cause)
         competitors = full.get(row, {})
         absolute = other in ("ns", "ms more")
-        unit = find(competitors, other if other and not absolute else "limit")
+        unit = find(competitors, other if other and not absolute else "limit:")
         if who not in competitors or (unit is None and other != "ns"):
             missed.append(f"- {row}, {who}: not measured")
             continue

@@ -61,8 +61,7 @@ void append_utf16(wide_string & text, char32_t c) {
 
 /// `append(text, c)` adds a character, or says that its bytes count as bad ones.
 template <typename Append>
-wide_string decode(std::string_view host, Append append) {
-    wide_string text;
+void decode(std::string_view host, wide_string & text, Append append) {
     while (!host.empty()) {
         char32_t c = 0;
         std::size_t const size = decode_utf8(host, c);
@@ -74,7 +73,6 @@ wide_string decode(std::string_view host, Append append) {
         text += static_cast<char16_t>(bad_byte + static_cast<unsigned char>(host[0]));
         host.remove_prefix(1);
     }
-    return text;
 }
 
 } // namespace
@@ -106,8 +104,8 @@ bool to_host_name(std::u16string_view name, narrow_string & host) {
     return true;
 }
 
-wide_string from_host_name(std::string_view host) {
-    return decode(host, [](wide_string & name, char32_t c) {
+void append_host_name(std::string_view host, wide_string & text) {
+    decode(host, text, [](wide_string & name, char32_t c) {
         if (c == host_backslash || c == host_colon) {
             return false;
         }
@@ -116,11 +114,19 @@ wide_string from_host_name(std::string_view host) {
     });
 }
 
+wide_string from_host_name(std::string_view host) {
+    wide_string name;
+    append_host_name(host, name);
+    return name;
+}
+
 wide_string from_host_text(std::string_view host) {
-    return decode(host, [](wide_string & text, char32_t c) {
+    wide_string all;
+    decode(host, all, [](wide_string & text, char32_t c) {
         append_utf16(text, c);
         return true;
     });
+    return all;
 }
 
 } // namespace platform::posix

@@ -14,6 +14,8 @@ namespace platform::posix {
 /// False for a name that no host name stands for: a NUL, a separator, a colon, a lone surrogate but 0xDC80 to 0xDCFF.
 bool to_host_name(std::u16string_view name, narrow_string & host);
 wide_string from_host_name(std::string_view host);
+/// The same, behind what `text` holds.
+void append_host_name(std::string_view host, wide_string & text);
 
 /// The host's text that is not a name: what cannot be decoded as above, and everything else as it is.
 wide_string from_host_text(std::string_view host);
