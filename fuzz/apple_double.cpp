@@ -12,8 +12,8 @@ void compare(std::string_view file, uint32 id) {
     byte_vector const bytes = fuzz::vector_of(file);
     stream::vector_input memory(bytes);
     fuzz::unlent plain(file);
-    uint32 wanted = 7, first = 7, second = 7;
-    bool const found = fuzz::find_entry(file, id, wanted);
+    uint32 wanted = 7, first = 7, second = 7, room = 0;
+    bool const found = fuzz::find_entry(file, id, wanted, room);
     fuzz::check(nio::apple_double::find_entry(memory, id, first) == found && first == wanted);
     fuzz::check(nio::apple_double::find_entry(plain, id, second) == found && second == wanted);
 }

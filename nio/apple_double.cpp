@@ -32,6 +32,23 @@ bool read_whole(input & file, unsigned char * bytes, uint32 size) {
     return file.read(reinterpret_cast<char *>(bytes), size) == size;
 }
 
+/// The first entry `id` of `count`.
+bool find(input & file, uint32 id, entry & found, uint32 & count) {
+    unsigned char bytes[head_size];
+    if (!read_whole(file, bytes, head_size) || !std::equal(signature.begin(), signature.end(), bytes))
+        return false;
+    count = bytes[count_offset] * 256u + bytes[count_offset + 1];
+    for (uint32 i = 0; i < count; ++i) {
+        unsigned char stored[entry_size];
+        if (!read_whole(file, stored, entry_size))
+            return false;
+        found = {number(stored), number(stored + 4), number(stored + 8)};
+        if (found.id == id)
+            return true;
+    }
+    return false;
+}
+
 } // namespace
 
 head_bytes head() {
@@ -49,20 +66,21 @@ head_bytes head() {
 }
 
 bool find_entry(input & file, uint32 id, uint32 & offset) {
-    unsigned char bytes[head_size];
-    if (!read_whole(file, bytes, head_size) || !std::equal(signature.begin(), signature.end(), bytes))
+    entry found;
+    uint32 count;
+    if (!find(file, id, found, count))
         return false;
-    unsigned const count = bytes[count_offset] * 256u + bytes[count_offset + 1];
-    for (unsigned i = 0; i < count; ++i) {
-        unsigned char stored[entry_size];
-        if (!read_whole(file, stored, entry_size))
-            return false;
-        if (number(stored) == id) {
-            offset = number(stored + 4);
-            return true;
-        }
-    }
-    return false;
+    offset = found.offset;
+    return true;
+}
+
+bool find_room(input & file, uint32 id, uint32 size, uint32 & offset) {
+    entry found;
+    uint32 count;
+    if (!find(file, id, found, count) || found.length < size || found.offset < head_size + count * entry_size)
+        return false;
+    offset = found.offset;
+    return true;
 }
 
 } // namespace nio::apple_double

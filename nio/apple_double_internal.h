@@ -30,5 +30,8 @@ head_bytes head();
 /// Looks for entry `id` in a file that stands at its start. True if `offset` tells where the first one lies; false if
 /// there is none, or the file is no AppleDouble file.
 bool find_entry(input & file, uint32 id, uint32 & offset);
+/// The same, but false as well if the entry cannot be written over with `size` bytes: it is shorter, or lies where the
+/// entries themselves do.
+bool find_room(input & file, uint32 id, uint32 size, uint32 & offset);
 
 } // namespace nio::apple_double

@@ -120,8 +120,9 @@ void attributes::apply(item & to, bool write_info, bool allow_ntfs) const {
         return;
     }
     if (uint32 offset; info.is_open() && info.size() > 0) {
-        // Another program's sidecar may have its data anywhere.
-        if (!apple_double::find_entry(info, apple_double::finder_info_id, offset) || !info.seek(offset)) {
+        // Another program's sidecar may have its data anywhere, and a damaged one in the place of something else.
+        if (!apple_double::find_room(info, apple_double::finder_info_id, uint32(finder_info.size()), offset)
+            || !info.seek(offset)) {
             SetLastError(ERROR_INVALID_DATA);
             throw filesystem_exception("cannot write", name);
         }

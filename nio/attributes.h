@@ -24,7 +24,8 @@ public:
     /// With `write_info`, it also gets the Finder information: in a stream of the file if `allow_ntfs` and the volume
     /// has streams, else in the sidecar, which may be made for it under the normalized name of the file. Of a sidecar
     /// that is there only its Finder information changes, wherever it keeps that. Throws `nio::filesystem_exception`,
-    /// "cannot write" or "cannot create"; "cannot write" also for a sidecar of another kind, which is left as it is.
+    /// "cannot write" or "cannot create"; "cannot write" also for a sidecar of another kind or without room for the
+    /// information, which is left as it is.
     void apply(item & to, bool write_info, bool allow_ntfs) const;
 
     /// Whether the file may not be written.

@@ -369,6 +369,14 @@ TEST(nio_attributes, change_only_the_information_of_a_sidecar) {
         EXPECT_EQ(raised([&] { set.apply(item, true, false); }), "cannot write");
         EXPECT_EQ(folder.read("._f"), other);
     }
+    // An entry that is too short, and one that lies over the entries.
+    for (auto const & [at, byte] : {std::pair{49, '\x10'}, std::pair{45, '\x28'}}) {
+        std::string damaged = foreign;
+        damaged[static_cast<std::size_t>(at)] = byte;
+        folder.write("._f", damaged);
+        EXPECT_EQ(raised([&] { set.apply(item, true, false); }), "cannot write");
+        EXPECT_EQ(folder.read("._f"), damaged);
+    }
     folder.write("._f", "");
     set.apply(item, true, false);
     EXPECT_EQ(folder.read("._f").size(), 82u);
