@@ -12,6 +12,24 @@ std::string integers_row(char const * direction) {
     return std::string("big-endian ") + direction + ", u" + std::to_string(8 * sizeof(Value));
 }
 
+/// Reads all integers of a row with a peer's operator.
+template <class Value, class Reader>
+void read_integers(Reader & in) {
+    Value sum = 0;
+    for (uint32 i = 0; i < integers_size / sizeof(Value); ++i) {
+        Value value = 0;
+        in >> value;
+        sum = static_cast<Value>(sum + value);
+    }
+    benchmark::DoNotOptimize(sum);
+}
+
+template <class Value, class Writer>
+void write_integers(Writer & out) {
+    for (uint32 i = 0; i < integers_size / sizeof(Value); ++i)
+        out << static_cast<Value>(i);
+}
+
 template <class Value>
 void integers_done(benchmark::State & state) {
     state.SetItemsProcessed(static_cast<int64>(state.iterations() * (integers_size / sizeof(Value))));

@@ -16,13 +16,7 @@ void read(benchmark::State & state) {
         QBuffer buffer(&memory());
         buffer.open(QIODevice::ReadOnly);
         QDataStream in(&buffer);
-        Value sum = 0;
-        for (uint32 i = 0; i < bench::integers_size / sizeof(Value); ++i) {
-            Value value = 0;
-            in >> value;
-            sum = static_cast<Value>(sum + value);
-        }
-        benchmark::DoNotOptimize(sum);
+        bench::read_integers<Value>(in);
     }
     bench::integers_done<Value>(state);
 }
@@ -33,8 +27,7 @@ void write(benchmark::State & state) {
         QBuffer buffer(&memory());
         buffer.open(QIODevice::ReadWrite);
         QDataStream out(&buffer);
-        for (uint32 i = 0; i < bench::integers_size / sizeof(Value); ++i)
-            out << static_cast<Value>(i);
+        bench::write_integers<Value>(out);
     }
     bench::integers_done<Value>(state);
 }

@@ -19,13 +19,7 @@ void read(benchmark::State & state) {
     for (auto _ : state) {
         Poco::MemoryInputStream stream(memory().data(), static_cast<std::streamsize>(memory().size()));
         Poco::BinaryReader in(stream, Poco::BinaryReader::BIG_ENDIAN_BYTE_ORDER);
-        Value sum = 0;
-        for (uint32 i = 0; i < bench::integers_size / sizeof(Value); ++i) {
-            Value value = 0;
-            in >> value;
-            sum = static_cast<Value>(sum + value);
-        }
-        benchmark::DoNotOptimize(sum);
+        bench::read_integers<Value>(in);
     }
     bench::integers_done<Value>(state);
 }
@@ -35,8 +29,7 @@ void write(benchmark::State & state) {
     for (auto _ : state) {
         Poco::MemoryOutputStream stream(memory().data(), static_cast<std::streamsize>(memory().size()));
         Poco::BinaryWriter out(stream, Poco::BinaryWriter::BIG_ENDIAN_BYTE_ORDER);
-        for (uint32 i = 0; i < bench::integers_size / sizeof(Value); ++i)
-            out << static_cast<Value>(i);
+        bench::write_integers<Value>(out);
     }
     bench::integers_done<Value>(state);
 }
