@@ -40,7 +40,7 @@ void path::set(string const & text, bool skip_dots) {
     for (std::size_t start = 0; start <= text.size();) {
         std::size_t const end = find_separator(text, start);
         if (!skip_dots || end - start != 1 || text[start] != u'.') {
-            elements.emplace_back(text.substr(start, end - start));
+            elements.emplace_back().assign(text, start, end - start);
         }
         start = end + 1;
     }
