@@ -215,7 +215,10 @@ file_record carrier::look_at_made(wide_string const & path) const {
     } else if (form_ == fork_form::apple_double) {
         found.twin = leaf_if(true, rsrc);
     }
-    return look_at(nio::stem(path, u'\\'), found);
+    auto const made = look_at(nio::stem(path, u'\\'), found);
+    if (made.unclear)
+        fail("cannot be read back from " + shown_path(path));
+    return made;
 }
 
 bool carrier::same_finder(file_record const & from, file_record const & made) const {

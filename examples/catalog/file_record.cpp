@@ -3,6 +3,7 @@
 #include "common/host_text.h"
 
 #include "io/attributes.h"
+#include "nio/exception.h"
 #include "nio/file.h"
 #include "nio/fork_names.h"
 #include "nio/item.h"
@@ -115,15 +116,20 @@ file_record look_at(wide_string const & folder, entry const & found) {
         record.doubts.push_back("may have forks in a file that cannot be read");
         return record;
     }
-    forks taken(record);
-    take_streams(record, taken, found.leaf);
-    if (!found.rsrc.empty())
-        taken.resource(whole_file(beside(found.rsrc)), shown(found.rsrc));
-    if (attributes.mac_file.present())
-        taken.finder(stored(attributes.mac_file.value().info), sidecar_finder_size, whole_file(beside(found.info)),
-                     shown(found.info));
-    if (!found.twin.empty())
-        take_twin(beside(found.twin), taken, shown(found.twin));
+    try {
+        forks taken(record);
+        take_streams(record, taken, found.leaf);
+        if (!found.rsrc.empty())
+            taken.resource(whole_file(beside(found.rsrc)), shown(found.rsrc));
+        if (attributes.mac_file.present())
+            taken.finder(stored(attributes.mac_file.value().info), sidecar_finder_size, whole_file(beside(found.info)),
+                         shown(found.info));
+        if (!found.twin.empty())
+            take_twin(beside(found.twin), taken, shown(found.twin));
+    } catch (nio::exception const & e) {
+        record.unclear = true;
+        record.doubts.push_back("may have forks that cannot be read: " + readable_path(e.message()));
+    }
     return record;
 }
 

@@ -18,7 +18,7 @@ struct file_record {
     nio::time created, modified;
     /// Attribute bits, as in `nio::attributes`.
     uint32 bits = 0;
-    /// Whether it may have a fork in a file that cannot be read.
+    /// Whether it may have a fork that cannot be read.
     bool unclear = false;
     /// What is there besides, and is not told here.
     std::vector<narrow_string> doubts;

@@ -187,9 +187,13 @@ fi
 if [ "$(id -u)" != 0 ]; then
     mkdir half
     mkdir -m 0 half/closed
+    printf 'data' >half/unread && chmod 0 half/unread
     carry 1 sidecar half open
-    grep -q 'half/closed was not walked to its end' err
     chmod 700 half/closed
+    grep -q 'half/closed was not walked to its end' err
+    grep -q 'half/closed may have forks that cannot be read' err
+    grep -q 'half/unread cannot open file' err
+    grep -q '<folder name="closed"' carried.xml && [ -z "$(find open -type f)" ]
 fi
 if command -v script >/dev/null; then
     script -qec "'$program' --to=bar from" /dev/null </dev/null | grep '\[#*\.*\] [0-9]*%' >/dev/null
