@@ -107,10 +107,9 @@ phase 'AddressSanitizer and UndefinedBehaviorSanitizer'
 build asan
 run_tests ctest --preset asan
 
-phase 'ThreadSanitizer: what any thread may use at any time'
-cmake --preset tsan
-cmake --build --preset tsan --target threads_test
-run_tests ctest --preset tsan -R '^threads\.'
+phase 'ThreadSanitizer'
+build tsan
+run_tests ctest --preset tsan
 
 phase 'each fuzzer for some seconds'
 scripts/fuzz.sh 4
