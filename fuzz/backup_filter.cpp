@@ -3,6 +3,7 @@
 #include "fuzz/support/feed.h"
 #include "nio/backup_filter_internal.h"
 
+#include <algorithm>
 #include <cstring>
 #include <stdexcept>
 
@@ -10,7 +11,7 @@ namespace {
 
 using fuzz::check;
 
-/// A sequence in memory. What is read as a record's head tells where its data ends.
+/// A sequence in memory. What is read as a record's head tells where its data ends, at the latest with the sequence.
 class sequence : public nio::record_source {
 public:
     explicit sequence(std::string_view bytes) : bytes_(bytes) {}
@@ -19,7 +20,7 @@ public:
         done = static_cast<uint32>(std::min<std::size_t>(size, bytes_.size() - at_));
         std::memcpy(buffer, bytes_.data() + at_, done);
         if (at_ == data_end_ && done == 20)
-            data_end_ = at_ + 20 + number(at_ + 16, 4) + number(at_ + 8, 8);
+            data_end_ = at_ + 20 + number(at_ + 16, 4) + std::min<uint64>(number(at_ + 8, 8), bytes_.size());
         at_ += done;
         return true;
     }
