@@ -51,7 +51,7 @@ outcome filtered(std::string_view bytes, std::string_view sizes) {
     outcome result;
     try {
         for (std::size_t turn = 0;; ++turn) {
-            uint32 const size = sizes.empty() ? 4096 : static_cast<unsigned char>(sizes[turn % sizes.size()]) + 1u;
+            uint32 const size = fuzz::block_size(sizes, turn);
             narrow_string block(size, '\xDD');
             uint32 const got = filter.read(source, block.data(), size);
             check(got <= size && block.find_first_not_of('\xDD', got) == block.npos);

@@ -114,7 +114,7 @@ uint32 restore(std::string_view sequence, contents & file) {
 uint32 write_all(memory_file const & file, std::string_view sequence, std::string_view sizes) {
     posix::backup_writer writer;
     for (std::size_t turn = 0; !sequence.empty(); ++turn) {
-        std::size_t const step = sizes.empty() ? 4096 : static_cast<unsigned char>(sizes[turn % sizes.size()]) + 1u;
+        uint32 const step = fuzz::block_size(sizes, turn);
         auto const block = sequence.substr(0, step);
         uint32 done = 0;
         uint32 const code = writer.write(file.shown(), block.data(), static_cast<uint32>(block.size()), done);
@@ -132,7 +132,7 @@ narrow_string read_all(memory_file const & file, std::string_view sizes) {
     posix::backup_reader reader;
     narrow_string all;
     for (std::size_t turn = 0;; ++turn) {
-        uint32 const size = sizes.empty() ? 4096 : static_cast<unsigned char>(sizes[turn % sizes.size()]) + 1u;
+        uint32 const size = fuzz::block_size(sizes, turn);
         narrow_string block(size, '\0');
         uint32 done = 0;
         check(reader.read(file.shown(), block.data(), size, done) == 0 && done <= size);

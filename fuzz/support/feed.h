@@ -79,6 +79,11 @@ private:
     std::string_view left_;
 };
 
+/// How much is handed over in a turn: each byte of `sizes` says so by one less, turn by turn; 4096 if there are none.
+inline uint32 block_size(std::string_view sizes, std::size_t turn) {
+    return sizes.empty() ? 4096 : static_cast<unsigned char>(sizes[turn % sizes.size()]) + 1u;
+}
+
 inline byte_vector vector_of(std::string_view bytes) { return {bytes.begin(), bytes.end()}; }
 
 } // namespace fuzz
