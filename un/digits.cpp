@@ -76,10 +76,11 @@ uint64 read(narrow_string const & text, int radix) {
         return result;
     }
     for (char const c : text) {
-        if (!is_digit(c, 16)) {
+        int const value = value_of(c);
+        if (value >= 16) {
             break;
         }
-        result = result * static_cast<uint64>(radix) + from_digit(c, 16);
+        result = result * static_cast<uint64>(radix) + static_cast<uint64>(value);
     }
     return result;
 }
