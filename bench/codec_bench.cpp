@@ -1,8 +1,8 @@
 // UTF-8 and code pages on long texts, beside the C library's conversions.
 
 #include "bench/codec_data.h"
-#include "nio/encoding.h"
-#include "nio/utf8.h"
+#include "socle/nio/encoding.h"
+#include "socle/nio/utf8.h"
 
 #include <benchmark/benchmark.h>
 

@@ -1,7 +1,7 @@
 #include "bench/codes_data.h"
-#include "nio/integer_codes.h"
-#include "stream/array_input.h"
-#include "stream/array_output.h"
+#include "socle/nio/integer_codes.h"
+#include "socle/stream/array_input.h"
+#include "socle/stream/array_output.h"
 
 #include <benchmark/benchmark.h>
 

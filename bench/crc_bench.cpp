@@ -1,5 +1,5 @@
-#include "algorithm/crc.h"
 #include "bench/rows.h"
+#include "socle/algorithm/crc.h"
 
 #include <benchmark/benchmark.h>
 

@@ -2,12 +2,12 @@
 
 #include "bench/rows.h"
 #include "bench/scratch.h"
-#include "io/fork_input.h"
-#include "io/fork_output.h"
-#include "stream/buffered_input.h"
-#include "stream/buffered_output.h"
-#include "stream/copier.h"
-#include "stream/line_input.h"
+#include "socle/io/fork_input.h"
+#include "socle/io/fork_output.h"
+#include "socle/stream/buffered_input.h"
+#include "socle/stream/buffered_output.h"
+#include "socle/stream/copier.h"
+#include "socle/stream/line_input.h"
 
 #include <cstdio>
 #include <cstring>

@@ -1,12 +1,12 @@
 // Integers through the streams, in memory.
 
 #include "bench/integers.h"
-#include "stream/array_input.h"
-#include "stream/array_output.h"
-#include "stream/buffered_input.h"
-#include "stream/buffered_output.h"
-#include "stream/endian_input.h"
-#include "stream/endian_output.h"
+#include "socle/stream/array_input.h"
+#include "socle/stream/array_output.h"
+#include "socle/stream/buffered_input.h"
+#include "socle/stream/buffered_output.h"
+#include "socle/stream/endian_input.h"
+#include "socle/stream/endian_output.h"
 
 #include <cstring>
 

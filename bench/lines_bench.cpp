@@ -1,12 +1,12 @@
 // Lines of about 60 bytes, and copies, in memory.
 
 #include "bench/rows.h"
-#include "stream/array_input.h"
-#include "stream/array_output.h"
-#include "stream/buffered_input.h"
-#include "stream/copier.h"
-#include "stream/line_input.h"
-#include "stream/vector_input.h"
+#include "socle/stream/array_input.h"
+#include "socle/stream/array_output.h"
+#include "socle/stream/buffered_input.h"
+#include "socle/stream/copier.h"
+#include "socle/stream/line_input.h"
+#include "socle/stream/vector_input.h"
 
 #include <benchmark/benchmark.h>
 

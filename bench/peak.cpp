@@ -3,12 +3,12 @@
 //     socle_peak copy <from> <to>              copies a data fork
 
 #include "bench/scratch.h"
-#include "io/directory.h"
-#include "io/fork_input.h"
-#include "io/fork_output.h"
-#include "nio/attributes.h"
-#include "nio/directory.h"
-#include "stream/copier.h"
+#include "socle/io/directory.h"
+#include "socle/io/fork_input.h"
+#include "socle/io/fork_output.h"
+#include "socle/nio/attributes.h"
+#include "socle/nio/directory.h"
+#include "socle/stream/copier.h"
 
 #include <cstdio>
 #include <fstream>

@@ -2,10 +2,10 @@
 
 #include "bench/codes_data.h"
 #include "bench/pieces_data.h"
-#include "stream/filter_input.h"
-#include "stream/vector_input.h"
-#include "un/digits.h"
-#include "un/tokenizer.h"
+#include "socle/stream/filter_input.h"
+#include "socle/stream/vector_input.h"
+#include "socle/un/digits.h"
+#include "socle/un/tokenizer.h"
 
 #include <charconv>
 #include <cstdio>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "io/file.h"
-#include "platform/host.h"
+#include "socle/io/file.h"
+#include "socle/platform/host.h"
 
 #include <filesystem>
 #include <fstream>

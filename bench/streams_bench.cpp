@@ -1,10 +1,10 @@
 // Single bytes through the streams, in memory.
 
 #include "bench/rows.h"
-#include "stream/array_output.h"
-#include "stream/buffered_input.h"
-#include "stream/buffered_output.h"
-#include "stream/vector_input.h"
+#include "socle/stream/array_output.h"
+#include "socle/stream/buffered_input.h"
+#include "socle/stream/buffered_output.h"
+#include "socle/stream/vector_input.h"
 
 #include <benchmark/benchmark.h>
 

@@ -1,7 +1,7 @@
 // Paths cut and joined, and patterns matched, over 100,000 names each.
 
-#include "any/path.h"
 #include "bench/rows.h"
+#include "socle/any/path.h"
 
 #include <benchmark/benchmark.h>
 

@@ -2,9 +2,9 @@
 
 #include "bench/rows.h"
 #include "bench/scratch.h"
-#include "io/directory.h"
-#include "nio/attributes.h"
-#include "nio/directory.h"
+#include "socle/io/directory.h"
+#include "socle/nio/attributes.h"
+#include "socle/nio/directory.h"
 
 #include <dirent.h>
 #include <fcntl.h>

@@ -9,7 +9,7 @@ install(
     LIBRARY COMPONENT runtime NAMELINK_COMPONENT development
     ARCHIVE COMPONENT development
     FILE_SET HEADERS
-    DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/socle"
+    DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}"
     COMPONENT development
 )
 install(

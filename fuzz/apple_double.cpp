@@ -3,8 +3,8 @@
 #include "fuzz/support/apple_double.h"
 #include "fuzz/support/feed.h"
 #include "fuzz/support/sources.h"
-#include "nio/apple_double_internal.h"
-#include "stream/vector_input.h"
+#include "socle/nio/apple_double_internal.h"
+#include "socle/stream/vector_input.h"
 
 namespace {
 

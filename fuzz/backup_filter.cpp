@@ -1,7 +1,7 @@
 /// The filter of a file's streams in a backup.
 
 #include "fuzz/support/feed.h"
-#include "nio/backup_filter_internal.h"
+#include "socle/nio/backup_filter_internal.h"
 
 #include <algorithm>
 #include <cstring>

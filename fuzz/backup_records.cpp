@@ -1,9 +1,9 @@
 /// A backup from anywhere that is written to a file with streams, and read from it again, beside a model.
 
-#include "platform/posix/backup_records.h"
+#include "socle/platform/posix/streams/backup_records.h"
 #include "fuzz/support/feed.h"
-#include "platform/backup.h"
-#include "platform/errors.h"
+#include "socle/platform/backup.h"
+#include "socle/platform/errors.h"
 
 #include <limits>
 #include <map>

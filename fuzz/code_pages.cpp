@@ -1,9 +1,9 @@
 /// Conversions by code pages: of the platform layer, of the selectors, and of the converter that never replaces.
 
-#include "platform/code_pages.h"
-#include "any/converter.h"
+#include "socle/platform/code_pages.h"
 #include "fuzz/support/feed.h"
-#include "nio/encoding.h"
+#include "socle/any/converter.h"
+#include "socle/nio/encoding.h"
 
 #include <vector>
 

@@ -1,12 +1,12 @@
 /// The command line, and the tokens, digits and numbers that it is made of.
 
-#include "command/exception.h"
-#include "command/line.h"
-#include "command/option.h"
 #include "fuzz/support/feed.h"
-#include "un/digits.h"
-#include "un/parser.h"
-#include "un/tokenizer.h"
+#include "socle/command/exception.h"
+#include "socle/command/line.h"
+#include "socle/command/option.h"
+#include "socle/un/digits.h"
+#include "socle/un/parser.h"
+#include "socle/un/tokenizer.h"
 
 #include <vector>
 

@@ -2,11 +2,11 @@
 
 #include "fuzz/support/feed.h"
 #include "fuzz/support/sources.h"
-#include "stream/buffered_input.h"
-#include "stream/endian_input.h"
-#include "stream/endian_output.h"
-#include "stream/vector_input.h"
-#include "stream/vector_output.h"
+#include "socle/stream/buffered_input.h"
+#include "socle/stream/endian_input.h"
+#include "socle/stream/endian_output.h"
+#include "socle/stream/vector_input.h"
+#include "socle/stream/vector_output.h"
 
 #include <bit>
 

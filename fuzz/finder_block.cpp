@@ -3,12 +3,12 @@
 
 #include "fuzz/support/apple_double.h"
 #include "fuzz/support/feed.h"
-#include "nio/apple_double_internal.h"
-#include "nio/attributes.h"
-#include "nio/file.h"
-#include "nio/filesystem_exception.h"
-#include "nio/fork_names.h"
-#include "platform/host.h"
+#include "socle/nio/apple_double_internal.h"
+#include "socle/nio/attributes.h"
+#include "socle/nio/file.h"
+#include "socle/nio/filesystem_exception.h"
+#include "socle/nio/fork_names.h"
+#include "socle/platform/host.h"
 
 #include <array>
 #include <filesystem>

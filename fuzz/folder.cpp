@@ -2,17 +2,17 @@
 /// which after each step has to hold just what a model of it holds.
 
 #include "fuzz/support/feed.h"
-#include "io/directory.h"
-#include "io/exception.h"
-#include "io/file.h"
-#include "io/fork_input.h"
-#include "io/fork_output.h"
-#include "nio/apple_double_internal.h"
-#include "nio/directory.h"
-#include "nio/file.h"
-#include "nio/filesystem_exception.h"
-#include "nio/move.h"
-#include "platform/host.h"
+#include "socle/io/directory.h"
+#include "socle/io/exception.h"
+#include "socle/io/file.h"
+#include "socle/io/fork_input.h"
+#include "socle/io/fork_output.h"
+#include "socle/nio/apple_double_internal.h"
+#include "socle/nio/directory.h"
+#include "socle/nio/file.h"
+#include "socle/nio/filesystem_exception.h"
+#include "socle/nio/move.h"
+#include "socle/platform/host.h"
 
 #include <cctype>
 #include <filesystem>

@@ -1,9 +1,9 @@
 /// Paths between the host's bytes and the library's text, and their full form.
 
 #include "fuzz/support/feed.h"
-#include "platform/host.h"
-#include "platform/paths.h"
-#include "platform/posix/host_names.h"
+#include "socle/platform/host.h"
+#include "socle/platform/paths.h"
+#include "socle/platform/posix/paths/host_names.h"
 
 void fuzz::run(std::string_view input) {
     using namespace platform;

@@ -3,16 +3,16 @@
 
 #include "fuzz/support/feed.h"
 #include "fuzz/support/sources.h"
-#include "stream/array_input.h"
-#include "stream/buffered_input.h"
-#include "stream/counted_input.h"
-#include "stream/endian_input.h"
-#include "stream/limited_input.h"
-#include "stream/multi_input.h"
-#include "stream/random/input.h"
-#include "stream/safe_input.h"
-#include "stream/vector_input.h"
-#include "stream/vector_output.h"
+#include "socle/stream/array_input.h"
+#include "socle/stream/buffered_input.h"
+#include "socle/stream/counted_input.h"
+#include "socle/stream/endian_input.h"
+#include "socle/stream/limited_input.h"
+#include "socle/stream/multi_input.h"
+#include "socle/stream/random/input.h"
+#include "socle/stream/safe_input.h"
+#include "socle/stream/vector_input.h"
+#include "socle/stream/vector_output.h"
 
 #include <bit>
 #include <memory>

@@ -1,11 +1,11 @@
 /// The wz and the p2 code.
 
-#include "nio/integer_codes.h"
-#include "any/integers.h"
+#include "socle/nio/integer_codes.h"
 #include "fuzz/support/feed.h"
 #include "fuzz/support/sources.h"
-#include "stream/vector_input.h"
-#include "stream/vector_output.h"
+#include "socle/any/integers.h"
+#include "socle/stream/vector_input.h"
+#include "socle/stream/vector_output.h"
 
 #include <bit>
 

@@ -2,11 +2,11 @@
 
 #include "fuzz/support/feed.h"
 #include "fuzz/support/sources.h"
-#include "nio/buffered_input.h"
-#include "nio/strings.h"
-#include "stream/buffered_input.h"
-#include "stream/line_input.h"
-#include "stream/vector_input.h"
+#include "socle/nio/buffered_input.h"
+#include "socle/nio/strings.h"
+#include "socle/stream/buffered_input.h"
+#include "socle/stream/line_input.h"
+#include "socle/stream/vector_input.h"
 
 #include <vector>
 

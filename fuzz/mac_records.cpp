@@ -2,11 +2,11 @@
 
 #include "fuzz/support/feed.h"
 #include "fuzz/support/sources.h"
-#include "io/exception.h"
-#include "io/info_header_internal.h"
-#include "io/mac/attributes.h"
-#include "stream/vector_input.h"
-#include "stream/vector_output.h"
+#include "socle/io/exception.h"
+#include "socle/io/info_header_internal.h"
+#include "socle/io/mac/attributes.h"
+#include "socle/stream/vector_input.h"
+#include "socle/stream/vector_output.h"
 
 namespace {
 

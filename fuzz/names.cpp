@@ -1,9 +1,9 @@
 /// Names and texts in many encodings, their fragments, and the match of a pattern.
 
-#include "any/exception.h"
-#include "any/name.h"
-#include "any/string.h"
 #include "fuzz/support/feed.h"
+#include "socle/any/exception.h"
+#include "socle/any/name.h"
+#include "socle/any/string.h"
 
 #include <vector>
 

@@ -3,13 +3,13 @@
 
 #include "fuzz/support/feed.h"
 #include "fuzz/support/sources.h"
-#include "stream/array_output.h"
-#include "stream/buffered_output.h"
-#include "stream/counted_output.h"
-#include "stream/endian_output.h"
-#include "stream/multi_output.h"
-#include "stream/text_output.h"
-#include "stream/vector_output.h"
+#include "socle/stream/array_output.h"
+#include "socle/stream/buffered_output.h"
+#include "socle/stream/counted_output.h"
+#include "socle/stream/endian_output.h"
+#include "socle/stream/multi_output.h"
+#include "socle/stream/text_output.h"
+#include "socle/stream/vector_output.h"
 
 #include <memory>
 #include <optional>

@@ -1,8 +1,8 @@
 /// Paths as plain text, of both families.
 
-#include "any/path.h"
 #include "fuzz/support/feed.h"
-#include "nio/path.h"
+#include "socle/any/path.h"
+#include "socle/nio/path.h"
 
 #include <vector>
 

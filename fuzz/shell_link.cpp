@@ -1,7 +1,7 @@
 /// Shell links: whatever the bytes, the reader stays within them, and what it takes for a link is one.
 
 #include "fuzz/support/feed.h"
-#include "platform/posix/shell_link_reader.h"
+#include "socle/platform/posix/text/shell_link_reader.h"
 
 namespace {
 

@@ -1,13 +1,13 @@
 /// Text in streams: fields of fixed size and texts that a zero byte ends.
 
-#include "nio/strings.h"
-#include "basic/exception.h"
+#include "socle/nio/strings.h"
 #include "fuzz/support/feed.h"
 #include "fuzz/support/sources.h"
-#include "nio/buffered_input.h"
-#include "nio/encoding.h"
-#include "stream/vector_input.h"
-#include "stream/vector_output.h"
+#include "socle/basic/exception.h"
+#include "socle/nio/buffered_input.h"
+#include "socle/nio/encoding.h"
+#include "socle/stream/vector_input.h"
+#include "socle/stream/vector_output.h"
 
 namespace {
 

@@ -1,8 +1,8 @@
 /// UTF-8 of single units, in and out, and by its selector.
 
-#include "nio/utf8.h"
+#include "socle/nio/utf8.h"
 #include "fuzz/support/feed.h"
-#include "nio/encoding.h"
+#include "socle/nio/encoding.h"
 
 namespace {
 

@@ -1,8 +1,8 @@
 /// The coder of names as 8-bit text without a code page.
 
-#include "any/utf8_coder.h"
-#include "any/name.h"
+#include "socle/any/utf8_coder.h"
 #include "fuzz/support/feed.h"
+#include "socle/any/name.h"
 
 void fuzz::run(std::string_view input) {
     // Any units come back, and their bytes hold no zero.

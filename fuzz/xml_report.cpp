@@ -5,9 +5,9 @@
 #include "examples/common/host_text.h"
 #include "examples/common/mac_roman.h"
 #include "fuzz/support/feed.h"
-#include "io/exception.h"
-#include "stream/vector_input.h"
-#include "stream/vector_output.h"
+#include "socle/io/exception.h"
+#include "socle/stream/vector_input.h"
+#include "socle/stream/vector_output.h"
 
 namespace {
 

@@ -17,7 +17,7 @@ cmake --install build/dev --prefix "$scratch" --component development >/dev/null
 
 # Only what the public headers tell of is interface.
 options=(--drop-private-types --no-corpus-path --no-comp-dir-path)
-abidw --headers-dir "$scratch/include/socle" "${options[@]}" --short-locs "$(realpath "$library")" \
+abidw --headers-dir "$scratch/include" "${options[@]}" --short-locs "$(realpath "$library")" \
     --out-file "$scratch/now.abi"
 if [ "${1-}" = renew ]; then
     mkdir -p abi

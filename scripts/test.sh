@@ -131,7 +131,7 @@ cmake --workflow --preset docs
 # A client in the compilers' own dialect has macros that a strict one has not, such as one named unix.
 for dialect in gnu++20 c++20; do
     phase "installed copy, $dialect: each public header alone and first"
-    (cd "$prefix/include/socle" && find . -name '*.h' -printf '%P\0') |
+    (cd "$prefix/include" && find socle -name '*.h' -print0) |
         xargs -0 -P "$(nproc)" -I{} g++ -std=$dialect "${warnings[@]}" "${compile_flags[@]}" -fsyntax-only \
             -include {} -x c++ /dev/null
 

@@ -1,5 +1,5 @@
-#include "nio/apple_double_internal.h"
-#include "nio/backup_filter_internal.h"
+#include "socle/nio/apple_double_internal.h"
+#include "socle/nio/backup_filter_internal.h"
 
 #include <gtest/gtest.h>
 

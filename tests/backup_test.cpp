@@ -1,8 +1,8 @@
 // The backup calls on open files of an attached volume.
 
-#include "platform/backup.h"
-#include "platform/errors.h"
-#include "platform/posix/volumes.h"
+#include "socle/platform/backup.h"
+#include "socle/platform/errors.h"
+#include "socle/platform/posix/paths/volumes.h"
 #include "tests/support/ntfs_folder.h"
 
 #include <gtest/gtest.h>

@@ -1,8 +1,8 @@
 // A long named stream: 100 MB in our own store, 10 MB on a mounted disk.
 
-#include "nio/exception.h"
-#include "nio/file.h"
-#include "nio/move.h"
+#include "socle/nio/exception.h"
+#include "socle/nio/file.h"
+#include "socle/nio/move.h"
 #include "tests/support/ntfs_image.h"
 #include "tests/support/scratch.h"
 

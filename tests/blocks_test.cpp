@@ -1,5 +1,5 @@
-#include "nio/blocks.h"
-#include "stream/vector_input.h"
+#include "socle/nio/blocks.h"
+#include "socle/stream/vector_input.h"
 #include "tests/support/streams.h"
 
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
-#include "stream/multi_input.h"
-#include "stream/multi_output.h"
+#include "socle/stream/multi_input.h"
+#include "socle/stream/multi_output.h"
 #include "tests/support/streams.h"
 
 #include <gtest/gtest.h>

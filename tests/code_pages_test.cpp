@@ -1,5 +1,5 @@
-#include "platform/code_pages.h"
-#include "platform/errors.h"
+#include "socle/platform/code_pages.h"
+#include "socle/platform/errors.h"
 
 #include <gtest/gtest.h>
 

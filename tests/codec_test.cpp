@@ -1,7 +1,7 @@
-#include "basic/exception.h"
-#include "nio/encoding.h"
-#include "nio/strings.h"
-#include "stream/vector_input.h"
+#include "socle/basic/exception.h"
+#include "socle/nio/encoding.h"
+#include "socle/nio/strings.h"
+#include "socle/stream/vector_input.h"
 #include "tests/support/streams.h"
 
 #include <gtest/gtest.h>

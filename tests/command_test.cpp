@@ -1,6 +1,6 @@
-#include "command/exception.h"
-#include "command/line.h"
-#include "command/option.h"
+#include "socle/command/exception.h"
+#include "socle/command/line.h"
+#include "socle/command/option.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "any/converter.h"
+#include "socle/any/converter.h"
 
 #include "support/locale.h"
 

@@ -1,4 +1,4 @@
-#include "algorithm/crc.h"
+#include "socle/algorithm/crc.h"
 
 #include <gtest/gtest.h>
 

@@ -1,9 +1,9 @@
-#include "any/exception.h"
-#include "basic/exception.h"
-#include "command/exception.h"
-#include "io/exception.h"
-#include "nio/exception.h"
-#include "stream/exception.h"
+#include "socle/any/exception.h"
+#include "socle/basic/exception.h"
+#include "socle/command/exception.h"
+#include "socle/io/exception.h"
+#include "socle/nio/exception.h"
+#include "socle/stream/exception.h"
 
 #include <gtest/gtest.h>
 

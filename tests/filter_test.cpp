@@ -1,9 +1,9 @@
-#include "stream/array_output.h"
-#include "stream/direct_input.h"
-#include "stream/endian_input.h"
-#include "stream/endian_output.h"
-#include "stream/vector_input.h"
-#include "stream/vector_output.h"
+#include "socle/stream/array_output.h"
+#include "socle/stream/direct_input.h"
+#include "socle/stream/endian_input.h"
+#include "socle/stream/endian_output.h"
+#include "socle/stream/vector_input.h"
+#include "socle/stream/vector_output.h"
 #include "tests/support/streams.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "platform/posix/host_names.h"
+#include "socle/platform/posix/paths/host_names.h"
 
 #include <gtest/gtest.h>
 

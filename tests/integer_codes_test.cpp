@@ -1,9 +1,9 @@
-#include "any/integers.h"
-#include "nio/integer_codes.h"
-#include "stream/array_input.h"
-#include "stream/array_output.h"
-#include "stream/vector_input.h"
-#include "stream/vector_output.h"
+#include "socle/any/integers.h"
+#include "socle/nio/integer_codes.h"
+#include "socle/stream/array_input.h"
+#include "socle/stream/array_output.h"
+#include "socle/stream/vector_input.h"
+#include "socle/stream/vector_output.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
-#include "io/attributes.h"
+#include "socle/io/attributes.h"
 
-#include "io/exception.h"
-#include "io/item.h"
+#include "socle/io/exception.h"
+#include "socle/io/item.h"
 #include "support/scratch.h"
 
 #include <fcntl.h>

@@ -1,8 +1,8 @@
-#include "io/directory.h"
-#include "io/exception.h"
-#include "io/file.h"
-#include "platform/host.h"
-#include "platform/posix/host_calls.h"
+#include "socle/io/directory.h"
+#include "socle/io/exception.h"
+#include "socle/io/file.h"
+#include "socle/platform/host.h"
+#include "socle/platform/posix/host/host_calls.h"
 #include "tests/support/scratch.h"
 
 #include <gtest/gtest.h>

@@ -1,8 +1,8 @@
-#include "io/exception.h"
-#include "io/file.h"
-#include "io/fork_input.h"
-#include "io/fork_output.h"
-#include "nio/file.h"
+#include "socle/io/exception.h"
+#include "socle/io/file.h"
+#include "socle/io/fork_input.h"
+#include "socle/io/fork_output.h"
+#include "socle/nio/file.h"
 #include "support/scratch.h"
 
 #include <fcntl.h>

@@ -1,7 +1,7 @@
-#include "stream/line_input.h"
-#include "stream/text_output.h"
-#include "stream/vector_input.h"
-#include "stream/xml_output.h"
+#include "socle/stream/line_input.h"
+#include "socle/stream/text_output.h"
+#include "socle/stream/vector_input.h"
+#include "socle/stream/xml_output.h"
 #include "tests/support/streams.h"
 
 #include <gtest/gtest.h>

@@ -1,8 +1,8 @@
-#include "io/exception.h"
-#include "io/mac/attributes.h"
-#include "stream/array_input.h"
-#include "stream/vector_input.h"
-#include "stream/vector_output.h"
+#include "socle/io/exception.h"
+#include "socle/io/mac/attributes.h"
+#include "socle/stream/array_input.h"
+#include "socle/stream/vector_input.h"
+#include "socle/stream/vector_output.h"
 #include "tests/support/streams.h"
 
 #include <gtest/gtest.h>

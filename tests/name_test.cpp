@@ -1,6 +1,6 @@
-#include "any/name.h"
+#include "socle/any/name.h"
 
-#include "any/exception.h"
+#include "socle/any/exception.h"
 #include "support/locale.h"
 
 #include <stdexcept>

@@ -1,11 +1,11 @@
 // The stores of named streams behind the file calls, over the host's own calls.
 
-#include "platform/backup.h"
-#include "platform/errors.h"
-#include "platform/posix/backup_records.h"
-#include "platform/posix/host_calls.h"
-#include "platform/posix/named_streams.h"
-#include "platform/posix/stream_names.h"
+#include "socle/platform/backup.h"
+#include "socle/platform/errors.h"
+#include "socle/platform/posix/host/host_calls.h"
+#include "socle/platform/posix/streams/backup_records.h"
+#include "socle/platform/posix/streams/named_streams.h"
+#include "socle/platform/posix/streams/stream_names.h"
 #include "tests/support/ntfs_image.h"
 #include "tests/support/scratch.h"
 

@@ -1,8 +1,8 @@
-#include "io/item.h"
-#include "nio/filesystem_exception.h"
-#include "nio/fork_names.h"
-#include "nio/item.h"
-#include "nio/move.h"
+#include "socle/io/item.h"
+#include "socle/nio/filesystem_exception.h"
+#include "socle/nio/fork_names.h"
+#include "socle/nio/item.h"
+#include "socle/nio/move.h"
 #include "tests/support/ntfs_folder.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "nio/path.h"
+#include "socle/nio/path.h"
 
 #include <gtest/gtest.h>
 

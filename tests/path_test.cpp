@@ -1,4 +1,4 @@
-#include "any/path.h"
+#include "socle/any/path.h"
 
 #include <gtest/gtest.h>
 

@@ -1,10 +1,10 @@
-#include "platform/code_pages.h"
-#include "platform/directories.h"
-#include "platform/errors.h"
-#include "platform/file_times.h"
-#include "platform/files.h"
-#include "platform/host.h"
-#include "platform/posix/host_calls.h"
+#include "socle/platform/code_pages.h"
+#include "socle/platform/directories.h"
+#include "socle/platform/errors.h"
+#include "socle/platform/file_times.h"
+#include "socle/platform/files.h"
+#include "socle/platform/host.h"
+#include "socle/platform/posix/host/host_calls.h"
 #include "tests/support/ntfs_folder.h"
 
 #include <gtest/gtest.h>

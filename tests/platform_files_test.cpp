@@ -1,6 +1,6 @@
-#include "platform/errors.h"
-#include "platform/files.h"
-#include "platform/host.h"
+#include "socle/platform/errors.h"
+#include "socle/platform/files.h"
+#include "socle/platform/host.h"
 #include "tests/support/scratch.h"
 
 #include <gtest/gtest.h>

@@ -1,8 +1,8 @@
-#include "platform/errors.h"
-#include "platform/file_times.h"
-#include "platform/files.h"
-#include "platform/host.h"
-#include "platform/posix/host_calls.h"
+#include "socle/platform/errors.h"
+#include "socle/platform/file_times.h"
+#include "socle/platform/files.h"
+#include "socle/platform/host.h"
+#include "socle/platform/posix/host/host_calls.h"
 #include "tests/support/elsewhere.h"
 #include "tests/support/scratch.h"
 

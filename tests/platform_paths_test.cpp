@@ -1,6 +1,6 @@
-#include "platform/errors.h"
-#include "platform/paths.h"
-#include "platform/posix/resolve.h"
+#include "socle/platform/errors.h"
+#include "socle/platform/paths.h"
+#include "socle/platform/posix/paths/resolve.h"
 #include "tests/support/scratch.h"
 
 #include <gtest/gtest.h>

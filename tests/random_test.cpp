@@ -1,4 +1,4 @@
-#include "algorithm/random.h"
+#include "socle/algorithm/random.h"
 
 #include <gtest/gtest.h>
 

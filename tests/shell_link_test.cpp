@@ -1,6 +1,6 @@
-#include "platform/environment.h"
-#include "platform/posix/shell_link_reader.h"
-#include "platform/shell_links.h"
+#include "socle/platform/environment.h"
+#include "socle/platform/posix/text/shell_link_reader.h"
+#include "socle/platform/shell_links.h"
 #include "tests/support/scratch.h"
 
 #include <gtest/gtest.h>

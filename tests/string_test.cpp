@@ -1,8 +1,8 @@
-#include "any/string.h"
+#include "socle/any/string.h"
 
-#include "any/exception.h"
+#include "socle/any/exception.h"
+#include "socle/un/tokenizer.h"
 #include "support/locale.h"
-#include "un/tokenizer.h"
 
 #include <random>
 

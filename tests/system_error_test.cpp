@@ -1,9 +1,9 @@
-#include "io/exception.h"
-#include "io/system_error.h"
-#include "nio/filesystem_exception.h"
-#include "platform/error_text.h"
-#include "platform/errors.h"
-#include "platform/posix/error_codes.h"
+#include "socle/io/exception.h"
+#include "socle/io/system_error.h"
+#include "socle/nio/filesystem_exception.h"
+#include "socle/platform/error_text.h"
+#include "socle/platform/errors.h"
+#include "socle/platform/posix/host/error_codes.h"
 
 #include <gtest/gtest.h>
 

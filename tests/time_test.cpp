@@ -1,10 +1,10 @@
-#include "algorithm/random.h"
-#include "any/time.h"
-#include "nio/time_internal.h"
-#include "nio/timer.h"
-#include "platform/posix/clock_seam.h"
-#include "un/exception.h"
-#include "un/timer.h"
+#include "socle/algorithm/random.h"
+#include "socle/any/time.h"
+#include "socle/nio/time_internal.h"
+#include "socle/nio/timer.h"
+#include "socle/platform/posix/clock/clock_seam.h"
+#include "socle/un/exception.h"
+#include "socle/un/timer.h"
 
 #include <gtest/gtest.h>
 

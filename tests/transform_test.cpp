@@ -1,9 +1,9 @@
-#include "stream/array_input.h"
-#include "stream/array_output.h"
-#include "stream/copier.h"
-#include "stream/filter_output.h"
-#include "stream/vector_input.h"
-#include "stream/vector_output.h"
+#include "socle/stream/array_input.h"
+#include "socle/stream/array_output.h"
+#include "socle/stream/copier.h"
+#include "socle/stream/filter_output.h"
+#include "socle/stream/vector_input.h"
+#include "socle/stream/vector_output.h"
 #include "tests/support/streams.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
-#include "un/digits.h"
-#include "un/parser.h"
-#include "un/tokenizer.h"
+#include "socle/un/digits.h"
+#include "socle/un/parser.h"
+#include "socle/un/tokenizer.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "any/utf8_coder.h"
+#include "socle/any/utf8_coder.h"
 
 #include <gtest/gtest.h>
 

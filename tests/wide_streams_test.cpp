@@ -1,9 +1,9 @@
-#include "basic/buffer.h"
-#include "nio/buffered_input.h"
-#include "nio/buffered_output.h"
-#include "nio/exception.h"
-#include "nio/multi_input.h"
-#include "nio/multi_output.h"
+#include "socle/basic/buffer.h"
+#include "socle/nio/buffered_input.h"
+#include "socle/nio/buffered_output.h"
+#include "socle/nio/exception.h"
+#include "socle/nio/multi_input.h"
+#include "socle/nio/multi_output.h"
 #include "tests/support/streams.h"
 
 #include <gtest/gtest.h>

@@ -2,18 +2,18 @@
 
 #include "common/host_text.h"
 
-#include "io/attributes.h"
-#include "io/directory.h"
-#include "io/exception.h"
-#include "io/file.h"
-#include "nio/attributes.h"
-#include "nio/blocks.h"
-#include "nio/directory.h"
-#include "nio/exception.h"
-#include "nio/filesystem_exception.h"
-#include "nio/fork_names.h"
-#include "nio/path.h"
-#include "platform/host.h"
+#include <socle/io/attributes.h>
+#include <socle/io/directory.h>
+#include <socle/io/exception.h>
+#include <socle/io/file.h>
+#include <socle/nio/attributes.h>
+#include <socle/nio/blocks.h>
+#include <socle/nio/directory.h>
+#include <socle/nio/exception.h>
+#include <socle/nio/filesystem_exception.h>
+#include <socle/nio/fork_names.h>
+#include <socle/nio/path.h>
+#include <socle/platform/host.h>
 
 #include <algorithm>
 #include <filesystem>

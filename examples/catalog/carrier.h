@@ -4,7 +4,7 @@
 #include "file_record.h"
 #include "target_names.h"
 
-#include "nio/file.h"
+#include <socle/nio/file.h>
 
 /// Puts files and folders into a folder of the host, with their forks in one form. Every file is made in a work folder
 /// at the top, read back there, and moved into place when it is complete: what has its name there is whole. Nothing

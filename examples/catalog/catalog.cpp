@@ -7,12 +7,12 @@
 
 #include "common/host_text.h"
 
-#include "basic/exception.h"
-#include "command/line.h"
-#include "command/option.h"
-#include "platform/host.h"
-#include "stream/output.h"
-#include "un/exception.h"
+#include <socle/basic/exception.h>
+#include <socle/command/line.h>
+#include <socle/command/option.h>
+#include <socle/platform/host.h>
+#include <socle/stream/output.h>
+#include <socle/un/exception.h>
 
 #include <exception>
 #include <filesystem>

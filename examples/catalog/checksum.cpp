@@ -1,6 +1,6 @@
 #include "checksum.h"
 
-#include "nio/file.h"
+#include <socle/nio/file.h>
 
 #include <algorithm>
 #include <array>

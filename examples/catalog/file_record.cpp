@@ -2,17 +2,17 @@
 
 #include "common/host_text.h"
 
-#include "io/attributes.h"
-#include "nio/exception.h"
-#include "nio/file.h"
-#include "nio/fork_names.h"
-#include "nio/item.h"
-#include "nio/path.h"
-#include "platform/host.h"
-#include "stream/array_input.h"
-#include "stream/array_output.h"
-#include "stream/endian_input.h"
-#include "stream/endian_output.h"
+#include <socle/io/attributes.h>
+#include <socle/nio/exception.h>
+#include <socle/nio/file.h>
+#include <socle/nio/fork_names.h>
+#include <socle/nio/item.h>
+#include <socle/nio/path.h>
+#include <socle/platform/host.h>
+#include <socle/stream/array_input.h>
+#include <socle/stream/array_output.h>
+#include <socle/stream/endian_input.h>
+#include <socle/stream/endian_output.h>
 
 #include <algorithm>
 

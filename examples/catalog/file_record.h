@@ -3,8 +3,8 @@
 #include "listing.h"
 #include "side_files.h"
 
-#include "io/mac/info.h"
-#include "nio/time.h"
+#include <socle/io/mac/info.h>
+#include <socle/nio/time.h>
 
 #include <vector>
 

@@ -2,12 +2,12 @@
 
 #include "side_files.h"
 
-#include "io/directory.h"
-#include "nio/exception.h"
-#include "nio/filesystem_exception.h"
-#include "nio/item.h"
-#include "nio/path.h"
-#include "platform/host.h"
+#include <socle/io/directory.h>
+#include <socle/nio/exception.h>
+#include <socle/nio/filesystem_exception.h>
+#include <socle/nio/item.h>
+#include <socle/nio/path.h>
+#include <socle/platform/host.h>
 
 #include <algorithm>
 #include <filesystem>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "basic/types.h"
+#include <socle/basic/types.h>
 
 #include <vector>
 

@@ -1,9 +1,9 @@
 #include "side_files.h"
 
-#include "nio/file.h"
-#include "nio/filesystem_exception.h"
-#include "stream/array_input.h"
-#include "stream/endian_input.h"
+#include <socle/nio/file.h>
+#include <socle/nio/filesystem_exception.h>
+#include <socle/stream/array_input.h>
+#include <socle/stream/endian_input.h>
 
 #include <algorithm>
 #include <vector>

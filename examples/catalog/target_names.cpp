@@ -1,7 +1,7 @@
 #include "target_names.h"
 
-#include "io/item.h"
-#include "nio/fork_names.h"
+#include <socle/io/item.h>
+#include <socle/nio/fork_names.h>
 
 #include <algorithm>
 #include <string>

@@ -2,11 +2,11 @@
 
 #include "common/host_text.h"
 
-#include "basic/exception.h"
-#include "io/item.h"
-#include "nio/path.h"
-#include "platform/host.h"
-#include "un/exception.h"
+#include <socle/basic/exception.h>
+#include <socle/io/item.h>
+#include <socle/nio/path.h>
+#include <socle/platform/host.h>
+#include <socle/un/exception.h>
 
 #include <algorithm>
 #include <functional>

@@ -6,9 +6,9 @@
 #include "common/mac_roman.h"
 #include "common/xml_text.h"
 
-#include "nio/path.h"
-#include "platform/host.h"
-#include "un/digits.h"
+#include <socle/nio/path.h>
+#include <socle/platform/host.h>
+#include <socle/un/digits.h>
 
 #include <algorithm>
 #include <chrono>

@@ -2,7 +2,7 @@
 
 #include "file_record.h"
 
-#include "stream/xml_output.h"
+#include <socle/stream/xml_output.h>
 
 /// The catalogue as an XML document, written as it grows.
 class xml_catalog {

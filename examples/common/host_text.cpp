@@ -1,6 +1,6 @@
 #include "host_text.h"
 
-#include "un/digits.h"
+#include <socle/un/digits.h>
 
 namespace {
 

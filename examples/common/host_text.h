@@ -1,6 +1,6 @@
 #pragma once
 
-#include "basic/types.h"
+#include <socle/basic/types.h>
 
 /// A path of the host, which may hold any bytes, as text that is safe to show: what is no text is written as \x1B, and
 /// a backslash as two.

@@ -1,7 +1,7 @@
 #include "mac_roman.h"
 
-#include "any/utf8_coder.h"
-#include "un/digits.h"
+#include <socle/any/utf8_coder.h>
+#include <socle/un/digits.h>
 
 namespace {
 

@@ -1,7 +1,7 @@
 #include "progress.h"
 
-#include "nio/exception.h"
-#include "nio/file.h"
+#include <socle/nio/exception.h>
+#include <socle/nio/file.h>
 
 #include <algorithm>
 #include <iostream>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "basic/types.h"
+#include <socle/basic/types.h>
 
 /// A bar on the terminal that errors are shown on, for as long as this lives. Where there is no terminal it shows
 /// nothing.

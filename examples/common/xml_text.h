@@ -1,6 +1,6 @@
 #pragma once
 
-#include "basic/types.h"
+#include <socle/basic/types.h>
 
 /// `text`, which is fit to be read, as it may stand in an element or an attribute.
 narrow_string xml_text(narrow_string const & text);

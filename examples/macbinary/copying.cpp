@@ -1,7 +1,7 @@
 #include "copying.h"
 
-#include "io/exception.h"
-#include "stream/copier.h"
+#include <socle/io/exception.h>
+#include <socle/stream/copier.h>
 
 #include <algorithm>
 

@@ -2,9 +2,9 @@
 
 #include "common/progress.h"
 
-#include "io/fork.h"
-#include "stream/input.h"
-#include "stream/output.h"
+#include <socle/io/fork.h>
+#include <socle/stream/input.h>
+#include <socle/stream/output.h>
 
 /// Copies the forks of a file one after the other, and shows how far it is.
 class copying {

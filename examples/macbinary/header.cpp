@@ -1,12 +1,12 @@
 #include "header.h"
 
-#include "io/exception.h"
-#include "nio/blocks.h"
-#include "stream/endian_input.h"
-#include "stream/endian_output.h"
-#include "stream/vector_input.h"
-#include "stream/vector_output.h"
-#include "un/digits.h"
+#include <socle/io/exception.h>
+#include <socle/nio/blocks.h>
+#include <socle/stream/endian_input.h>
+#include <socle/stream/endian_output.h>
+#include <socle/stream/vector_input.h>
+#include <socle/stream/vector_output.h>
+#include <socle/un/digits.h>
 
 #include <algorithm>
 #include <chrono>

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "io/mac/info.h"
-#include "nio/time.h"
-#include "stream/input.h"
-#include "stream/output.h"
+#include <socle/io/mac/info.h>
+#include <socle/nio/time.h>
+#include <socle/stream/input.h>
+#include <socle/stream/output.h>
 
 /// A header, field by field as it is stored; the numbers are big-endian.
 ///

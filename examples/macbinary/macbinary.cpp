@@ -7,9 +7,9 @@
 #include "walking.h"
 #include "xml_report.h"
 
-#include "command/line.h"
-#include "command/option.h"
-#include "un/exception.h"
+#include <socle/command/line.h>
+#include <socle/command/option.h>
+#include <socle/un/exception.h>
 
 #include <exception>
 #include <functional>

@@ -4,11 +4,11 @@
 #include "header.h"
 #include "part.h"
 
-#include "io/exception.h"
-#include "io/fork_input.h"
-#include "io/fork_output.h"
-#include "nio/encoding.h"
-#include "platform/host.h"
+#include <socle/io/exception.h>
+#include <socle/io/fork_input.h>
+#include <socle/io/fork_output.h>
+#include <socle/nio/encoding.h>
+#include <socle/platform/host.h>
 
 #include <filesystem>
 

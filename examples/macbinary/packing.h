@@ -1,6 +1,6 @@
 #pragma once
 
-#include "basic/types.h"
+#include <socle/basic/types.h>
 
 /// Makes a forked file in the folder of a MacBinary file, and gives its path as the host has it. Paths are the host's.
 /// Throws an `io::exception`; nothing is left in the folder then.

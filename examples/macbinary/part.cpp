@@ -1,6 +1,6 @@
 #include "part.h"
 
-#include "io/exception.h"
+#include <socle/io/exception.h>
 
 namespace {
 

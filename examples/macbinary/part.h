@@ -1,6 +1,6 @@
 #pragma once
 
-#include "io/file.h"
+#include <socle/io/file.h>
 
 #include <vector>
 

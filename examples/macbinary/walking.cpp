@@ -3,10 +3,10 @@
 #include "common/host_text.h"
 #include "common/mac_roman.h"
 
-#include "io/directory.h"
-#include "io/exception.h"
-#include "io/file.h"
-#include "platform/host.h"
+#include <socle/io/directory.h>
+#include <socle/io/exception.h>
+#include <socle/io/file.h>
+#include <socle/platform/host.h>
 
 #include <filesystem>
 #include <iostream>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "basic/types.h"
+#include <socle/basic/types.h>
 
 /// Shows what is in a folder of the host, file by file with its side forks and what the Finder knows of it. False if it
 /// is no folder.

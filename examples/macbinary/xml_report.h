@@ -2,8 +2,8 @@
 
 #include "header.h"
 
-#include "stream/vector_output.h"
-#include "stream/xml_output.h"
+#include <socle/stream/vector_output.h>
+#include <socle/stream/xml_output.h>
 
 /// The headers of some files as an XML document.
 class xml_report {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "stream/input.h"
+#include "socle/stream/input.h"
 
 #include <algorithm>
 #include <string_view>

@@ -4,7 +4,7 @@
 # platform/host.h declares is public, and nothing of the algorithms is.
 set -euo pipefail
 nm=$1 library=$2
-host_header=$(dirname "$0")/../../platform/host.h
+host_header=$(dirname "$0")/../../socle/platform/host.h
 
 families='basic|qpthr|un|nio|stream|any|io|command'
 if [ -e "$host_header" ]; then

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # usage: host_calls.sh <nm> <object>...
-# All that the library asks of the host goes through the seam in platform/posix/host_calls.cpp, so that a test which
+# All that the library asks of the host goes through the seam in platform/posix/host/host_calls.cpp, so that a test which
 # lets each call fail leaves none out. What the C library answers by itself is listed here; anything else is a call
 # that the seam does not know.
 set -euo pipefail
@@ -12,7 +12,7 @@ known="$known|newlocale|pthread_once|str[a-z]*|tow[a-z_]*|tzset"
 objects=()
 for object in "$@"; do
     case $object in
-        */platform/posix/host_calls.cpp*) seam=$object ;;
+        */platform/posix/host/host_calls.cpp*) seam=$object ;;
         *) objects+=("$object") ;;
     esac
 done

@@ -4,9 +4,9 @@
 #include "examples/catalog/tree.h"
 #include "examples/catalog/xml_catalog.h"
 #include "examples/macbinary/packing.h"
-#include "nio/attributes.h"
-#include "nio/file.h"
-#include "stream/infinite_output.h"
+#include "socle/nio/attributes.h"
+#include "socle/nio/file.h"
+#include "socle/stream/infinite_output.h"
 
 #include <iostream>
 

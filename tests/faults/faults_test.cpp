@@ -1,12 +1,12 @@
 #include "tests/faults/frame.h"
 
-#include "nio/exception.h"
-#include "nio/filesystem_exception.h"
-#include "platform/directories.h"
-#include "platform/errors.h"
-#include "platform/files.h"
-#include "platform/posix/host_calls.h"
-#include "un/exception.h"
+#include "socle/nio/exception.h"
+#include "socle/nio/filesystem_exception.h"
+#include "socle/platform/directories.h"
+#include "socle/platform/errors.h"
+#include "socle/platform/files.h"
+#include "socle/platform/posix/host/host_calls.h"
+#include "socle/un/exception.h"
 
 #include <gtest/gtest.h>
 

@@ -1,12 +1,12 @@
 #include "tests/faults/frame.h"
 
-#include "io/attributes.h"
-#include "io/file.h"
-#include "io/fork_input.h"
-#include "io/fork_output.h"
-#include "nio/attributes.h"
-#include "nio/file.h"
-#include "platform/errors.h"
+#include "socle/io/attributes.h"
+#include "socle/io/file.h"
+#include "socle/io/fork_input.h"
+#include "socle/io/fork_output.h"
+#include "socle/nio/attributes.h"
+#include "socle/nio/file.h"
+#include "socle/platform/errors.h"
 
 #include <cstdlib>
 #include <vector>

@@ -1,13 +1,13 @@
 #include "tests/faults/frame.h"
 
-#include "io/directory.h"
-#include "io/file.h"
-#include "nio/attributes.h"
-#include "nio/directory.h"
-#include "nio/file.h"
-#include "nio/fork_names.h"
-#include "nio/move.h"
-#include "platform/files.h"
+#include "socle/io/directory.h"
+#include "socle/io/file.h"
+#include "socle/nio/attributes.h"
+#include "socle/nio/directory.h"
+#include "socle/nio/file.h"
+#include "socle/nio/fork_names.h"
+#include "socle/nio/move.h"
+#include "socle/platform/files.h"
 
 #include <sys/xattr.h>
 

@@ -1,19 +1,19 @@
 // Runs one hot path, named by the argument, on a fixed input, so that its instructions can be counted. "nothing" makes
 // the inputs alone.
 
-#include "any/string.h"
-#include "nio/integer_codes.h"
-#include "nio/utf8.h"
-#include "stream/array_input.h"
-#include "stream/array_output.h"
-#include "stream/buffered_input.h"
-#include "stream/buffered_output.h"
-#include "stream/copier.h"
-#include "stream/endian_input.h"
-#include "stream/endian_output.h"
-#include "stream/line_input.h"
-#include "un/digits.h"
-#include "un/tokenizer.h"
+#include "socle/any/string.h"
+#include "socle/nio/integer_codes.h"
+#include "socle/nio/utf8.h"
+#include "socle/stream/array_input.h"
+#include "socle/stream/array_output.h"
+#include "socle/stream/buffered_input.h"
+#include "socle/stream/buffered_output.h"
+#include "socle/stream/copier.h"
+#include "socle/stream/endian_input.h"
+#include "socle/stream/endian_output.h"
+#include "socle/stream/line_input.h"
+#include "socle/un/digits.h"
+#include "socle/un/tokenizer.h"
 
 #include <cstdio>
 #include <functional>

@@ -1,4 +1,4 @@
-#include "socle.h"
+#include "socle/socle.h"
 #include "tests/plugin/plugin.h"
 
 #include <gtest/gtest.h>

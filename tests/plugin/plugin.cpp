@@ -1,6 +1,6 @@
 #include "tests/plugin/plugin.h"
 
-#include "socle.h"
+#include "socle/socle.h"
 
 #include <stdexcept>
 #include <string_view>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/host.h"
+#include "socle/platform/host.h"
 
 #include <cstdlib>
 #include <filesystem>

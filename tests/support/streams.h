@@ -1,7 +1,7 @@
 #pragma once
 
-#include "stream/filter_input.h"
-#include "stream/filter_output.h"
+#include "socle/stream/filter_input.h"
+#include "socle/stream/filter_output.h"
 
 #include <gtest/gtest.h>
 

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "socle/basic/types.h"
+
+#include <utility>
+
+namespace algorithm {
+
+/// A running digest: bytes go in, `finish` puts the digest into `result`.
+class digest {
+public:
+    virtual ~digest();
+
+    /// Does nothing; room for classes that need more than a start state.
+    virtual void hook(uint32 first, uint32 second);
+    /// Back to the start state. Nothing here.
+    virtual void reset();
+    /// Takes in `count` bytes.
+    virtual void update(unsigned char const * bytes, uint32 count) = 0;
+    virtual void update(unsigned char byte) = 0;
+    /// Completes the digest. Nothing here.
+    virtual void finish();
+
+    uint32 state() const noexcept { return state_; }
+    /// The finished digest, empty before the first `finish`.
+    byte_vector const & result() const noexcept { return result_; }
+
+protected:
+    void state(uint32 value) noexcept { state_ = value; }
+    void result(byte_vector value) noexcept { result_ = std::move(value); }
+
+private:
+    uint32 state_ = 0;
+    byte_vector result_;
+};
+
+} // namespace algorithm

@@ -1,0 +1,64 @@
+#pragma once
+
+#include "socle/basic/export.h"
+#include "socle/basic/types.h"
+#include "socle/un/ci_wchar_t_traits.h"
+
+#include <utility>
+
+namespace any {
+
+/// 16-bit text, compared and changed as a plain one, that also gives itself in other forms. Each form is worked out
+/// anew when it is asked for, and its reference or pointer stands until `str`, `cstr`, `pstr`, `ci_wstr` or, for a
+/// pattern, `pattern_match` uses the same object again. So no two threads may ask one object at once.
+///
+/// `ansi` picks the system's ANSI page, else its OEM page.
+class SOCLE_API string : public wide_string {
+public:
+    /// Text that compares without regard to case.
+    using ci_string = std::basic_string<char16_t, un::ci_wchar_t_traits>;
+
+    string() = default;
+    /// The units as they are; the pointer's text ends at its first zero.
+    string(wide_string text) : wide_string(std::move(text)) {}
+    string(char16_t const * text) : wide_string(text) {}
+    /// As `set`; `text` ends at its first zero.
+    string(char const * text, bool ansi);
+    /// As `set`.
+    string(narrow_string const & text, bool ansi);
+    string(unsigned char const * text, bool ansi);
+
+    /// Assigning plain text replaces the 16-bit text alone.
+    using wide_string::operator=;
+
+    /// Throws an `any::exception` "cannot convert to Unicode" from "any::string", and is then empty, if `text` cannot
+    /// be converted.
+    void set(narrow_string const & text, bool ansi);
+    /// `text` is a byte with the length, and then that many bytes.
+    void set(unsigned char const * text, bool ansi);
+
+    /// The 8-bit form, as by `any::converter::from_unicode`. A text that no installed page holds is folded instead: one
+    /// printable character for each unit, which cannot be undone.
+    void get_str(narrow_string & result, bool ansi) const;
+    narrow_string const & str(bool ansi) const;
+    char const * cstr(bool ansi) const;
+    /// With a byte in front that holds the low 8 bits of the length; all characters stand behind it.
+    unsigned char const * pstr(bool ansi) const;
+    /// The text in a form that compares without regard to case.
+    ci_string const & ci_wstr() const;
+
+    /// From the last "." on, with the dot; empty if there is none.
+    string ext() const;
+
+    /// Whether the text, up to its first zero, fits `pattern`, in which "*" stands for anything. Works on the 8-bit
+    /// forms, with case:
+    /// - The text may go on behind the pattern: "abc" fits "abcdef", as does "a*c".
+    /// - Each piece between stars is looked for from the start of the piece before it, so "ab*b" fits "ab".
+    bool pattern_match(string const & pattern) const;
+
+private:
+    mutable narrow_string narrow_form_;
+    mutable ci_string ci_form_;
+};
+
+} // namespace any

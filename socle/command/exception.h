@@ -1,0 +1,16 @@
+#pragma once
+
+#include "socle/un/exception.h"
+
+namespace command {
+
+/// Raised by the command line. `Raise` is the inherited one: raised again it arrives as a `un::exception`.
+class SOCLE_API exception : public un::exception {
+public:
+    using un::exception::exception;
+    ~exception() override;
+
+    exception * Clone() const override;
+};
+
+} // namespace command

@@ -1,0 +1,203 @@
+#include "socle/io/directory.h"
+
+#include "socle/io/exception.h"
+#include "socle/io/system_error.h"
+#include "socle/io/system_names_internal.h"
+#include "socle/platform/directories.h"
+#include "socle/platform/environment.h"
+#include "socle/platform/files.h"
+
+#include <utility>
+
+namespace io {
+
+namespace {
+
+constexpr char const * origin = "io::directory";
+constexpr int tries = 999;
+
+/// Whether this is a link, or may be one as far as the system tells. It may lead to a folder even if that is not seen.
+bool may_be_link(any::path const & path) {
+    system_bits const bits(path);
+    return !bits.exists() || bits.link();
+}
+
+} // namespace
+
+directory directory::temp() {
+    narrow_string text;
+    if (!platform::getenv("TEMP", text) && !platform::getenv("TMP", text))
+        text = ".";
+    return directory(any::path(any::string(text, true), true));
+}
+
+directory::directory() = default;
+directory::directory(any::path const & path) : item(path) {}
+directory::directory(directory const &) = default;
+directory::directory(item const & other) : item(other) {}
+directory & directory::operator=(directory const &) = default;
+directory::~directory() = default;
+
+uint64 directory::size() const { return 0; }
+
+bool directory::create(bool) {
+    if (path().empty() || exists() || platform::CreateDirectoryW(system_name(path())))
+        return false;
+    any::path const kept = path();
+    bool const changed = normalize();
+    if (changed)
+        make_unique(tries);
+    if (!platform::CreateDirectoryW(system_name(path()))) {
+        path() = kept;
+        raise_system_error(path(), "cannot create", origin);
+    }
+    return changed;
+}
+
+bool directory::create_parents(bool) {
+    return path().size() >= 2 && !exists() && directory(path().parent()).create(false);
+}
+
+bool directory::create_with_parents(bool overwrite) {
+    bool const parents_changed = create_parents(overwrite);
+    return create(false) || parents_changed;
+}
+
+void directory::unlink(bool report) {
+    if (!platform::RemoveDirectoryW(system_name(path())) && report)
+        throw exception("cannot delete " + path().full_string().str(true), origin, 0);
+}
+
+void directory::unlink_children(bool report) {
+    if (may_be_link(path()))
+        return;
+    // Again as long as that helps: a sidecar is hidden until its file has gone.
+    for (bool removed = true; removed;) {
+        removed = false;
+        for (iterator entry = begin(), last; entry != last; ++entry) {
+            bool const reachable = entry->exists();
+            if (entry->directory())
+                directory(entry->path()).unlink_children(report);
+            entry->unlink(report);
+            removed = removed || (reachable && !entry->exists());
+        }
+    }
+}
+
+void directory::unlink_with_children(bool report) {
+    unlink_children(report);
+    unlink(report);
+}
+
+directory::iterator directory::begin() { return iterator(*this); }
+
+directory::iterator directory::end() { return iterator(); }
+
+/// The system's search, wide or narrow, and the name that it found last.
+struct directory::iterator::search {
+    search() = default;
+    search(search const &) = delete;
+    search & operator=(search const &) = delete;
+    ~search() { close(); }
+
+    void close() {
+        if (handle)
+            platform::FindClose(handle);
+        handle = nullptr;
+    }
+    bool find_first(any::path const & pattern) {
+        if (wide_calls)
+            handle = platform::FindFirstFileW(pattern.full_string(), wide);
+        else
+            handle = platform::FindFirstFileA(pattern.full_string().str(true), narrow);
+        return handle != nullptr;
+    }
+    bool find_next() {
+        return wide_calls ? platform::FindNextFileW(handle, wide) : platform::FindNextFileA(handle, narrow);
+    }
+    any::string name() const { return wide_calls ? any::string(wide.cFileName) : any::string(narrow.cFileName, true); }
+
+    platform::file_search * handle = nullptr; // null when it has ended
+    platform::WIN32_FIND_DATAW wide;
+    platform::WIN32_FIND_DATAA narrow;
+};
+
+directory::iterator::iterator() : dir_(&directory::current), search_(new search) {}
+
+directory::iterator::iterator(directory & folder) : dir_(&folder), search_(new search) { first(folder); }
+
+directory::iterator::iterator(iterator const & other) : dir_(other.dir_), search_(new search) {
+    first(*dir_);
+    search_->wide = other.search_->wide;
+    search_->narrow = other.search_->narrow;
+    current_ = other.current_;
+}
+
+directory::iterator & directory::iterator::operator=(iterator const & other) {
+    if (*this == other)
+        return *this;
+    iterator copy(other);
+    std::swap(dir_, copy.dir_);
+    std::swap(search_, copy.search_);
+    current_ = other.current_;
+    return *this;
+}
+
+directory::iterator::~iterator() { close(); }
+
+directory::iterator & directory::iterator::operator++() {
+    next();
+    return *this;
+}
+
+directory::iterator directory::iterator::operator++(int) {
+    next();
+    return *this;
+}
+
+bool directory::iterator::operator==(iterator const & other) const { return search_->handle == other.search_->handle; }
+
+void directory::iterator::first(directory & folder) {
+    any::path pattern(folder.path());
+    pattern.add_leaf(u"*");
+    search_->find_first(pattern);
+    skip_hidden();
+}
+
+void directory::iterator::next() {
+    succ();
+    skip_hidden();
+}
+
+void directory::iterator::succ() {
+    if (search_->handle && !search_->find_next())
+        close();
+}
+
+/// From the entry just found to the next one that shows, which becomes `current_`.
+void directory::iterator::skip_hidden() {
+    while (search_->handle && trivial())
+        succ();
+    current_.path() = dir_->path();
+    if (search_->handle)
+        current_.path().add_leaf(search_->name());
+}
+
+bool directory::iterator::trivial() const {
+    any::string const name = search_->name();
+    if (name == u"." || name == u"..")
+        return true;
+    constexpr std::u16string_view rsrc = u".rsrc", info = u".info";
+    auto const beside = [&](std::u16string_view suffix) {
+        any::path path(dir_->path());
+        path.add_leaf(any::string(name.substr(0, name.size() - info.size()) + wide_string(suffix)));
+        return item(path).exists();
+    };
+    if (name.ends_with(rsrc))
+        return beside(u"");
+    return name.ends_with(info) && (beside(u"") || beside(rsrc));
+}
+
+void directory::iterator::close() { search_->close(); }
+
+} // namespace io

@@ -1,0 +1,103 @@
+#pragma once
+
+#include "socle/io/item.h"
+
+#include <cstddef>
+#include <iterator>
+#include <memory>
+
+namespace io {
+
+/// A folder. Walking it shows one entry for each file: the sidecars of its forks are hidden while it is there.
+class SOCLE_API directory : public item {
+public:
+    class iterator;
+
+    /// The process's working directory, by a path without elements.
+    static directory current;
+    /// The environment's "TEMP", else its "TMP", else the working directory.
+    static directory temp();
+
+    directory();
+    /// At `path`; nothing is looked at.
+    explicit directory(any::path const & path);
+    directory(directory const &);
+    /// The same path and attributes.
+    explicit directory(item const & other);
+    directory & operator=(directory const &);
+    ~directory() override;
+
+    /// 0.
+    uint64 size() const;
+
+    /// Creates the folder, unless it has no name or exists. True if that worked only under a normalized and unique
+    /// name, which then is the path. Throws an `io::exception`, "cannot create", with the path as it was. The argument
+    /// is not used, in the next two neither.
+    bool create(bool overwrite) override;
+    using item::create_parents;
+    /// Creates the folder around it if that is missing, and no more.
+    bool create_parents(bool overwrite);
+    /// Both, one after the other. True if either changed a name.
+    bool create_with_parents(bool overwrite);
+
+    /// Removes the folder itself, which has to be empty; a link is removed itself. With `report` it throws an
+    /// `io::exception`, "cannot delete " and the path.
+    void unlink(bool report) override;
+    /// Deletes what is in it, as far as that can be deleted; `report` goes to the `unlink` of each. Nothing is deleted
+    /// through a link, not even through one in this place.
+    void unlink_children(bool report);
+    void unlink_with_children(bool report);
+
+    /// A walk from the first entry on, and the end of every walk.
+    iterator begin();
+    iterator end();
+};
+
+/// Goes through a folder, which must outlive it, in the order of the system, once. A folder that cannot be searched has
+/// no entries.
+///
+/// "." and ".." do not show; a name in ".rsrc" does not beside the file that it belongs to, and one in ".info" beside
+/// the file or its ".rsrc". A copy shows the same entry, but goes on from the start of the folder.
+class SOCLE_API directory::iterator {
+public:
+    using iterator_category = std::input_iterator_tag;
+    using value_type = item;
+    using difference_type = std::ptrdiff_t;
+    using pointer = item *;
+    using reference = item &;
+
+    /// The end of any folder.
+    iterator();
+    explicit iterator(directory & folder);
+    iterator(iterator const & other);
+    iterator & operator=(iterator const & other);
+    ~iterator();
+
+    /// The entry, without its attributes.
+    item & operator*() { return current_; }
+    item * operator->() { return &current_; }
+
+    /// Goes to the next entry that shows.
+    iterator & operator++();
+    /// Gives the place after the step.
+    iterator operator++(int);
+
+    /// Whether both stand in the same search, or have both ended.
+    bool operator==(iterator const & other) const;
+
+private:
+    struct search;
+
+    void first(directory & folder);
+    void next();
+    void succ();
+    bool trivial() const;
+    void close();
+    void skip_hidden();
+
+    directory * dir_;
+    std::unique_ptr<search> search_;
+    item current_;
+};
+
+} // namespace io

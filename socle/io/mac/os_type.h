@@ -1,0 +1,36 @@
+#pragma once
+
+#include "socle/un/structure.h"
+
+/// Records of the classic Macintosh file system, big-endian in their stored form.
+namespace io::mac {
+
+/// A code of four characters, such as a file's type: stored as four bytes, the first character first.
+class SOCLE_API os_type : public un::structure {
+public:
+    /// The first four characters; those that a shorter text lacks are 0.
+    os_type(char const * text = "????");
+    os_type(narrow_string const & text);
+    os_type(uint32 number);
+    /// The same bits, so that a plain 0 is a number and not a null pointer.
+    os_type(int number);
+    os_type(os_type const &) = default;
+    os_type & operator=(os_type const &) = default;
+    ~os_type() override;
+
+    /// Always four characters, which may be 0.
+    narrow_string to_string() const;
+    void from_string(narrow_string const & text);
+
+    /// A byte that the stream lacks is 0xFF. If `strict` is set it throws instead: an `io::exception` with "stream is
+    /// too short" and the origin "io::mac::os_type". `value` then stays, and what came is consumed.
+    uint32 read(stream::input & input, bool strict) override;
+    uint32 write(stream::output & output) const override;
+    uint32 size() const override;
+    static constexpr uint32 fixed_size() { return 4; }
+
+    /// The first character in the most significant byte.
+    uint32 value;
+};
+
+} // namespace io::mac

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "socle/any/path.h"
+#include "socle/io/item.h"
+#include "socle/platform/ansi_text.h"
+#include "socle/platform/files.h"
+
+namespace io {
+
+/// How a path goes to the system: as it stands, or as what its narrow form says. Every call of this family goes through
+/// here.
+inline wide_string system_name(any::path const & path) {
+    any::string const full = path.full_string();
+    return wide_calls ? wide_string(full) : platform::from_ansi(full.str(true));
+}
+
+/// The attribute bits of what a path leads to, or that there is nothing. Opens nothing.
+class system_bits {
+public:
+    explicit system_bits(any::path const & path) : bits_(platform::GetFileAttributesW(system_name(path))) {}
+
+    bool exists() const { return bits_ != platform::INVALID_FILE_ATTRIBUTES; }
+    bool directory() const { return has(platform::FILE_ATTRIBUTE_DIRECTORY); }
+    bool link() const { return has(platform::FILE_ATTRIBUTE_REPARSE_POINT); }
+    /// What is neither file nor folder: opening it may have effects, and reading it may wait.
+    bool device() const { return has(platform::FILE_ATTRIBUTE_DEVICE); }
+    bool has(uint32 bit) const { return exists() && (bits_ & bit) != 0; }
+    uint32 value() const { return bits_; }
+
+private:
+    uint32 bits_;
+};
+
+} // namespace io

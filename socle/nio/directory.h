@@ -1,0 +1,91 @@
+#pragma once
+
+#include "socle/nio/item.h"
+
+#include <cstddef>
+#include <iterator>
+#include <memory>
+
+namespace nio {
+
+/// A directory on disk, named by its path.
+class SOCLE_API directory : public item {
+public:
+    class iterator;
+
+    directory() = default;
+    /// At this path; nothing is looked at.
+    explicit directory(wide_string const & path);
+    explicit directory(nio::item const & from);
+
+    /// Creates the directory and any missing parents. True if that worked only under the normalized name, which then is
+    /// the path. Throws `nio::filesystem_exception`, "cannot create", if that fails too, with the path as it was.
+    ///
+    /// Gives false without doing anything for an empty path and one that exists, and where nothing could be created
+    /// under a name that is normal already.
+    bool create();
+    /// Creates a directory in `parent` under a name made from the clock.
+    void create_temp(wide_string const & parent);
+
+    /// Removes the directory if it is empty; a link is removed itself. `must_succeed` lets it throw
+    /// `nio::filesystem_exception`, "cannot delete".
+    void unlink(bool must_succeed);
+    /// Removes what the directory contains, files with their sidecars. With `must_succeed` it stops at the first
+    /// failure, by "cannot delete", else it goes on past what cannot be removed. Nothing is removed through a link, not
+    /// even through one in this place.
+    void unlink_children(bool must_succeed);
+    /// Both, one after the other.
+    void unlink_with_children(bool must_succeed);
+
+    /// A walk from the first entry on, and the end of every walk.
+    iterator begin() const;
+    iterator end() const;
+};
+
+/// Goes through the entries of a directory in the order of the system. "." and "..", and sidecars, names that begin
+/// with "._", do not show. A directory that cannot be searched has no entries.
+///
+/// A copy shows the same entry, but goes on from the start of the directory.
+class SOCLE_API directory::iterator {
+public:
+    using iterator_category = std::input_iterator_tag;
+    using value_type = wide_string;
+    using difference_type = std::ptrdiff_t;
+    using pointer = wide_string const *;
+    using reference = wide_string const &;
+
+    /// The end of any directory.
+    iterator();
+    explicit iterator(nio::item const & from);
+    iterator(iterator const & other);
+    iterator & operator=(iterator const & other);
+    ~iterator();
+
+    /// The path of the entry: the directory's, and the entry's name.
+    wide_string const & operator*() const { return current_; }
+    wide_string const * operator->() const { return &current_; }
+
+    /// Goes to the next entry that shows.
+    iterator & operator++();
+    /// Gives the place after the step.
+    iterator operator++(int);
+
+    /// Whether both stand in the same search, or have both ended.
+    bool operator==(iterator const & other) const;
+
+private:
+    struct search;
+
+    void _first(wide_string const & path);
+    void _next();
+    void _succ();
+    bool _trivial() const;
+    void _close();
+    void show();
+
+    wide_string directory_;
+    std::unique_ptr<search> search_;
+    wide_string current_;
+};
+
+} // namespace nio

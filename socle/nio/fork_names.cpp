@@ -1,0 +1,77 @@
+#include "socle/nio/fork_names.h"
+
+#include "socle/nio/item.h"
+#include "socle/nio/path.h"
+#include "socle/nio/platform_internal.h"
+#include "socle/platform/paths.h"
+
+#include <cwctype>
+#include <string_view>
+
+namespace nio {
+
+namespace {
+
+constexpr std::u16string_view rsrc_stream = u":AFP_Resource";
+constexpr std::u16string_view info_stream = u":AFP_AfpInfo";
+
+/// The part of an absolute path that names its volume, with a separator at the end; empty if there is none.
+wide_string volume_root(wide_string const & path) {
+    auto const is_letter = [](char16_t unit) { return std::iswalpha(unit) != 0; };
+    auto const is_separator = [](char16_t unit) { return unit == u'\\' || unit == u'/'; };
+    if (path.size() >= 3 && is_letter(path[0]) && path[1] == u':' && is_separator(path[2])) {
+        return path.substr(0, 3);
+    }
+    if (!path.starts_with(u"\\\\")) {
+        return {};
+    }
+    path_fragments fragments(path, u'\\');
+    auto host = fragments.begin();
+    ++host;
+    ++host;
+    auto share = host;
+    ++share;
+    return u"\\\\" + *host + u'\\' + (share == fragments.end() ? wide_string() : *share) + u'\\';
+}
+
+wide_string fork_name(wide_string const & path, wide_string const & stream_name, bool must_exist, bool allow_ntfs) {
+    bool const in_stream = allow_ntfs && (must_exist ? exists_ntfs(path) : is_ntfs(path));
+    return in_stream ? stream_name : ufs_name(path);
+}
+
+} // namespace
+
+wide_string ufs_name(wide_string const & path) {
+    wide_string name = path;
+    return name.insert(path.rfind(u'\\') + 1, u"._");
+}
+
+wide_string ntfs_rsrc_name(wide_string const & path) { return wide_string(path).append(rsrc_stream); }
+
+wide_string ntfs_info_name(wide_string const & path) { return wide_string(path).append(info_stream); }
+
+bool is_ntfs_rsrc_name(wide_string const & path) { return path.ends_with(rsrc_stream); }
+
+bool is_ntfs_info_name(wide_string const & path) { return path.ends_with(info_stream); }
+
+bool is_ntfs(wide_string const & path) {
+    wide_string const root = platform_is_nt ? volume_root(make_absolute(path)) : wide_string();
+    wide_string file_system;
+    return !root.empty() && platform::GetVolumeInformationW(root, file_system) && file_system == u"NTFS";
+}
+
+bool exists_ufs(wide_string const & path) { return exists(ufs_name(path)); }
+
+bool exists_ntfs(wide_string const & path) { return is_ntfs(path) && exists(ntfs_rsrc_name(path)); }
+
+bool exists_rsrc(wide_string const & path) { return exists(rsrc_name(path, true, true)); }
+
+wide_string rsrc_name(wide_string const & path, bool must_exist, bool allow_ntfs) {
+    return fork_name(path, ntfs_rsrc_name(path), must_exist, allow_ntfs);
+}
+
+wide_string info_name(wide_string const & path, bool must_exist, bool allow_ntfs) {
+    return fork_name(path, ntfs_info_name(path), must_exist, allow_ntfs);
+}
+
+} // namespace nio

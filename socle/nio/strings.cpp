@@ -1,0 +1,124 @@
+#include "socle/nio/strings.h"
+
+#include "socle/basic/exception.h"
+#include "socle/nio/blocks.h"
+#include "socle/nio/encoding.h"
+#include "socle/nio/lending_internal.h"
+
+#include <algorithm>
+#include <memory>
+
+namespace nio {
+
+namespace {
+
+constexpr uint32 block_size = 0x10000;
+
+/// How much of the text goes into its field.
+std::size_t cut(narrow_string const & bytes, uint32 limit) {
+    return limit != 0 ? std::min<std::size_t>(bytes.size(), limit) : bytes.size();
+}
+
+/// A block write takes a count of 32 bits.
+void write_all(output & out, char const * data, std::size_t size) {
+    do {
+        auto const count = static_cast<uint32>(std::min<std::size_t>(size, UINT32_MAX));
+        out.write(data, count);
+        data += count;
+        size -= count;
+    } while (size > 0);
+}
+
+bool ends_line(char byte) { return byte == '\r' || byte == '\n'; }
+
+} // namespace
+
+narrow_string read_string(input & in, uint32 length, uint32 field_size, bool stop_at_nul) {
+    // Not initialised: a field may be far larger than what the stream has.
+    auto const text = std::make_unique_for_overwrite<char[]>(length);
+    if (in.read(text.get(), length) < length)
+        throw basic::exception("input stream is too short to complete a string");
+    if (length < field_size)
+        skip(in, field_size - length, block_size);
+    return {text.get(), stop_at_nul ? std::find(text.get(), text.get() + length, '\0') : text.get() + length};
+}
+
+wide_string read(input & in, int encoding, uint32 length, uint32 field_size, bool stop_at_nul) {
+    return decode(read_string(in, length, field_size, stop_at_nul), encoding);
+}
+
+wide_string read_c(input & in, int encoding) {
+    narrow_string bytes;
+    for (;;) {
+        if (auto const held = lending::bytes(in); !held.empty()) {
+            auto const end = std::find(held.begin(), held.end(), '\0');
+            bytes.append(held.begin(), end);
+            bool const found = end != held.end();
+            lending::take(in, static_cast<uint64>(end - held.begin()) + found);
+            if (found)
+                break;
+            continue;
+        }
+        char byte;
+        if (in.read(&byte, 1) == 0 || byte == '\0')
+            break;
+        bytes += byte;
+    }
+    return decode(bytes, encoding);
+}
+
+void write_string(output & out, narrow_string const & bytes, uint32 field_size, uint32 limit) {
+    auto const size = cut(bytes, limit);
+    write_all(out, bytes.data(), size);
+    if (field_size > size)
+        fill(out, field_size - size, '\0', block_size);
+}
+
+void write(output & out, wide_string const & text, int encoding, uint32 field_size, uint32 limit) {
+    write_string(out, encode(text, encoding), field_size, limit);
+}
+
+void write_c(output & out, wide_string const & text, int encoding) {
+    auto const bytes = encode(text, encoding);
+    write_all(out, bytes.data(), bytes.size());
+    out.write(static_cast<unsigned char>(0));
+}
+
+uint32 written_size(wide_string const & text, int encoding, uint32 field_size, uint32 limit) {
+    auto const size = cut(encode(text, encoding), limit);
+    return std::max(field_size, static_cast<uint32>(std::min<std::size_t>(size, UINT32_MAX)));
+}
+
+bool read_line(input & in, basic::buffer<char> & line) {
+    uint32 length = 0;
+    bool ended = false;
+    while (length < line.size()) {
+        if (auto const held = lending::bytes(in); !held.empty()) {
+            auto at = held.begin();
+            if (length == 0)
+                at = std::find_if_not(at, held.end(), ends_line);
+            auto const most = std::min<std::ptrdiff_t>(held.end() - at, line.size() - length);
+            auto const end = std::find_if(at, at + most, ends_line);
+            std::copy(at, end, line.data() + length);
+            length += static_cast<uint32>(end - at);
+            bool const line_end = end != at + most;
+            lending::take(in, static_cast<uint64>(end - held.begin()) + line_end);
+            if (line_end)
+                break;
+            continue;
+        }
+        char byte;
+        if (in.read(&byte, 1) == 0) {
+            ended = true;
+            break;
+        }
+        if (!ends_line(byte))
+            line[length++] = byte;
+        else if (length > 0)
+            break;
+    }
+    line.resize(length);
+    return !ended;
+}
+
+} // namespace nio

@@ -1,0 +1,53 @@
+#pragma once
+
+#include "socle/basic/export.h"
+#include "socle/basic/types.h"
+
+namespace nio {
+
+/// A point in time that can be set from and read in six numeric formats, and moved between GMT and local time. A plain
+/// value, all zero at first. It does not know which of the two it is, `is_local` apart, which only tells the last move.
+class SOCLE_API time {
+public:
+    /// What a number means.
+    enum format_type : int {
+        format_file_time = 0,    ///< 100 nanoseconds since 1601, 64 bits
+        format_mac_seconds = 1,  ///< seconds since 1904, 32 bits
+        format_unix_seconds = 2, ///< seconds since 1970, 32 bits
+        format_dos = 3,          ///< see `get_dos`, 32 bits; local time
+        format_seconds_2000 = 4, ///< seconds since 2000, 32 bits
+        format_mac_fixed = 5,    ///< 1/65536 second since 1904, 64 bits
+    };
+
+    /// The time in a format, modulo its width; 0 for any other format. A time before the epoch of a format has no
+    /// meaningful number in it. What was set in a Macintosh format comes back exactly in both of them.
+    uint64 get(format_type format) const;
+    /// Sets the time; of a format of 32 bits only these are looked at. Any other format changes nothing.
+    void set(uint64 value, format_type format);
+
+    /// The DOS date in the high 16 bits: years since 1980, month, day, in 7, 4 and 5 bits; the DOS time in the low 16:
+    /// hour, minute, seconds / 2, in 5, 6 and 5 bits. Odd seconds are rounded up. The time is taken as GMT, and its
+    /// seconds since 1970 modulo 2^32; the words are local time. A year before 1980 gives a date word of 0.
+    uint32 get_dos() const;
+    /// Sets the time from local time; a field out of its range carries into the others.
+    void set_dos(uint16 date_word, uint16 time_word);
+
+    /// From GMT to local time, and back, by the rules that hold now, with an hour of daylight saving at the dates that
+    /// have it. Within 15 hours of a change the hour can be wrong. Called twice, they move twice.
+    void to_local();
+    void to_gmt();
+
+    /// Whether `to_local` was called later than `to_gmt`.
+    bool is_local() const noexcept { return is_local_; }
+    /// The time in `format_file_time`.
+    uint64 file_time() const noexcept { return file_time_; }
+    /// The time in `format_mac_fixed` if it was set in a Macintosh format, else 0.
+    uint64 mac_time() const noexcept { return mac_time_; }
+
+private:
+    bool is_local_ = false;
+    uint64 file_time_ = 0;
+    uint64 mac_time_ = 0;
+};
+
+} // namespace nio

@@ -1,0 +1,213 @@
+#include "socle/nio/utf8.h"
+
+#include "socle/basic/byte_order.h"
+
+#include <algorithm>
+#include <bit>
+#include <cstring>
+
+namespace nio {
+
+namespace {
+
+constexpr char16_t replacement = 0xFFFD;
+constexpr std::size_t step = 16; // units, or bytes, that are looked at together
+constexpr std::size_t word_size = sizeof(uint64);
+
+unsigned char value(char byte) { return static_cast<unsigned char>(byte); }
+
+bool continues(char byte) { return (value(byte) & 0xC0) == 0x80; }
+
+/// Whether none of the next `step` elements is above ASCII.
+template <class Unit>
+bool is_ascii(Unit const * from) {
+    uint64 bits = 0;
+    for (std::size_t i = 0; i < step * sizeof(Unit) / sizeof bits; ++i) {
+        uint64 word;
+        std::memcpy(&word, reinterpret_cast<char const *>(from) + i * sizeof word, sizeof word);
+        bits |= word;
+    }
+    return (bits & (sizeof(Unit) == 1 ? 0x8080808080808080 : 0xFF80FF80FF80FF80)) == 0;
+}
+
+template <class From, class To>
+void copy_ascii(From const * from, To * to) {
+    To block[step]; // of its own, so that it can be made in one go
+    for (std::size_t i = 0; i < step; ++i)
+        block[i] = static_cast<To>(from[i]);
+    std::memcpy(to, block, sizeof block);
+}
+
+/// The bytes of a word, the lowest first, as units.
+void spread(uint64 word, char16_t * to) {
+    constexpr int low_byte = std::endian::native == std::endian::big ? 8 : 0;
+    for (uint64 units : {word & 0xFFFFFFFF, word >> 32}) {
+        units = (units | units << 16) & 0x0000FFFF0000FFFF;
+        units = (units | units << 8) & 0x00FF00FF00FF00FF;
+        basic::store<uint64>(reinterpret_cast<char *>(to), units << low_byte, false);
+        to += 4;
+    }
+}
+
+/// Text on its way to the end of a string, which so is never filled before it is written.
+template <class Text>
+class tail {
+public:
+    explicit tail(Text & text) : text_(text) {}
+
+    /// Room for what one step of the loops below puts there.
+    void make_room() {
+        if (to > block_ + sizeof block_ / sizeof block_[0] - most)
+            finish();
+    }
+    void finish() {
+        text_.append(block_, to);
+        to = block_;
+    }
+
+private:
+    static constexpr std::size_t most = 10 * step;
+
+    Text & text_;
+    typename Text::value_type block_[4096];
+
+public:
+    typename Text::value_type * to = block_;
+};
+
+/// The sequence at `at`, of any length and worth, as one unit; moves `at` behind it.
+char16_t decode_any(char const *& at, char const * end, bool validate) {
+    uint32 const length = _utf8_size(*at);
+    uint32 u = value(*at) & (length <= 1 ? 0x7Fu : 0x7Fu >> length);
+    uint32 count = 1;
+    for (++at; count < length && at != end && continues(*at); ++at, ++count)
+        u = u << 6 | (value(*at) & 0x3F);
+    if (count != length)
+        return replacement;
+    if (validate) {
+        bool const overlong = (count == 2 && (u & 0xFF80) == 0) || (count == 3 && u >> 11 == 0);
+        if (overlong || count >= 4 || (u >= 0xD800 && u <= 0xDFFF) || u == 0xFFFE || u == 0xFFFF)
+            return replacement;
+    }
+    return static_cast<char16_t>(u);
+}
+
+// A sequence of three bytes at the low end of a word.
+constexpr uint64 three_mask = 0xC0C0F0, three_bytes = 0x8080E0;
+
+uint32 three(uint64 word) {
+    return static_cast<uint32>((word & 0xF) << 12 | (word >> 2 & 0xFC0) | (word >> 16 & 0x3F));
+}
+
+/// All from 0x800 on but surrogates and the two that are no characters.
+bool is_plain_three(uint32 u) { return u - 0x800 < 0xD000 || u - 0xE000 < 0x1FFE; }
+
+} // namespace
+
+uint32 _utf8_size(char16_t unit) { return unit < 0x80 ? 1 : unit < 0x800 ? 2 : 3; }
+
+uint32 _utf8_size(uint16 unit) { return _utf8_size(static_cast<char16_t>(unit)); }
+
+uint32 _utf8_size(char lead) {
+    unsigned char const byte = value(lead);
+    if (byte < 0x80)
+        return 1;
+    if (byte < 0xC0 || byte > 0xFD)
+        return 0;
+    return byte < 0xE0 ? 2 : byte < 0xF0 ? 3 : byte < 0xF8 ? 4 : byte < 0xFC ? 5 : 6;
+}
+
+void _utf8_encode(wide_string const & text, narrow_string & out) {
+    out.clear();
+    out.reserve(text.size());
+    tail<narrow_string> result(out);
+    char16_t const * from = text.data();
+    char16_t const * const end = from + text.size();
+    while (from != end) {
+        result.make_room();
+        char * to = result.to;
+        if (std::size_t(end - from) >= step && is_ascii(from)) {
+            copy_ascii(from, to);
+            from += step;
+            result.to += step;
+            continue;
+        }
+        for (auto const * const stop = from + std::min<std::size_t>(step, std::size_t(end - from)); from != stop;) {
+            unsigned const unit = *from++;
+            if (unit < 0x80) {
+                *to++ = static_cast<char>(unit);
+            } else if (unit < 0x800) {
+                to[0] = static_cast<char>(0xC0 | unit >> 6);
+                to[1] = static_cast<char>(0x80 | (unit & 0x3F));
+                to += 2;
+            } else {
+                // Four bytes at once cost less than three; the last is written over.
+                basic::store<uint32>(to, 0x008080E0 | unit >> 12 | (unit << 2 & 0x3F00) | (unit << 16 & 0x3F0000),
+                                     false);
+                to += 3;
+            }
+        }
+        result.to = to;
+    }
+    result.finish();
+}
+
+void _utf8_decode(narrow_string const & bytes, wide_string & out, bool validate) {
+    out.clear();
+    out.reserve(bytes.size());
+    tail<wide_string> result(out);
+    char const * from = bytes.data();
+    char const * const end = from + bytes.size();
+    while (from != end) {
+        result.make_room();
+        char16_t * to = result.to;
+        if (std::size_t(end - from) >= step && is_ascii(from)) {
+            copy_ascii(from, to);
+            from += step;
+            result.to += step;
+            continue;
+        }
+        for (auto const * const stop = to + 8 * step; to < stop && std::size_t(end - from) >= word_size;) {
+            auto word = basic::load<uint64>(from, false);
+            auto const plain = std::size_t(std::countr_zero(word & 0x8080808080808080)) / 8;
+            if (plain != 0) {
+                // All of the word, and what is not ASCII is written over.
+                spread(word, to);
+                from += plain;
+                to += plain;
+                if (plain == word_size)
+                    break;
+                word >>= 8 * plain; // zeros behind it, which continue nothing
+            }
+            if ((word & 0xC0E0) == 0x80C0 && (word & 0x1E) != 0) {
+                *to++ = static_cast<char16_t>((word & 0x1F) << 6 | (word >> 8 & 0x3F));
+                from += 2;
+                continue;
+            }
+            if ((word & three_mask) == three_bytes) {
+                uint32 const u = three(word);
+                if (is_plain_three(u)) {
+                    *to++ = static_cast<char16_t>(u);
+                    from += 3;
+                    word >>= 24;
+                    uint32 const next = three(word);
+                    if ((word & three_mask) == three_bytes && is_plain_three(next)) {
+                        *to++ = static_cast<char16_t>(next);
+                        from += 3;
+                    }
+                    continue;
+                }
+            }
+            if (plain != 0)
+                continue; // the rest of the sequence may lie behind the word
+            *to++ = decode_any(from, end, validate);
+        }
+        // Short texts, and the ends of others, one by one.
+        for (auto const * const stop = to + step; to != stop && std::size_t(end - from) < step && from != end;)
+            *to++ = decode_any(from, end, validate);
+        result.to = to;
+    }
+    result.finish();
+}
+
+} // namespace nio

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "socle/basic/types.h"
+
+#include <functional>
+
+/// Code pages: 8-bit encodings by number. Any thread may call these at any time.
+namespace platform {
+
+/// UTF-8 by its number. It is no installed page.
+constexpr uint32 CP_UTF8 = 65001;
+
+/// The page of ordinary programs and that of consoles, by the language of the process's locale.
+uint32 GetACP();
+uint32 GetOEMCP();
+
+/// Calls `page` for each installed page with its number as decimal text, until it returns false.
+bool EnumSystemCodePagesA(std::function<bool(char const *)> const & page);
+
+/// Converts `count` bytes and gives the number of units.
+/// - With a capacity of 0 nothing is stored, and the result is what would be needed.
+/// - 0 is a failure: nothing to convert or an unknown page (87), or more units than fit, or than 32 bits count (122).
+/// - Bytes that mean nothing come out as units of their own value in a page of single bytes, else as U+FFFD.
+uint32 MultiByteToWideChar(uint32 page, char const * from, uint32 count, char16_t * to, uint32 capacity);
+
+/// Converts `count` units and gives the number of bytes, as above.
+/// - A unit that the page lacks becomes `default_character`, one byte, or a question mark if that is null. Then
+///   `used_default`, if it is not null, is set to true, and to false otherwise.
+/// - UTF-8 lacks only lone surrogates, which become U+FFFD instead.
+uint32 WideCharToMultiByte(uint32 page, char16_t const * from, uint32 count, char * to, uint32 capacity,
+                           char const * default_character, bool * used_default);
+
+} // namespace platform

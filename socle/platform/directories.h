@@ -1,0 +1,39 @@
+#pragma once
+
+#include "socle/basic/types.h"
+
+namespace platform {
+
+/// Makes one directory. 183 if anything is there.
+bool CreateDirectoryW(wide_string const & path);
+
+/// Removes an empty directory with its named streams, or a link to a directory. 145 if it is not empty, 267 for a file.
+bool RemoveDirectoryW(wide_string const & path);
+
+struct WIN32_FIND_DATAW {
+    wide_string cFileName;
+};
+
+struct WIN32_FIND_DATAA {
+    narrow_string cFileName;
+};
+
+/// A search under way. One thread at a time may use it.
+struct file_search;
+
+/// Begins a search for `folder\*`, all that the folder holds, or for one name without a wildcard, and finds its first
+/// entry; null if there is none. A name is answered without reading any folder.
+///
+/// A whole folder comes with "." and ".." first, then by unit in upper case, ties by unit, as it was when the search
+/// began. Changes in the folder do not disturb it.
+file_search * FindFirstFileW(wide_string const & pattern, WIN32_FIND_DATAW & data);
+/// False at the end, with 18.
+bool FindNextFileW(file_search * search, WIN32_FIND_DATAW & data);
+
+/// The same in the ANSI page, without the names that do not come back from it as they are.
+file_search * FindFirstFileA(narrow_string const & pattern, WIN32_FIND_DATAA & data);
+bool FindNextFileA(file_search * search, WIN32_FIND_DATAA & data);
+
+void FindClose(file_search * search);
+
+} // namespace platform

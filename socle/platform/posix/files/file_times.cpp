@@ -1,0 +1,116 @@
+#include "socle/platform/file_times.h"
+
+#include "socle/platform/posix/files/file_times.h"
+#include "socle/platform/posix/host/error_codes.h"
+#include "socle/platform/posix/host/extended_attributes.h"
+#include "socle/platform/posix/host/host_calls.h"
+#include "socle/platform/posix/host/report.h"
+
+#include <cerrno>
+#include <charconv>
+#include <string>
+
+namespace platform {
+
+namespace posix {
+
+namespace {
+
+/// On a mounted NTFS disk: the creation time in eight bytes, as the host keeps integers.
+constexpr char const * disk_attribute = "system.ntfs_crtime";
+/// Elsewhere one that was set, in decimal digits.
+constexpr char const * record_attribute = "user.socle.created";
+
+constexpr int64 units_per_second = 10'000'000;
+constexpr int64 nanoseconds_per_unit = 100;
+constexpr int64 seconds_1601_to_1970 = 11'644'473'600;
+
+/// A path by which calls that want one reach an open file of any kind.
+narrow_string path_of(int file) { return "/proc/self/fd/" + std::to_string(file); }
+
+uint64 units_of(int64 seconds, int64 nanoseconds) {
+    int64 const since_1601 = seconds + seconds_1601_to_1970;
+    return since_1601 < 0 ? 0 : uint64(since_1601) * units_per_second + uint64(nanoseconds / nanoseconds_per_unit);
+}
+
+timespec host_time(uint64 units) {
+    timespec time{};
+    time.tv_sec = static_cast<time_t>(int64(units / units_per_second) - seconds_1601_to_1970);
+    time.tv_nsec = static_cast<long>(units % units_per_second) * nanoseconds_per_unit;
+    return time;
+}
+
+bool disk_time(narrow_string const & path, uint64 & units) {
+    narrow_string value;
+    if (!get_attribute(path, disk_attribute, true, value) || value.size() != sizeof units)
+        return false;
+    std::copy(value.begin(), value.end(), reinterpret_cast<char *>(&units));
+    return true;
+}
+
+bool recorded_time(narrow_string const & path, uint64 & units) {
+    narrow_string text;
+    if (!get_attribute(path, record_attribute, true, text))
+        return false;
+    char const * const end = text.data() + text.size();
+    auto const [last, error] = std::from_chars(text.data(), end, units);
+    return error == std::errc() && last == end;
+}
+
+uint32 get_times(int file, file_times & times) {
+    struct statx status {};
+    if (host::statx(file, "", AT_EMPTY_PATH, STATX_MTIME | STATX_BTIME, &status) != 0)
+        return code_of(errno);
+    times = times_of(path_of(file), status, true);
+    return 0;
+}
+
+uint32 set_created(narrow_string const & path, uint64 units) {
+    uint64 now = 0;
+    int const error = disk_time(path, now)
+                          ? set_attribute(path, disk_attribute, {reinterpret_cast<char const *>(&units), sizeof units})
+                          : set_attribute(path, record_attribute, std::to_string(units));
+    return error == ENOTSUP ? 0 : code_of(error);
+}
+
+uint32 set_times(int file, uint64 const * created, uint64 const * modified) {
+    narrow_string const path = path_of(file);
+    if (created != nullptr) {
+        if (uint32 const code = set_created(path, *created))
+            return code;
+    }
+    if (modified == nullptr)
+        return 0;
+    timespec const times[2] = {{0, UTIME_OMIT}, host_time(*modified)};
+    return host::utimensat(host::here, path, times, 0) == 0 ? 0 : code_of(errno);
+}
+
+} // namespace
+
+file_times times_of(narrow_string const & path, struct statx const & status, bool recorded) {
+    uint64 const modified = units_of(status.stx_mtime.tv_sec, status.stx_mtime.tv_nsec);
+    // The driver of an NTFS disk tells it by the attribute alone.
+    bool const known = (status.stx_mask & STATX_BTIME) != 0;
+    uint64 created = 0;
+    if ((known || !disk_time(path, created)) && (!recorded || !recorded_time(path, created)))
+        created = known ? units_of(status.stx_btime.tv_sec, status.stx_btime.tv_nsec) : modified;
+    return {created, modified};
+}
+
+} // namespace posix
+
+bool GetFileTime(int file, uint64 & created, uint64 & modified) {
+    posix::file_times times;
+    bool const told = posix::report(posix::get_times(file, times));
+    if (told) {
+        created = times.created;
+        modified = times.modified;
+    }
+    return told;
+}
+
+bool SetFileTime(int file, uint64 const * created, uint64 const * modified) {
+    return posix::report(posix::set_times(file, created, modified));
+}
+
+} // namespace platform

@@ -1,0 +1,17 @@
+#pragma once
+
+#include "socle/platform/posix/host/host_calls.h"
+
+namespace platform::posix {
+
+/// In 100 nanoseconds since 1601.
+struct file_times {
+    uint64 created = 0;
+    uint64 modified = 0;
+};
+
+/// The times of the file at `path` with this status, in which the host was asked for STATX_MTIME and STATX_BTIME. An
+/// extended attribute with a creation time of its own is only looked for if there may be one: `recorded`.
+file_times times_of(narrow_string const & path, struct statx const & status, bool recorded);
+
+} // namespace platform::posix

@@ -1,0 +1,29 @@
+#include "socle/platform/environment.h"
+
+#include "socle/platform/ansi_text.h"
+#include "socle/platform/posix/paths/host_names.h"
+
+#include <cstdlib>
+
+namespace platform {
+
+bool _wgetenv(char const * name, wide_string & value) {
+    char const * const text = std::getenv(name);
+    if (text != nullptr) {
+        value = posix::from_host_text(text);
+    }
+    return text != nullptr;
+}
+
+bool getenv(char const * name, narrow_string & value) {
+    wide_string text;
+    if (!_wgetenv(name, text)) {
+        return false;
+    }
+    value = to_ansi(text);
+    return true;
+}
+
+uint32 GetVersionExA() { return VER_PLATFORM_WIN32_NT; }
+
+} // namespace platform

@@ -1,0 +1,98 @@
+#include "socle/platform/posix/paths/path_text.h"
+
+#include "socle/platform/errors.h"
+#include "socle/platform/posix/host/host_calls.h"
+#include "socle/platform/posix/paths/host_names.h"
+
+#include <algorithm>
+#include <climits>
+
+namespace platform::posix {
+
+namespace {
+
+constexpr std::u16string_view separators = u"\\/";
+
+bool is_separator(char16_t unit) { return separators.find(unit) != std::u16string_view::npos; }
+
+bool has_drive(std::u16string_view path) {
+    return path.size() >= 2 && path[1] == u':'
+           && ((path[0] >= u'A' && path[0] <= u'Z') || (path[0] >= u'a' && path[0] <= u'z'));
+}
+
+/// What stands in front of the next separator; it and the separator are taken from `path`.
+std::u16string_view take_name(std::u16string_view & path) {
+    std::size_t const end = std::min(path.find_first_of(separators), path.size());
+    std::u16string_view const name = path.substr(0, end);
+    path.remove_prefix(std::min(end + 1, path.size()));
+    return name;
+}
+
+void add_names(std::u16string_view path, path_text & text) {
+    text.folder = !path.empty() && is_separator(path.back());
+    while (!path.empty()) {
+        std::u16string_view const name = take_name(path);
+        if (name == u"..") {
+            if (!text.names.empty()) {
+                text.names.pop_back();
+            }
+        } else if (!name.empty() && name != u".") {
+            text.names.emplace_back(name);
+        }
+    }
+    text.folder = text.folder && !text.names.empty();
+}
+
+/// The names of the working directory.
+bool add_working_directory(path_text & text) {
+    char folder[PATH_MAX];
+    if (host::getcwd(folder, sizeof folder) == nullptr) {
+        return false;
+    }
+    std::string_view left = folder;
+    while (!left.empty()) {
+        std::size_t const end = std::min(left.find('/'), left.size());
+        if (end > 0) {
+            text.names.push_back(from_host_name(left.substr(0, end)));
+        }
+        left.remove_prefix(std::min(end + 1, left.size()));
+    }
+    return true;
+}
+
+} // namespace
+
+wide_string path_text::text() const {
+    wide_string text = root;
+    for (wide_string const & name : names) {
+        (text += u'\\') += name;
+    }
+    return folder || names.empty() ? text + u'\\' : text;
+}
+
+uint32 read_path(std::u16string_view path, path_text & text) {
+    if (path.empty()) {
+        return ERROR_PATH_NOT_FOUND;
+    }
+    if (path.find(u'\0') != std::u16string_view::npos) {
+        return ERROR_INVALID_NAME;
+    }
+    text = {u"C:", {}, false};
+    if (path.size() >= 2 && is_separator(path[0]) && is_separator(path[1])) {
+        path.remove_prefix(2);
+        text.root = u"\\\\";
+        text.root += take_name(path);
+        if (!path.empty()) {
+            (text.root += u'\\') += take_name(path);
+        }
+    } else if (has_drive(path)) {
+        text.root = path.substr(0, 2);
+        path.remove_prefix(2);
+    } else if (!is_separator(path.front()) && !add_working_directory(text)) {
+        return ERROR_PATH_NOT_FOUND;
+    }
+    add_names(path, text);
+    return 0;
+}
+
+} // namespace platform::posix

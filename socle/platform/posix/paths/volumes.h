@@ -1,0 +1,28 @@
+#pragma once
+
+#include "socle/platform/posix/streams/named_streams.h"
+
+#include <memory>
+#include <string_view>
+
+/// The volumes: `C:` for the host's root, and the attached ones. The table only changes before threads start.
+namespace platform::posix {
+
+struct volume {
+    char letter;
+    narrow_string folder; // absolute, free of links, without a separator at its end: empty for the host's root
+    narrow_string file_system;
+    std::unique_ptr<named_streams> streams; // none where files have no named streams
+    bool ntfs_disk;                         // whether it gives a file's NTFS attributes as extended ones
+};
+
+/// The volume of a letter in either case; null if there is none.
+volume const * volume_of_letter(char16_t letter);
+
+/// The volume whose folder is the longest at or above an absolute host path that is free of links.
+volume const & volume_at(std::string_view host);
+
+/// Whether there is any volume but `C:`.
+bool any_attached();
+
+} // namespace platform::posix

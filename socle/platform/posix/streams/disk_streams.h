@@ -1,0 +1,26 @@
+#pragma once
+
+#include "socle/platform/posix/streams/named_streams.h"
+
+namespace platform::posix {
+
+/// The streams of a mounted NTFS disk whose driver gives stream `name` of a file `f` as `f:name`.
+class disk_streams final : public named_streams {
+public:
+    /// `volume` is absolute and free of links.
+    explicit disk_streams(narrow_string const & volume) : volume_(volume) {}
+
+    /// Whether the disk at `volume` is of this kind.
+    static bool found_at(narrow_string const & volume);
+
+    uint32 locate(narrow_string const & file, wide_string const & name, bool create,
+                  narrow_string & host) const override;
+    uint32 list(narrow_string const & file, std::vector<wide_string> & names) const override;
+    bool hidden(narrow_string const & host) const override;
+    narrow_string belongings(narrow_string const & file) const override;
+
+private:
+    narrow_string volume_;
+};
+
+} // namespace platform::posix

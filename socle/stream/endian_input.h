@@ -1,0 +1,86 @@
+#pragma once
+
+#include "socle/basic/byte_order.h"
+#include "socle/stream/direct_input.h"
+
+#include <typeinfo>
+
+namespace stream {
+
+/// Reads whole integers in a stated byte order.
+///
+/// The end of the stream raises nothing here. `read8` then gives 0xFF. Where the order is the host's, each missing byte
+/// of a value is 0xFF; otherwise each missing byte sets every bit from its place upward, in the 32-bit word it belongs
+/// to. A reader that must not run past the end stands on a `stream::safe_input`.
+class SOCLE_API endian_input : public direct_input {
+public:
+    /// Stands on `stream`, which has to outlive it.
+    explicit endian_input(input & stream);
+    endian_input(endian_input const &) = default;
+    endian_input & operator=(endian_input const &) = default;
+    ~endian_input() override;
+
+    /// The next integer of that many bits.
+    virtual unsigned char read8();
+    virtual uint16 read16() = 0;
+    /// Three bytes, in bits 23 to 0.
+    virtual uint32 read24() = 0;
+    virtual uint32 read32() = 0;
+    virtual uint64 read64() = 0;
+
+protected:
+    /// Whether this machine keeps the high byte first.
+    bool host_big_endian() const noexcept { return host_big_endian_; }
+
+    // The value that comes next: at once if its bytes lie open in memory beneath an object of just the class `Own`,
+    // where nobody can have overridden how they are read.
+    template <class Own, class Value>
+    Value next(bool big) {
+        bool const own = typeid(*this) == typeid(Own);
+        if (char const * const at = own && underlying() ? open_bytes(*underlying(), sizeof(Value)) : nullptr)
+            return basic::load<Value>(at, big);
+        return static_cast<Value>(read_on(sizeof(Value), big, own));
+    }
+    uint64 read_on(uint32 width, bool big, bool own);
+
+private:
+    bool host_big_endian_;
+};
+
+/// The high byte comes first.
+class SOCLE_API big_endian_input : public endian_input {
+public:
+    /// Stands on `stream`, which has to outlive it.
+    explicit big_endian_input(input & stream);
+    big_endian_input(big_endian_input const &) = default;
+    big_endian_input & operator=(big_endian_input const &) = default;
+    ~big_endian_input() override;
+
+    SOCLE_API uint16 read16() override { return next<big_endian_input, uint16>(true); }
+    uint32 read24() override;
+    SOCLE_API uint32 read32() override { return next<big_endian_input, uint32>(true); }
+    SOCLE_API uint64 read64() override { return next<big_endian_input, uint64>(true); }
+
+private:
+    bool _ours() const override;
+};
+
+/// The low byte comes first.
+class SOCLE_API little_endian_input : public endian_input {
+public:
+    /// Stands on `stream`, which has to outlive it.
+    explicit little_endian_input(input & stream);
+    little_endian_input(little_endian_input const &) = default;
+    little_endian_input & operator=(little_endian_input const &) = default;
+    ~little_endian_input() override;
+
+    SOCLE_API uint16 read16() override { return next<little_endian_input, uint16>(false); }
+    uint32 read24() override;
+    SOCLE_API uint32 read32() override { return next<little_endian_input, uint32>(false); }
+    SOCLE_API uint64 read64() override { return next<little_endian_input, uint64>(false); }
+
+private:
+    bool _ours() const override;
+};
+
+} // namespace stream

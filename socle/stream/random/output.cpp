@@ -1,0 +1,7 @@
+#include "socle/stream/random/output.h"
+
+namespace stream::random {
+
+output::~output() = default;
+
+} // namespace stream::random

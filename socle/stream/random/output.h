@@ -1,0 +1,22 @@
+#pragma once
+
+#include "socle/stream/output.h"
+
+namespace stream::random {
+
+/// A sink that can seek.
+class SOCLE_API output : public virtual stream::output {
+public:
+    output() = default;
+    output(output const &) = default;
+    output & operator=(output const &) = default;
+    ~output() override;
+
+    using stream::output::write;
+
+    bool seek(uint64 where) override = 0;
+    uint64 size() const override = 0;
+    void resize(uint64 size) override = 0;
+};
+
+} // namespace stream::random

@@ -1,0 +1,82 @@
+#include "socle/stream/vector_output.h"
+
+#include "socle/stream/input.h"
+
+#include <algorithm>
+#include <cstring>
+#include <functional>
+#include <typeinfo>
+
+namespace stream {
+
+namespace {
+
+[[noreturn]] void fail(char const * message) { throw exception(message, "stream::vector_output"); }
+
+} // namespace
+
+vector_output::vector_output(byte_vector & vector, uint32 start) : vector_(vector), index_(start) {}
+
+vector_output::~vector_output() = default;
+
+void vector_output::write(char byte) {
+    auto const value = static_cast<unsigned char>(byte);
+    if (index_ < vector_.size())
+        vector_[index_] = value;
+    else
+        vector_.push_back(value);
+    ++index_;
+}
+
+void vector_output::write(char const * data, uint32 count) {
+    if (count == 0)
+        return;
+    auto const * from = reinterpret_cast<unsigned char const *>(data);
+    if (index_ + count > vector_.size()) {
+        // A block inside the vector moves with it.
+        std::less<unsigned char const *> const before;
+        unsigned char const * const first = vector_.data();
+        bool const inside = !before(from, first) && before(from, first + vector_.size());
+        auto const offset = inside ? from - first : 0;
+        vector_.resize(index_ + count);
+        if (inside)
+            from = vector_.data() + offset;
+    }
+    std::memmove(vector_.data() + index_, from, count);
+    index_ += count;
+}
+
+uint64 vector_output::tell() const { return index_; }
+
+void vector_output::copy_from(input & source) {
+    uint64 const size = source.size();
+    uint64 const end = std::max<uint64>(vector_.size(), index_);
+    if (end > UINT32_MAX || size > UINT32_MAX - end)
+        fail("input stream is too large to copy into the vector");
+    if (size == 0)
+        return;
+    vector_.resize(end + size);
+    auto const wanted = static_cast<uint32>(size);
+    index_ += std::min(source.read(reinterpret_cast<char *>(vector_.data()) + index_, wanted), wanted);
+}
+
+void vector_output::resize(uint64 new_size) {
+    if (new_size < size())
+        fail("I do not truncate the stream");
+    if (new_size > size())
+        vector_.resize(new_size);
+}
+
+bool vector_output::_apart(std::span<char const>) const { return _ours(); }
+
+bool vector_output::_ours() const { return typeid(*this) == typeid(vector_output); }
+
+std::span<char> vector_output::_room() {
+    if (index_ >= vector_.size() || !_ours())
+        return {};
+    return {reinterpret_cast<char *>(vector_.data()) + index_, vector_.size() - index_};
+}
+
+void vector_output::_use(uint64 count) { index_ += count; }
+
+} // namespace stream

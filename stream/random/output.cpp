@@ -1,7 +1,0 @@
-#include "stream/random/output.h"
-
-namespace stream::random {
-
-output::~output() = default;
-
-} // namespace stream::random
