@@ -41,14 +41,13 @@ template <class Value>
 void read_all(stream::input & from) {
     stream::big_endian_input in(from);
     Value sum = 0;
-    for (uint32 i = 0; i < integers_size / sizeof(Value); ++i) {
+    for (uint32 i = 0; i < integers_size / sizeof(Value); ++i)
         if constexpr (sizeof(Value) == 2)
             sum = static_cast<Value>(sum + in.read16());
         else if constexpr (sizeof(Value) == 4)
             sum += in.read32();
         else
             sum += in.read64();
-    }
     benchmark::DoNotOptimize(sum);
 }
 
@@ -92,14 +91,13 @@ void load(benchmark::State & state) {
 template <class Value>
 void write_all(stream::output & to) {
     stream::big_endian_output out(to);
-    for (uint32 i = 0; i < integers_size / sizeof(Value); ++i) {
+    for (uint32 i = 0; i < integers_size / sizeof(Value); ++i)
         if constexpr (sizeof(Value) == 2)
             out.write16(static_cast<Value>(i));
         else if constexpr (sizeof(Value) == 4)
             out.write32(i);
         else
             out.write64(i);
-    }
 }
 
 template <class Value>

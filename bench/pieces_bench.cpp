@@ -62,10 +62,9 @@ template <class Format>
 void format(benchmark::State & state, Format one) {
     auto const & all = spread_values();
     bench::meter const meter;
-    for (auto _ : state) {
+    for (auto _ : state)
         for (int64 const value : all)
             benchmark::DoNotOptimize(one(static_cast<uint64>(value)));
-    }
     meter.done(state, all.size());
 }
 
@@ -83,10 +82,9 @@ std::string format_loop(uint64 value) {
 /// A byte read and given back, again and again.
 template <class Turn>
 void give_back(benchmark::State & state, Turn turn) {
-    for (auto _ : state) {
+    for (auto _ : state)
         for (int i = 0; i < 1000; ++i)
             benchmark::DoNotOptimize(turn());
-    }
     state.SetItemsProcessed(static_cast<int64>(state.iterations() * 1000));
 }
 

@@ -41,12 +41,11 @@ std::vector<any::string> const & names(bool accents) {
 
 std::vector<std::string> narrow_names(bool accents, bool utf8) {
     std::vector<std::string> made;
-    for (auto const & name : names(accents)) {
+    for (auto const & name : names(accents))
         if (utf8)
             made.push_back(std::filesystem::path(static_cast<std::u16string const &>(name)).string());
         else
             made.push_back(name.str(true));
-    }
     return made;
 }
 
@@ -166,29 +165,26 @@ std::vector<std::u16string> cut(std::u16string const & text) {
 
 void cut_vector(benchmark::State & state) {
     bench::meter const meter;
-    for (auto _ : state) {
+    for (auto _ : state)
         for (auto const & text : paths())
             benchmark::DoNotOptimize(cut(text));
-    }
     meter.done(state, count);
 }
 
 void cut_path(benchmark::State & state) {
     bench::meter const meter;
-    for (auto _ : state) {
+    for (auto _ : state)
         for (auto const & text : paths())
             benchmark::DoNotOptimize(any::path(text, true));
-    }
     meter.done(state, count);
 }
 
 void cut_filesystem(benchmark::State & state) {
     auto const all = host_paths();
     bench::meter const meter;
-    for (auto _ : state) {
+    for (auto _ : state)
         for (auto const & text : all)
             benchmark::DoNotOptimize(std::filesystem::path(text));
-    }
     meter.done(state, count);
 }
 
@@ -224,10 +220,9 @@ void join_path(benchmark::State & state) {
     for (auto const & text : paths())
         all.emplace_back(text, true);
     bench::meter const meter;
-    for (auto _ : state) {
+    for (auto _ : state)
         for (auto const & path : all)
             benchmark::DoNotOptimize(path.full_string());
-    }
     meter.done(state, count);
 }
 

@@ -17,12 +17,11 @@ using fuzz::check;
 /// The pieces between delimiters.
 std::vector<narrow_string> plain_tokens(narrow_string const & text, narrow_string const & delimiters) {
     std::vector<narrow_string> tokens(1);
-    for (char const c : text) {
+    for (char const c : text)
         if (delimiters.find(c) == delimiters.npos)
             tokens.back() += c;
         else
             tokens.emplace_back();
-    }
     return tokens;
 }
 

@@ -66,10 +66,9 @@ public:
 
     std::vector<std::string> children(std::string const & folder) const {
         std::vector<std::string> found;
-        for (auto const & [path, each] : nodes) {
+        for (auto const & [path, each] : nodes)
             if (parent_of(path) == folder)
                 found.push_back(path);
-        }
         std::sort(found.begin(), found.end(),
                   [](std::string const & a, std::string const & b) { return upper(a) < upper(b); });
         return found;
@@ -177,10 +176,9 @@ public:
             ++sum.directories;
         else
             ++sum.files, sum.bytes += nodes.at(path).bytes.size();
-        for (auto const & each : children(path)) {
+        for (auto const & each : children(path))
             if (shows(each))
                 scan(each, sum);
-        }
     }
 
     // What the nio family does.
@@ -413,10 +411,9 @@ private:
     bool through_link(std::string const & path) const {
         if (normal(path) != path && through_link(normal(path)))
             return true;
-        for (auto above = parent_of(path); !above.empty(); above = parent_of(above)) {
+        for (auto above = parent_of(path); !above.empty(); above = parent_of(above))
             if (model_.is(above, kind::link))
                 return true;
-        }
         return false;
     }
 

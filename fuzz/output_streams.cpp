@@ -53,10 +53,9 @@ public:
     /// Only the lowest layer copies, past all others; a buffer goes on from where that leaves the one beneath.
     void copy(std::string_view data) {
         bytes += data;
-        for (std::size_t i = 0; i < layers.size(); ++i) {
+        for (std::size_t i = 0; i < layers.size(); ++i)
             if (layers[i].kind == layer::buffered)
                 layers[i].count = tell(i);
-        }
     }
 
     uint64 tell(std::size_t height) const {

@@ -12,12 +12,11 @@ using fuzz::check;
 
 std::vector<wide_string> pieces_of(wide_string const & text, wide_string const & separators) {
     std::vector<wide_string> pieces(1);
-    for (char16_t const unit : text) {
+    for (char16_t const unit : text)
         if (separators.find(unit) == separators.npos)
             pieces.back() += unit;
         else
             pieces.emplace_back();
-    }
     return pieces;
 }
 

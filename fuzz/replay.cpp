@@ -19,10 +19,9 @@ std::vector<fs::path> files_at(fs::path const & given) {
     if (!fs::is_directory(given))
         return {given};
     std::vector<fs::path> found;
-    for (auto const & entry : fs::recursive_directory_iterator(given)) {
+    for (auto const & entry : fs::recursive_directory_iterator(given))
         if (entry.is_regular_file())
             found.push_back(entry.path());
-    }
     std::sort(found.begin(), found.end());
     return found;
 }

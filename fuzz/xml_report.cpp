@@ -14,10 +14,9 @@ namespace {
 using fuzz::check;
 
 bool is_readable(narrow_string const & text) {
-    for (char const c : text) {
+    for (char const c : text)
         if (static_cast<unsigned char>(c) < 0x20 || c == 0x7F)
             return false;
-    }
     return true;
 }
 
@@ -50,13 +49,12 @@ bool well_formed(std::string_view text) {
         text.remove_prefix(end + 1);
         if (tag[0] == '?' || tag.back() == '/')
             continue;
-        if (tag[0] != '/') {
+        if (tag[0] != '/')
             open.push_back(tag.substr(0, tag.find(' ')));
-        } else if (open.empty() || open.back() != tag.substr(1)) {
+        else if (open.empty() || open.back() != tag.substr(1))
             return false;
-        } else {
+        else
             open.pop_back();
-        }
     }
     return open.empty();
 }

@@ -77,12 +77,7 @@ fi
 need abigail-tools=abidiff xz-utils=xz lintian=lintian mmdebstrap=mmdebstrap
 
 phase 'format'
-if clang-format --version | grep -q 'version 14\.'; then
-    find . -path ./build -prune -o \( -name '*.h' -o -name '*.cpp' \) -print0 |
-        xargs -0 clang-format --dry-run -Werror
-else
-    echo 'left out: the sources are formatted as by clang-format 14, which is not here'
-fi
+scripts/format.sh check
 
 phase 'g++, all warnings are errors'
 build dev

@@ -71,9 +71,8 @@ TEST(ClonedException, ClonesAsItselfAndRaisesByTheTable) {
         } catch (un::exception const & e) {
             EXPECT_EQ(e.message(), "m");
             EXPECT_EQ(e.origin(), "o");
-            if (auto const * with_error = dynamic_cast<io::exception const *>(&e)) {
+            if (auto const * with_error = dynamic_cast<io::exception const *>(&e))
                 EXPECT_EQ(with_error->error(), -5);
-            }
         } catch (qpthr::QpUserException const & e) {
             EXPECT_EQ(e.code(), 3);
             EXPECT_STREQ(e.text(), "text");

@@ -153,9 +153,8 @@ protected:
     }
 
     void expect_own_store_is_empty() const {
-        if (!GetParam()) {
+        if (!GetParam())
             EXPECT_EQ(folders_in_store(), 0u);
-        }
     }
 
     std::optional<ntfs_image> disk_;

@@ -82,9 +82,8 @@ TEST_F(platform_files, open_or_say_why_not) {
     };
     for (auto const & c : cases) {
         SCOPED_TRACE(c.name.substr(0, 40));
-        if (c.name != "locked" || geteuid() == 0) {
+        if (c.name != "locked" || geteuid() == 0)
             EXPECT_EQ(code_of(open(c.name)), c.open);
-        }
         EXPECT_EQ(code_of(open_rw(c.name)), c.open_rw);
         EXPECT_EQ(code_of(CreateFileW(scratch_.path(c.name), 0, share_all, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS)),
                   c.times);
@@ -309,9 +308,8 @@ TEST_F(platform_files, have_attributes) {
         {"file", 0, 0x21},      {"folder/", 0, 0x10},
     };
     for (auto const & c : cases) {
-        if (c.set != 0) {
+        if (c.set != 0)
             EXPECT_TRUE(SetFileAttributesW(scratch_.path(c.name), c.set)) << c.name << GetLastError();
-        }
         EXPECT_EQ(GetFileAttributesW(scratch_.path(c.name)), c.get) << c.name;
     }
     struct {

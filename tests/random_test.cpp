@@ -30,9 +30,8 @@ TEST(JavaGenerator, DrawsWhatTheJavaPlatformDraws) {
         uint32 drawn = 0;
         for (std::size_t i = 0; i < 100'000; ++i) {
             drawn = generator.next_word();
-            if (i < words.size()) {
+            if (i < words.size())
                 EXPECT_EQ(drawn, words[i]) << seed;
-            }
         }
         EXPECT_EQ(drawn, last) << seed;
         generator.seed(seed);

@@ -167,9 +167,8 @@ TEST(Time, TakesEveryDosWord) {
         std::chrono::year_month_day const date(day);
         bool const proper = static_cast<unsigned>(date.day()) == (word & 0x1F)
                             && static_cast<unsigned>(date.month()) == (word >> 5 & 0xF);
-        if (proper && word < (126 << 9 | 2 << 5)) {
+        if (proper && word < (126 << 9 | 2 << 5))
             ASSERT_EQ(value.get_dos(), word << 16);
-        }
 
         value.set_dos(0x0021, static_cast<uint16>(word));
         int64 const seconds = (word >> 11) * hour + (word >> 5 & 0x3F) * 60 + (word & 0x1F) * 2;

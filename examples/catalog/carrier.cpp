@@ -243,10 +243,9 @@ void carrier::check_free(file_record const & from, wide_string const & target) c
                && (form_ == fork_form::sidecar ? path == rsrc || is_info_header(path)
                                                : read_apple_double(path).has_value());
     };
-    for (auto const & path : {rsrc, info}) {
+    for (auto const & path : {rsrc, info})
         if (foreign(path))
             fail("is not carried: it would get a fork that is not its own, " + shown_path(path));
-    }
 }
 
 void carrier::check_kept(file_record const & from, file_record const & made, losses & lost) const {

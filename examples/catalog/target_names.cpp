@@ -28,10 +28,9 @@ wide_string numbered(wide_string const & leaf, int number) {
 /// Every name that would be a fork of a file of this name, and every name of a file that this would be a fork of.
 std::vector<wide_string> relatives(wide_string const & leaf) {
     std::vector<wide_string> result = {leaf + wide_string(rsrc), leaf + wide_string(info), nio::ufs_name(leaf)};
-    for (auto const ending : {rsrc, info}) {
+    for (auto const ending : {rsrc, info})
         if (leaf.ends_with(ending))
             result.push_back(leaf.substr(0, leaf.size() - ending.size()));
-    }
     if (leaf.starts_with(u"._"))
         result.push_back(leaf.substr(2));
     return result;

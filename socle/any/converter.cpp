@@ -19,12 +19,10 @@ bool convert(wide_string const & text, narrow_string & result, uint32 page) {
     std::size_t count =
         platform::WideCharToMultiByte(page, text.data(), static_cast<uint32>(text.size()), result.data(),
                                       static_cast<uint32>(result.size()), nullptr, &used_default);
-    if (count == 0 || used_default) {
+    if (count == 0 || used_default)
         return false;
-    }
-    while (count != 0 && result[count - 1] == '\0') {
+    while (count != 0 && result[count - 1] == '\0')
         --count;
-    }
     result.resize(count);
     return true;
 }
@@ -48,9 +46,8 @@ void converter::fill_installed_pages() {
 
 bool converter::to_unicode(narrow_string const & text, wide_string & result, bool ansi) const {
     result.clear();
-    if (text.empty() || text.size() > largest_count) {
+    if (text.empty() || text.size() > largest_count)
         return text.empty();
-    }
     result.resize(text.size());
     auto const size = static_cast<uint32>(text.size());
     result.resize(platform::MultiByteToWideChar(page(ansi), text.data(), size, result.data(), size));
@@ -65,15 +62,13 @@ wide_string converter::to_unicode(narrow_string const & text, bool ansi) const {
 
 bool converter::from_unicode(wide_string const & text, narrow_string & result, bool ansi) const {
     result.clear();
-    if (text.empty() || text.size() > largest_count / 2) {
+    if (text.empty() || text.size() > largest_count / 2)
         return text.empty();
-    }
     // Room for two bytes a unit. A page that needs more counts as lacking the text.
     result.resize(2 * text.size());
     if (convert(text, result, page(ansi))
-        || std::ranges::any_of(installed_pages_, [&](uint32 page) { return convert(text, result, page); })) {
+        || std::ranges::any_of(installed_pages_, [&](uint32 page) { return convert(text, result, page); }))
         return true;
-    }
     result.clear();
     return false;
 }

@@ -11,16 +11,14 @@ namespace any {
 namespace {
 
 void decode(narrow_string const & text, wide_string & result, bool ansi) {
-    if (!system_pages().to_unicode(text, result, ansi)) {
+    if (!system_pages().to_unicode(text, result, ansi))
         throw exception("cannot convert to Unicode", "any::name");
-    }
 }
 
 narrow_string encode(wide_string const & text, bool ansi) {
     narrow_string result;
-    if (!system_pages().from_unicode(text, result, ansi)) {
+    if (!system_pages().from_unicode(text, result, ansi))
         throw exception("cannot convert from Unicode", "any::name");
-    }
     return result;
 }
 
@@ -56,27 +54,23 @@ name::fragment_iterator name::fragment_end() const { return {}; }
 
 uint32 name::fragment_size() const {
     uint32 count = 0;
-    for (auto it = fragment_begin(); it != fragment_end(); ++it) {
+    for (auto it = fragment_begin(); it != fragment_end(); ++it)
         ++count;
-    }
     return count;
 }
 
 wide_string name::leaf() const {
     wide_string last;
-    for (auto it = fragment_begin(); it != fragment_end(); ++it) {
+    for (auto it = fragment_begin(); it != fragment_end(); ++it)
         last = *it;
-    }
     return last;
 }
 
 void name::add_leaf(wide_string const & leaf) {
-    if (leaf.empty()) {
+    if (leaf.empty())
         return;
-    }
-    if (value_.at(value_.size() - 1) != separator_) {
+    if (value_.at(value_.size() - 1) != separator_)
         value_ += separator_;
-    }
     value_ += leaf;
 }
 
@@ -88,14 +82,12 @@ name::fragment_iterator::fragment_iterator(name const & owner) : owner_(&owner),
 void name::fragment_iterator::parse() {
     for (std::size_t start = 0; start <= value_.size() && !value_.empty();) {
         std::size_t const end = std::min(value_.find(owner_->separator_, start), value_.size());
-        if (end - start != 1 || value_[start] != u'.') {
+        if (end - start != 1 || value_[start] != u'.')
             pieces_.push_back({start, end - start});
-        }
         start = end + 1;
     }
-    while (pieces_.size() > 1 && pieces_.back().size == 0) {
+    while (pieces_.size() > 1 && pieces_.back().size == 0)
         pieces_.pop_back();
-    }
 }
 
 /// Brings the current fragment forth, or the end.
@@ -109,9 +101,8 @@ void name::fragment_iterator::show() {
 }
 
 name::fragment_iterator & name::fragment_iterator::operator++() {
-    if (index_ != npos) {
+    if (index_ != npos)
         ++index_;
-    }
     show();
     return *this;
 }

@@ -19,34 +19,29 @@ void path::reset_separator() { separators_ = default_separators; }
 
 /// The next separator at or after `start`, or the text's end.
 std::size_t path::find_separator(wide_string const & text, std::size_t start) const {
-    if (separators_.size() != 2) {
+    if (separators_.size() != 2)
         return std::min(text.find_first_of(separators_, start), text.size());
-    }
     char16_t const first = separators_[0];
     char16_t const second = separators_[1];
-    while (start != text.size() && text[start] != first && text[start] != second) {
+    while (start != text.size() && text[start] != first && text[start] != second)
         ++start;
-    }
     return start;
 }
 
 void path::set(string const & text, bool skip_dots) {
     std::ptrdiff_t pieces = 1;
-    for (char16_t const separator : separators_) {
+    for (char16_t const separator : separators_)
         pieces += std::ranges::count(text, separator);
-    }
     std::vector<string> elements;
     elements.reserve(static_cast<std::size_t>(pieces));
     for (std::size_t start = 0; start <= text.size();) {
         std::size_t const end = find_separator(text, start);
-        if (!skip_dots || end - start != 1 || text[start] != u'.') {
+        if (!skip_dots || end - start != 1 || text[start] != u'.')
             elements.emplace_back().assign(text, start, end - start);
-        }
         start = end + 1;
     }
-    while (!elements.empty() && elements.back().empty()) {
+    while (!elements.empty() && elements.back().empty())
         elements.pop_back();
-    }
     elements_ = std::move(elements);
 }
 
@@ -68,9 +63,8 @@ void path::set_parent(path const & parent) {
 
 std::size_t path::joined_size(std::size_t count) const {
     std::size_t size = separators_.empty() || count == 0 ? 0 : count - 1;
-    for (std::size_t i = 0; i < count; ++i) {
+    for (std::size_t i = 0; i < count; ++i)
         size += elements_[i].size();
-    }
     return size;
 }
 
@@ -79,9 +73,8 @@ void path::join(std::size_t count, string & result) const {
     wide_string text;
     text.reserve(joined_size(count));
     for (std::size_t i = 0; i < count; ++i) {
-        if (i != 0 && !separators_.empty()) {
+        if (i != 0 && !separators_.empty())
             text += separators_.front();
-        }
         text += elements_[i];
     }
     result = std::move(text);
@@ -108,9 +101,8 @@ string path::parent_string() const {
 uint32 path::parent_size() const { return static_cast<uint32>(joined_size(parent_count())); }
 
 void path::to_parent() {
-    if (!empty()) {
+    if (!empty())
         elements_.pop_back();
-    }
 }
 
 void path::get_parent(path & result) const {
@@ -124,9 +116,8 @@ path path::parent() const {
 }
 
 void path::add_leaf(string const & leaf) {
-    if (empty() || !leaf.empty()) {
+    if (empty() || !leaf.empty())
         elements_.push_back(leaf);
-    }
 }
 
 void path::add_path(path const & other) {

@@ -21,9 +21,8 @@ struct page_facts {
         narrow_string bytes;
         wide_string units;
         auto const return_up_to = [&](unsigned last) {
-            while (bytes.size() < last) {
+            while (bytes.size() < last)
                 bytes += static_cast<char>(bytes.size() + 1);
-            }
             units = system_pages().to_unicode(bytes, ansi);
             return units.size() == bytes.size() && system_pages().from_unicode(units, ansi) == bytes;
         };
@@ -55,9 +54,8 @@ bool is_ascii(narrow_string const & bytes) {
 
 void fold(wide_string const & text, narrow_string & result) {
     result.clear();
-    for (char16_t const unit : text) {
+    for (char16_t const unit : text)
         result += unit >= 0x20 && unit < 0x80 ? static_cast<char>(unit) : fallback_alphabet[unit % 64];
-    }
 }
 
 } // namespace
@@ -69,20 +67,17 @@ string::string(narrow_string const & text, bool ansi) { set(text, ansi); }
 string::string(unsigned char const * text, bool ansi) { set(text, ansi); }
 
 void string::set(narrow_string const & text, bool ansi) {
-    if (!system_pages().to_unicode(text, *this, ansi)) {
+    if (!system_pages().to_unicode(text, *this, ansi))
         throw exception("cannot convert to Unicode", "any::string");
-    }
 }
 
 void string::set(unsigned char const * text, bool ansi) { set(narrow_string(text + 1, text + 1 + *text), ansi); }
 
 void string::get_str(narrow_string & result, bool ansi) const {
-    if (facts(ansi).ascii && narrow_ascii(*this, result)) {
+    if (facts(ansi).ascii && narrow_ascii(*this, result))
         return;
-    }
-    if (!system_pages().from_unicode(*this, result, ansi)) {
+    if (!system_pages().from_unicode(*this, result, ansi))
         fold(*this, result);
-    }
 }
 
 narrow_string const & string::str(bool ansi) const {
@@ -105,36 +100,31 @@ string::ci_string const & string::ci_wstr() const {
 
 string string::ext() const {
     string result;
-    if (auto const dot = rfind(u'.'); dot != npos) {
+    if (auto const dot = rfind(u'.'); dot != npos)
         result.assign(*this, dot);
-    }
     return result;
 }
 
 bool string::pattern_match(string const & pattern) const {
     wide_string const & wanted = pattern;
-    if (*this == wanted || wanted == u"*") {
+    if (*this == wanted || wanted == u"*")
         return true;
-    }
     std::string_view pieces = pattern.str(true);
     narrow_string bytes;
-    if (auto const zero = find(u'\0'); zero == npos) {
+    if (auto const zero = find(u'\0'); zero == npos)
         get_str(bytes, true);
-    } else {
+    else
         string(substr(0, zero)).get_str(bytes, true);
-    }
     bool const stable = facts(true).stable || (facts(true).ascii && is_ascii(bytes));
     std::string_view rest = bytes;
     for (bool first = true;; first = false) {
         auto const star = pieces.find('*');
         auto const piece = pieces.substr(0, star);
         auto const found = rest.find(piece);
-        if (found == rest.npos || (first && found != 0)) {
+        if (found == rest.npos || (first && found != 0))
             return false;
-        }
-        if (star == pieces.npos) {
+        if (star == pieces.npos)
             return true;
-        }
         pieces.remove_prefix(star + 1);
         rest.remove_prefix(found);
         if (!stable) {

@@ -13,9 +13,8 @@ uint64 unit_size(char16_t unit) { return static_cast<uint16>(unit - 1) < 0x7F ? 
 
 uint64 text_size(wide_string const & text) {
     uint64 size = 0;
-    for (char16_t const unit : text) {
+    for (char16_t const unit : text)
         size += unit_size(unit);
-    }
     return size;
 }
 
@@ -25,9 +24,8 @@ uint32 utf8_coder::encoded_size(wide_string const & text) { return static_cast<u
 
 void utf8_coder::encode(wide_string const & text, narrow_string & result) {
     uint64 const size = text_size(text);
-    if (size > result.max_size()) {
+    if (size > result.max_size())
         throw exception("encoded string is too long", "any::utf8_coder");
-    }
     result.resize(size);
     char * out = result.data();
     auto const put = [&out](unsigned value) { *out++ = static_cast<char>(value); };

@@ -17,9 +17,8 @@ narrow_string table_line(element const & option) {
         std::size_t const width = name.size() >= 3 ? 22 : 4;
         result.append(width - std::min(width, name.size()), ' ') += name;
     }
-    if (option.names().size() == 1) {
+    if (option.names().size() == 1)
         result += "    ";
-    }
     return result + "    " + option.description();
 }
 
@@ -39,9 +38,8 @@ void line::digest() {
         un::tokenizer const pieces(argument, '=');
         auto const option = std::find_if(options_.begin(), options_.end(),
                                          [&](auto const * candidate) { return candidate->matches(pieces[0]); });
-        if (option == options_.end()) {
+        if (option == options_.end())
             throw exception("unknown parameter \"" + argument + '"', "command");
-        }
         (*option)->parse(pieces.size() > 1 ? pieces[1] : narrow_string());
     }
     verify();
@@ -49,21 +47,17 @@ void line::digest() {
 
 void line::show_options(narrow_string const & title) const {
     std::cout << std::endl << "List of supported options for " << title << ':' << std::endl;
-    if (options_.empty()) {
+    if (options_.empty())
         std::cout << "there are no options";
-    }
-    for (auto const * option : options_) {
+    for (auto const * option : options_)
         std::cout << table_line(*option) << std::endl;
-    }
     std::cout << std::endl;
 }
 
 void line::verify() const {
-    for (auto const * option : options_) {
-        if (option->required() && !option->found()) {
+    for (auto const * option : options_)
+        if (option->required() && !option->found())
             throw exception("required option \"" + option->names().front() + "\" not found on command line", "command");
-        }
-    }
 }
 
 } // namespace command

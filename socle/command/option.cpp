@@ -18,15 +18,14 @@ option<T>::~option() = default;
 
 template <class T>
 void option<T>::parse(narrow_string const & text) {
-    if constexpr (std::is_same_v<T, bool>) {
+    if constexpr (std::is_same_v<T, bool>)
         value_ = !value_;
-    } else if constexpr (std::is_same_v<T, char>) {
+    else if constexpr (std::is_same_v<T, char>)
         value_ = text.empty() ? '\0' : text.front();
-    } else if constexpr (std::is_same_v<T, narrow_string>) {
+    else if constexpr (std::is_same_v<T, narrow_string>)
         value_ = text;
-    } else {
+    else
         value_ = static_cast<T>(un::read(text, 10));
-    }
     found(true);
 }
 

@@ -41,9 +41,8 @@ struct timer_start : un::timer {
 bool io::wide_calls = [] {
     platform::WIN32_FIND_DATAW found;
     platform::file_search * const search = platform::FindFirstFileW(u".", found);
-    if (search != nullptr) {
+    if (search != nullptr)
         platform::FindClose(search);
-    }
     return search != nullptr;
 }();
 
@@ -55,9 +54,8 @@ io::directory io::directory::current(any::path(any::string(u"."), true));
 
 bool const nio::platform_is_nt = [] {
     bool const is_nt = platform::GetVersionExA() == platform::VER_PLATFORM_WIN32_NT;
-    if (is_nt) {
+    if (is_nt)
         platform::EnableBackupPrivileges();
-    }
     return is_nt;
 }();
 

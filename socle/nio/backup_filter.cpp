@@ -26,10 +26,9 @@ Number number_at(char const * bytes) {
 bool begins_with(char const * bytes, std::size_t size, std::string_view text) {
     if (size / 2 < text.size())
         return false;
-    for (std::size_t i = 0; i < text.size(); ++i) {
+    for (std::size_t i = 0; i < text.size(); ++i)
         if (number_at<uint16>(bytes + 2 * i) != static_cast<unsigned char>(text[i]))
             return false;
-    }
     return true;
 }
 

@@ -77,12 +77,11 @@ void directory::unlink(bool must_succeed) {
 void directory::unlink_children(bool must_succeed) {
     if (may_be_link(path()))
         return;
-    for (iterator it = begin(), last; it != last; ++it) {
+    for (iterator it = begin(), last; it != last; ++it)
         if (nio::is_directory(*it))
             directory(*it).unlink_with_children(must_succeed);
         else
             file(*it, 0).unlink(must_succeed);
-    }
 }
 
 void directory::unlink_with_children(bool must_succeed) {

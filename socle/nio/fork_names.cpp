@@ -19,12 +19,10 @@ constexpr std::u16string_view info_stream = u":AFP_AfpInfo";
 wide_string volume_root(wide_string const & path) {
     auto const is_letter = [](char16_t unit) { return std::iswalpha(unit) != 0; };
     auto const is_separator = [](char16_t unit) { return unit == u'\\' || unit == u'/'; };
-    if (path.size() >= 3 && is_letter(path[0]) && path[1] == u':' && is_separator(path[2])) {
+    if (path.size() >= 3 && is_letter(path[0]) && path[1] == u':' && is_separator(path[2]))
         return path.substr(0, 3);
-    }
-    if (!path.starts_with(u"\\\\")) {
+    if (!path.starts_with(u"\\\\"))
         return {};
-    }
     path_fragments fragments(path, u'\\');
     auto host = fragments.begin();
     ++host;

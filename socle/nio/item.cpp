@@ -32,9 +32,8 @@ bool is_directory(wide_string const & path) {
 
 bool is_link(wide_string const & path) {
     wide_string extension = leaf_ext(path, u'\\');
-    for (char16_t & unit : extension) {
+    for (char16_t & unit : extension)
         unit = static_cast<char16_t>(std::towlower(unit));
-    }
     return extension == u".lnk";
 }
 
@@ -44,25 +43,22 @@ wide_string make_absolute(wide_string const & path) {
 }
 
 wide_string make_unique(wide_string const & path, uint32 tries) {
-    if (!exists(path)) {
+    if (!exists(path))
         return path;
-    }
     wide_string const start = concatenate(stem(path, u'\\'), leaf_name(path, u'\\') + u'_', u'\\');
     wide_string const ext = leaf_ext(path, u'\\');
     for (uint32 n = 1; n <= tries && n != 0; ++n) {
         wide_string const candidate = start + decimal(n) + ext;
-        if (!exists(candidate)) {
+        if (!exists(candidate))
             return candidate;
-        }
     }
     throw filesystem_exception("cannot resolve a name conflict", path);
 }
 
 wide_string resolve_link(wide_string const & path) {
     wide_string target = path;
-    if (is_link(path)) {
+    if (is_link(path))
         platform::ResolveShellLink(path, target);
-    }
     return target;
 }
 

@@ -23,9 +23,8 @@ struct step {
 bool find_sidecars(wide_string from, wide_string to, std::vector<step> & steps) {
     for (;;) {
         from = ufs_name(from);
-        if (!exists(from)) {
+        if (!exists(from))
             return platform::nothing_is_there();
-        }
         to = ufs_name(to);
         steps.push_back({from, to});
     }
@@ -35,13 +34,11 @@ bool find_sidecars(wide_string from, wide_string to, std::vector<step> & steps) 
 bool move_sidecars(std::vector<step> const & steps) {
     std::size_t done = 0;
     try {
-        while (done < steps.size() && platform::MoveFileW(steps[done].from, steps[done].to)) {
+        while (done < steps.size() && platform::MoveFileW(steps[done].from, steps[done].to))
             ++done;
-        }
     } catch (std::bad_alloc const &) {
-        while (done-- > 0) {
+        while (done-- > 0)
             platform::MoveFileW(steps[done].to, steps[done].from);
-        }
         throw;
     }
     return steps.empty() || done > 0;
@@ -54,21 +51,18 @@ bool move(wide_string const & from, wide_string & to, bool must_succeed) {
     std::vector<step> sidecars;
     bool const known = find_sidecars(from, to, sidecars);
     if (!known || !platform::MoveFileW(from, to)) {
-        if (must_succeed) {
+        if (must_succeed)
             throw filesystem_exception("cannot move", from);
-        }
         wide_string const safe = normalize(to);
-        if (safe == to) {
+        if (safe == to)
             return false;
-        }
         to = safe;
         move(from, to, true);
         return true;
     }
     try {
-        if (move_sidecars(sidecars) || !must_succeed) {
+        if (move_sidecars(sidecars) || !must_succeed)
             return false;
-        }
     } catch (std::bad_alloc const &) {
         platform::MoveFileW(to, from);
         throw;

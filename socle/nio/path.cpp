@@ -15,14 +15,12 @@ bool is_drive(wide_string const & fragment) { return fragment.size() == 2 && fra
 } // namespace
 
 void append(wide_string & path, wide_string const & tail, char16_t sep) {
-    if (tail.empty()) {
+    if (tail.empty())
         return;
-    }
     // A copy, because `tail` may be `path` itself.
     wide_string const added = tail;
-    if (!path.empty() && path.back() != sep) {
+    if (!path.empty() && path.back() != sep)
         path += sep;
-    }
     path += added;
 }
 
@@ -56,14 +54,11 @@ wide_string normalize(wide_string const & path) {
     wide_string result;
     bool first = true;
     for (wide_string fragment : path_fragments(path, u'\\')) {
-        if (!first) {
+        if (!first)
             result += u'\\';
-        }
-        if (!first || !is_drive(fragment)) {
-            for (char16_t & unit : fragment) {
+        if (!first || !is_drive(fragment))
+            for (char16_t & unit : fragment)
                 unit = unsafe(unit) ? u'_' : unit;
-            }
-        }
         result += fragment;
         first = false;
     }
@@ -83,14 +78,12 @@ path_fragments::iterator path_fragments::end() {
 }
 
 void path_fragments::find_positions() {
-    if (!positions_.empty()) {
+    if (!positions_.empty())
         return;
-    }
     if (!path_.empty()) {
         positions_.push_back(0);
-        for (std::size_t at = path_.find(sep_); at != wide_string::npos; at = path_.find(sep_, at + 1)) {
+        for (std::size_t at = path_.find(sep_); at != wide_string::npos; at = path_.find(sep_, at + 1))
             positions_.push_back(at + 1);
-        }
     }
     positions_.push_back(path_.size() + 1);
 }

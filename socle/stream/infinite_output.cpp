@@ -15,12 +15,11 @@ uint64 infinite_output::tell() const { return count_; }
 void infinite_output::write(char) { ++count_; }
 
 void infinite_output::copy_from(input & source) {
-    for (;;) {
+    for (;;)
         if (auto const held = lending::bytes(source); !held.empty())
             lending::take(source, held.size());
         else if (source.read() == -1)
             return;
-    }
 }
 
 void infinite_output::resize(uint64) {}

@@ -15,11 +15,9 @@ bool ci_wchar_t_traits::eq(char16_t a, char16_t b) noexcept { return fold(a) == 
 bool ci_wchar_t_traits::lt(char16_t a, char16_t b) noexcept { return fold(a) < fold(b); }
 
 int ci_wchar_t_traits::compare(char16_t const * a, char16_t const * b, std::size_t n) noexcept {
-    for (std::size_t i = 0; i < n; ++i) {
-        if (!eq(a[i], b[i])) {
+    for (std::size_t i = 0; i < n; ++i)
+        if (!eq(a[i], b[i]))
             return lt(a[i], b[i]) ? -1 : 1;
-        }
-    }
     return 0;
 }
 

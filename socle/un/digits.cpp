@@ -13,12 +13,10 @@ constexpr std::string_view digits = "0123456789abcdefghijklmnopqrstuvwxyz";
 constexpr int no_value = 0xFF;
 
 int value_of(char c) {
-    if (c >= '0' && c <= '9') {
+    if (c >= '0' && c <= '9')
         return c - '0';
-    }
-    if (c >= 'a' && c <= 'z') {
+    if (c >= 'a' && c <= 'z')
         return c - 'a' + 10;
-    }
     return c >= 'A' && c <= 'Z' ? c - 'A' + 10 : no_value;
 }
 
@@ -72,23 +70,20 @@ narrow_string hex(byte_vector const & bytes) { return hex_of(bytes); }
 
 uint64 read(narrow_string const & text, int radix) {
     uint64 result = 0;
-    if (radix < 2) {
+    if (radix < 2)
         return result;
-    }
     for (char const c : text) {
         int const value = value_of(c);
-        if (value >= 16) {
+        if (value >= 16)
             break;
-        }
         result = result * static_cast<uint64>(radix) + static_cast<uint64>(value);
     }
     return result;
 }
 
 narrow_string write(uint64 value, int radix, int width) {
-    if (radix < 2) {
+    if (radix < 2)
         return {};
-    }
     char buffer[64];
     std::string_view const number = digits_of(value, radix, buffer);
     auto const least = static_cast<std::size_t>(std::max(width, 0));

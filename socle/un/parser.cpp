@@ -14,9 +14,8 @@ uint32 cursor(std::size_t found) { return found < parser::npos ? static_cast<uin
 parser::parser(narrow_string const & text, uint32 position) : text_(text), position_(position) {}
 
 narrow_string parser::string(char const * delimiters) {
-    if (eos()) {
+    if (eos())
         return {};
-    }
     std::size_t const found = text_.find_first_of(delimiters, position_);
     narrow_string result = text_.substr(position_, found == narrow_string::npos ? found : found - position_);
     position_ = cursor(found);
@@ -33,15 +32,13 @@ uint64 parser::number(int radix) {
 }
 
 void parser::skip_through(char const * characters) {
-    if (!eos()) {
+    if (!eos())
         position_ = cursor(text_.find_first_not_of(characters, position_));
-    }
 }
 
 void parser::skip_until(char const * characters) {
-    if (!eos()) {
+    if (!eos())
         position_ = cursor(text_.find_first_of(characters, position_));
-    }
 }
 
 } // namespace un

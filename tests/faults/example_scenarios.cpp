@@ -29,10 +29,9 @@ void prepare_packed(place const & where) {
 void prepare_unpacked(place const & where) {
     prepare_packed(where);
     fs::rename(unpack(where.here.host("packed.bin"), where.here.host("out")), where.here.host("out/made"));
-    for (fs::path const & side : fs::directory_iterator(where.here.host("out"))) {
+    for (fs::path const & side : fs::directory_iterator(where.here.host("out")))
         if (side.has_extension())
             fs::rename(side, where.here.host("out/made") + side.extension().string());
-    }
 }
 
 void give_finder_info(wide_string const & path, bool stream) {

@@ -288,9 +288,8 @@ void check_contents(promise kept, contents const & before, contents const & afte
     }
     for (auto const & [name, bytes] : before) {
         EXPECT_TRUE(now.contains(name) || !after.contains(name)) << name << " is lost";
-        if (kept == promise::whole && holds(after, bytes)) {
+        if (kept == promise::whole && holds(after, bytes))
             EXPECT_TRUE(holds(now, bytes)) << "what " << name << " had is lost";
-        }
     }
 }
 

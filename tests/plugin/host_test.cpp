@@ -20,9 +20,8 @@ void expect_words(qpthr::QpUserException const & e) {
 void expect_words(un::exception const & e) {
     EXPECT_EQ(e.message(), plugin_message);
     EXPECT_EQ(e.origin(), plugin_origin);
-    if (auto const * with_error = dynamic_cast<io::exception const *>(&e)) {
+    if (auto const * with_error = dynamic_cast<io::exception const *>(&e))
         EXPECT_EQ(with_error->error(), plugin_error);
-    }
 }
 
 void expect_words(basic::exception const & e) { EXPECT_EQ(e.message(), plugin_message); }

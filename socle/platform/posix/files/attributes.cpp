@@ -24,21 +24,18 @@ constexpr uint32 kept_bits =
 
 bool disk_bits(narrow_string const & path, uint32 & bits) {
     narrow_string value;
-    if (!get_attribute(path, disk_attribute, true, value) || value.size() != 4) {
+    if (!get_attribute(path, disk_attribute, true, value) || value.size() != 4)
         return false;
-    }
     bits = 0;
-    for (std::size_t i = 4; i-- > 0;) {
+    for (std::size_t i = 4; i-- > 0;)
         bits = bits << 8 | static_cast<unsigned char>(value[i]);
-    }
     return true;
 }
 
 int set_disk_bits(narrow_string const & path, uint32 bits) {
     narrow_string value;
-    for (int shift = 0; shift < 32; shift += 8) {
+    for (int shift = 0; shift < 32; shift += 8)
         value += static_cast<char>(bits >> shift & 0xFF);
-    }
     return set_attribute(path, disk_attribute, value);
 }
 
@@ -51,9 +48,8 @@ uint32 default_record(mode_t mode) { return S_ISDIR(mode) ? 0 : FILE_ATTRIBUTE_A
 /// False if there is none, or it is not ours.
 bool get_record(narrow_string const & path, uint32 & bits) {
     narrow_string text;
-    if (!get_attribute(path, record_attribute, true, text)) {
+    if (!get_attribute(path, record_attribute, true, text))
         return false;
-    }
     char const * const end = text.data() + text.size();
     auto const [last, error] = std::from_chars(text.data(), end, bits, 16);
     bits &= kept_bits;
@@ -64,9 +60,8 @@ bool get_record(narrow_string const & path, uint32 & bits) {
 int set_record(narrow_string const & path, uint32 bits, mode_t mode) {
     uint32 now = default_record(mode);
     get_record(path, now);
-    if (now == bits) {
+    if (now == bits)
         return 0;
-    }
     char digits[8];
     int const error = set_attribute(path, record_attribute,
                                     narrow_string(digits, std::to_chars(digits, digits + sizeof digits, bits, 16).ptr));
@@ -79,33 +74,28 @@ uint32 bits_of(volume const & on, narrow_string const & path, mode_t mode, bool 
     if (S_ISDIR(mode) || S_ISREG(mode)) {
         if (!on.ntfs_disk || !disk_bits(path, bits)) {
             bits = default_record(mode);
-            if (recorded) {
+            if (recorded)
                 get_record(path, bits);
-            }
         }
         bits &= kept_bits;
         bits |= is_read_only(on, path, mode) ? FILE_ATTRIBUTE_READONLY : 0;
     }
-    if (S_ISDIR(mode)) {
+    if (S_ISDIR(mode))
         return bits | FILE_ATTRIBUTE_DIRECTORY;
-    }
-    if (!S_ISREG(mode) && !S_ISLNK(mode)) {
+    if (!S_ISREG(mode) && !S_ISLNK(mode))
         return FILE_ATTRIBUTE_DEVICE;
-    }
     return bits == 0 ? FILE_ATTRIBUTE_NORMAL : bits;
 }
 
 /// The bits, and the times too if `times` is not null.
 uint32 attributes_at(std::u16string_view path, uint32 & bits, file_times * times) {
     resolved_path at;
-    if (uint32 const code = resolve(path, at)) {
+    if (uint32 const code = resolve(path, at))
         return code;
-    }
     narrow_string file = at.host_path();
     struct statx status {};
-    if (status_of(file, AT_SYMLINK_NOFOLLOW, status) != 0) {
+    if (status_of(file, AT_SYMLINK_NOFOLLOW, status) != 0)
         return code_at(file, errno);
-    }
     bool const link = S_ISLNK(status.stx_mode);
     bool const lost = link && status_of(file, 0, status) != 0;
     // One question for both records is cheaper than two, but not than one.
@@ -116,46 +106,38 @@ uint32 attributes_at(std::u16string_view path, uint32 & bits, file_times * times
         bits &= ~FILE_ATTRIBUTE_DIRECTORY;
         bits = bits == 0 ? FILE_ATTRIBUTE_NORMAL : bits;
         narrow_string stream;
-        if (uint32 const code = at.on->streams->locate(at.host, at.stream, false, stream)) {
+        if (uint32 const code = at.on->streams->locate(at.host, at.stream, false, stream))
             return code;
-        }
-        if (status_of(stream, AT_SYMLINK_NOFOLLOW, status) != 0) {
+        if (status_of(stream, AT_SYMLINK_NOFOLLOW, status) != 0)
             return code_of(errno);
-        }
         file = stream;
     }
-    if (times != nullptr) {
+    if (times != nullptr)
         *times = times_of(file, status, recorded || !at.stream.empty());
-    }
     return 0;
 }
 
 uint32 set_attributes_at(std::u16string_view path, uint32 bits) {
     resolved_path at;
-    if (uint32 const code = resolve(path, at)) {
+    if (uint32 const code = resolve(path, at))
         return code;
-    }
     narrow_string const file = at.host_path();
     struct stat status {};
-    if (host::stat(file, &status) != 0) {
+    if (host::stat(file, &status) != 0)
         return code_at(file, errno);
-    }
-    if (!S_ISDIR(status.st_mode) && !S_ISREG(status.st_mode)) {
+    if (!S_ISDIR(status.st_mode) && !S_ISREG(status.st_mode))
         return ERROR_NOT_SUPPORTED;
-    }
     uint32 now = 0;
     if (at.on->ntfs_disk && disk_bits(file, now)) {
         constexpr uint32 settable = kept_bits | FILE_ATTRIBUTE_READONLY;
         now = (now & ~(settable | FILE_ATTRIBUTE_NORMAL)) | (bits & settable);
         return code_of(set_disk_bits(file, now != 0 ? now : FILE_ATTRIBUTE_NORMAL));
     }
-    if (int const error = set_record(file, bits & kept_bits, status.st_mode)) {
+    if (int const error = set_record(file, bits & kept_bits, status.st_mode))
         return code_of(error);
-    }
     bool const read_only = (bits & FILE_ATTRIBUTE_READONLY) != 0;
-    if (read_only == is_read_only(*at.on, file, status.st_mode)) {
+    if (read_only == is_read_only(*at.on, file, status.st_mode))
         return 0;
-    }
     mode_t const mode = status.st_mode & 07777;
     constexpr mode_t all_write = S_IWUSR | S_IWGRP | S_IWOTH;
     return host::chmod(file, read_only ? mode & ~all_write : mode | S_IWUSR) == 0 ? 0 : code_at(file, errno);
@@ -165,9 +147,8 @@ uint32 set_attributes_at(std::u16string_view path, uint32 bits) {
 
 bool is_read_only(volume const & on, narrow_string const & path, mode_t mode) {
     uint32 bits = 0;
-    if (on.ntfs_disk && disk_bits(path, bits)) {
+    if (on.ntfs_disk && disk_bits(path, bits))
         return (bits & FILE_ATTRIBUTE_READONLY) != 0;
-    }
     return (mode & S_IWUSR) == 0;
 }
 

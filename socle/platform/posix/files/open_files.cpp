@@ -38,9 +38,8 @@ int open_above_standard(narrow_string const & path, int flags) {
 
 uint32 lock(int file, open_request const & request) {
     bool const excludes_writers = request.reads() && (request.sharing & FILE_SHARE_WRITE) == 0;
-    if (!request.writes() && !excludes_writers) {
+    if (!request.writes() && !excludes_writers)
         return 0;
-    }
     int const kind = request.writes() ? LOCK_EX : LOCK_SH;
     // On a host without locks everybody is let in.
     return host::flock(file, kind | LOCK_NB) != 0 && errno == EWOULDBLOCK ? ERROR_SHARING_VIOLATION : 0;
@@ -61,38 +60,31 @@ int open_for(narrow_string const & path, open_request const & request) {
 /// What stays to be checked when the file is open.
 uint32 admit(int file, volume const & on, narrow_string const & path, open_request const & request) {
     struct stat status {};
-    if (host::fstat(file, &status) != 0) {
+    if (host::fstat(file, &status) != 0)
         return code_of(errno);
-    }
-    if (S_ISDIR(status.st_mode)) {
+    if (S_ISDIR(status.st_mode))
         return request.folders() ? 0 : ERROR_ACCESS_DENIED;
-    }
-    if (request.times_only()) {
+    if (request.times_only())
         return 0;
-    }
     if (!S_ISREG(status.st_mode)) {
         int const flags = host::status_flags(file);
         return flags >= 0 && host::set_status_flags(file, flags & ~O_NONBLOCK) == 0 ? 0 : code_of(errno);
     }
-    if (request.writes() && is_read_only(on, path, status.st_mode)) {
+    if (request.writes() && is_read_only(on, path, status.st_mode))
         return ERROR_ACCESS_DENIED;
-    }
     return lock(file, request);
 }
 
 uint32 open_existing(volume const & on, narrow_string const & path, open_request const & request,
                      descriptor_guard & file) {
     file = descriptor_guard(open_for(path, request));
-    if (file.get() < 0) {
+    if (file.get() < 0)
         return code_at(path, errno);
-    }
-    if (uint32 const code = admit(file.get(), on, path, request)) {
+    if (uint32 const code = admit(file.get(), on, path, request))
         return code;
-    }
     struct stat status {};
-    if (request.disposition != CREATE_ALWAYS) {
+    if (request.disposition != CREATE_ALWAYS)
         return 0;
-    }
     bool const emptied = host::fstat(file.get(), &status) == 0
                          && (!S_ISREG(status.st_mode) || status.st_size == 0 || host::ftruncate(file.get(), 0) == 0);
     return emptied ? 0 : code_of(errno);
@@ -101,35 +93,28 @@ uint32 open_existing(volume const & on, narrow_string const & path, open_request
 /// What `open_request::disposition` asks for; `safe` tells whether the name may be made.
 uint32 open_or_make(volume const & on, narrow_string const & path, bool safe, open_request const & request,
                     descriptor_guard & file) {
-    if (request.disposition == OPEN_EXISTING) {
+    if (request.disposition == OPEN_EXISTING)
         return open_existing(on, path, request, file);
-    }
     // Again if the file comes or goes between two calls, but not for ever.
     for (int attempt = 0; attempt < 100; ++attempt) {
         if (request.disposition == CREATE_ALWAYS) {
             uint32 const code = open_existing(on, path, request, file);
-            if (code != ERROR_FILE_NOT_FOUND) {
+            if (code != ERROR_FILE_NOT_FOUND)
                 return code;
-            }
         }
         struct stat status {};
         bool const there = host::lstat(path, &status) == 0;
-        if (there && (request.disposition == CREATE_NEW || S_ISLNK(status.st_mode))) {
+        if (there && (request.disposition == CREATE_NEW || S_ISLNK(status.st_mode)))
             return ERROR_FILE_EXISTS;
-        }
-        if (!there && path.back() == '/') {
+        if (!there && path.back() == '/')
             return ERROR_PATH_NOT_FOUND; // a separator at the end stands for a folder
-        }
-        if (!there && !safe) {
+        if (!there && !safe)
             return ERROR_INVALID_NAME;
-        }
         file = descriptor_guard(open_above_standard(path, request.host_flags() | O_CREAT | O_EXCL));
-        if (file.get() >= 0) {
+        if (file.get() >= 0)
             return lock(file.get(), request);
-        }
-        if (errno != EEXIST) {
+        if (errno != EEXIST)
             return code_at(path, errno);
-        }
     }
     return ERROR_SHARING_VIOLATION;
 }
@@ -140,15 +125,13 @@ uint32 open_stream(resolved_path const & at, open_request const & request, descr
     struct stat status {};
     if (host::stat(at.host, &status) != 0) {
         uint32 const code = code_at(at.host, errno);
-        if (code != ERROR_FILE_NOT_FOUND || !creates) {
+        if (code != ERROR_FILE_NOT_FOUND || !creates)
             return code;
-        }
         descriptor_guard made;
         uint32 const failed =
             open_or_make(*at.on, at.host, at.safe, {GENERIC_WRITE, FILE_SHARE_READ, CREATE_NEW, 0}, made);
-        if (failed != 0) {
+        if (failed != 0)
             return failed;
-        }
     } else if ((request.writes() || creates) && is_read_only(*at.on, at.host, status.st_mode)) {
         return ERROR_ACCESS_DENIED;
     }
@@ -159,9 +142,8 @@ uint32 open_stream(resolved_path const & at, open_request const & request, descr
 
 uint32 open_file(std::u16string_view path, open_request const & request, descriptor_guard & file) {
     resolved_path at;
-    if (uint32 const code = resolve(path, at)) {
+    if (uint32 const code = resolve(path, at))
         return code;
-    }
     return at.stream.empty() ? open_or_make(*at.on, at.host_path(), at.safe, request, file)
                              : open_stream(at, request, file);
 }

@@ -21,9 +21,8 @@ uint32 transfer_code(int file, int error) {
 
 /// Whether a failed transfer is to be tried again. One that would wait on a descriptor that does not is waited for.
 bool again(int file, short events) {
-    if (errno == EINTR) {
+    if (errno == EINTR)
         return true;
-    }
     return (errno == EAGAIN || errno == EWOULDBLOCK) && (host::wait_for(file, events) >= 0 || errno == EINTR);
 }
 
@@ -33,28 +32,23 @@ uint32 read_file(int file, char * buffer, uint32 size, uint32 & done) {
     while (done < size) {
         ssize_t const got = host::read(file, buffer + done, size - done);
         if (got < 0) {
-            if (again(file, POLLIN)) {
+            if (again(file, POLLIN))
                 continue;
-            }
             return transfer_code(file, errno);
         }
         done += static_cast<uint32>(got);
-        if (done == size) {
+        if (done == size)
             break;
-        }
         struct stat status {};
         if (kind == 0) {
-            if (host::fstat(file, &status) != 0) {
+            if (host::fstat(file, &status) != 0)
                 return code_of(errno);
-            }
             kind = status.st_mode;
         }
-        if (got == 0) {
+        if (got == 0)
             return S_ISFIFO(kind) && done == 0 ? ERROR_BROKEN_PIPE : 0;
-        }
-        if (!S_ISREG(kind)) {
+        if (!S_ISREG(kind))
             break;
-        }
     }
     return 0;
 }
@@ -62,20 +56,18 @@ uint32 read_file(int file, char * buffer, uint32 size, uint32 & done) {
 uint32 write_file(int file, char const * buffer, uint32 size, uint32 & done) {
     done = 0;
     struct stat status {};
-    if (host::fstat(file, &status) != 0) {
+    if (host::fstat(file, &status) != 0)
         return code_of(errno);
-    }
     bool const pipe = S_ISFIFO(status.st_mode) || S_ISSOCK(status.st_mode);
     auto const write = pipe ? host::write_quietly : host::write;
     while (done < size) {
         ssize_t const written = write(file, buffer + done, size - done);
-        if (written > 0) {
+        if (written > 0)
             done += static_cast<uint32>(written);
-        } else if (written == 0) {
+        else if (written == 0)
             return ERROR_IO_DEVICE;
-        } else if (!again(file, POLLOUT)) {
+        else if (!again(file, POLLOUT))
             return transfer_code(file, errno);
-        }
     }
     return 0;
 }
@@ -83,36 +75,31 @@ uint32 write_file(int file, char const * buffer, uint32 size, uint32 & done) {
 /// 0 if the handle is open for writing.
 uint32 check_writable(int file) {
     int const flags = host::status_flags(file);
-    if (flags < 0) {
+    if (flags < 0)
         return code_of(errno);
-    }
     return (flags & O_PATH) != 0 || (flags & O_ACCMODE) == O_RDONLY ? ERROR_ACCESS_DENIED : 0;
 }
 
 uint32 set_end(int file) {
-    if (uint32 const code = check_writable(file)) {
+    if (uint32 const code = check_writable(file))
         return code;
-    }
     off_t const position = host::lseek(file, 0, SEEK_CUR);
     return position >= 0 && host::ftruncate(file, position) == 0 ? 0 : code_of(errno);
 }
 
 uint32 flush(int file) {
-    if (uint32 const code = check_writable(file)) {
+    if (uint32 const code = check_writable(file))
         return code;
-    }
     // What cannot be synced, a pipe or a terminal, holds nothing back.
     return host::fsync(file) == 0 || errno == EINVAL ? 0 : code_of(errno);
 }
 
 uint32 set_position(int file, int64 distance, uint32 method, uint64 & position) {
-    if (method == FILE_BEGIN && distance < 0) {
+    if (method == FILE_BEGIN && distance < 0)
         return ERROR_NEGATIVE_SEEK;
-    }
     off_t const reached = host::lseek(file, distance, method == FILE_BEGIN ? SEEK_SET : SEEK_CUR);
-    if (reached < 0) {
+    if (reached < 0)
         return errno == EINVAL && distance < 0 ? ERROR_NEGATIVE_SEEK : transfer_code(file, errno);
-    }
     position = static_cast<uint64>(reached);
     return 0;
 }
@@ -139,9 +126,8 @@ bool FlushFileBuffers(int file) { return posix::report(posix::flush(file)); }
 
 bool GetFileSize(int file, uint64 & size) {
     struct stat status {};
-    if (posix::host::fstat(file, &status) != 0) {
+    if (posix::host::fstat(file, &status) != 0)
         return posix::report(posix::code_of(errno));
-    }
     size = static_cast<uint64>(status.st_size);
     return posix::report(S_ISREG(status.st_mode) ? 0 : ERROR_NOT_SUPPORTED);
 }

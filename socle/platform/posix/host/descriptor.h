@@ -17,9 +17,8 @@ public:
         return *this;
     }
     ~descriptor_guard() {
-        if (descriptor_ >= 0) {
+        if (descriptor_ >= 0)
             host::close(descriptor_);
-        }
     }
 
     int get() const { return descriptor_; }

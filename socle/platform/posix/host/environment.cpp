@@ -9,17 +9,15 @@ namespace platform {
 
 bool _wgetenv(char const * name, wide_string & value) {
     char const * const text = std::getenv(name);
-    if (text != nullptr) {
+    if (text != nullptr)
         value = posix::from_host_text(text);
-    }
     return text != nullptr;
 }
 
 bool getenv(char const * name, narrow_string & value) {
     wide_string text;
-    if (!_wgetenv(name, text)) {
+    if (!_wgetenv(name, text))
         return false;
-    }
     value = to_ansi(text);
     return true;
 }

@@ -54,9 +54,8 @@ void SetLastError(uint32 code) { last_error = code; }
 uint32 FormatMessageA(uint32 code, char * buffer, uint32 size) {
     auto const * const found =
         std::find_if(std::begin(messages), std::end(messages), [&](message const & m) { return m.code == code; });
-    if (found == std::end(messages) || found->text.size() >= size) {
+    if (found == std::end(messages) || found->text.size() >= size)
         return 0;
-    }
     *std::copy(found->text.begin(), found->text.end(), buffer) = '\0';
     return static_cast<uint32>(found->text.size());
 }

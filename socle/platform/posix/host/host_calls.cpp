@@ -19,9 +19,8 @@ namespace {
 
 int asked(char const * call) {
     int const answer = fault != nullptr ? fault(call) : 0;
-    if (answer > 0) {
+    if (answer > 0)
         errno = answer;
-    }
     return answer;
 }
 
@@ -32,9 +31,8 @@ template <class Call>
 auto retried(char const * name, Call call) -> decltype(call()) {
     for (;;) {
         auto const result = fails(name) ? -1 : call();
-        if (result != -1 || errno != EINTR) {
+        if (result != -1 || errno != EINTR)
             return result;
-        }
     }
 }
 
@@ -44,9 +42,8 @@ ssize_t transferred(char const * name, std::size_t size, Call call) {
     for (;;) {
         int const answer = asked(name);
         ssize_t const result = answer > 0 ? -1 : call(answer == half ? (size + 1) / 2 : size);
-        if (result != -1 || errno != EINTR) {
+        if (result != -1 || errno != EINTR)
             return result;
-        }
     }
 }
 
@@ -88,13 +85,11 @@ ssize_t write(int file, void const * buffer, std::size_t size) {
 }
 
 ssize_t write_quietly(int file, void const * buffer, std::size_t size) {
-    if (fails("write_quietly")) {
+    if (fails("write_quietly"))
         return -1;
-    }
     ssize_t const sent = ::send(file, buffer, size, MSG_NOSIGNAL);
-    if (sent >= 0 || errno != ENOTSOCK) {
+    if (sent >= 0 || errno != ENOTSOCK)
         return sent;
-    }
     // The signal goes to this thread: it is held back while the call runs, and taken away unless it was there before.
     sigset_t pipe_signal;
     sigset_t before;
@@ -202,9 +197,8 @@ char * getcwd(char * buffer, std::size_t size) { return fails("getcwd") ? nullpt
 DIR * opendir(narrow_string const & path) {
     for (;;) {
         DIR * const folder = fails("opendir") ? nullptr : ::opendir(path.c_str());
-        if (folder != nullptr || errno != EINTR) {
+        if (folder != nullptr || errno != EINTR)
             return folder;
-        }
     }
 }
 

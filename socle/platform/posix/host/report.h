@@ -6,9 +6,8 @@ namespace platform::posix {
 
 /// What a call of the system's kind answers: whether it worked, with the last error set if it did not.
 inline bool report(uint32 code) {
-    if (code != 0) {
+    if (code != 0)
         SetLastError(code);
-    }
     return code == 0;
 }
 

@@ -21,9 +21,8 @@ void append_utf8(narrow_string & text, char32_t c) {
     int const trail = c < 0x800 ? 1 : c < 0x10000 ? 2 : 3;
     constexpr unsigned char leads[] = {0, 0xC0, 0xE0, 0xF0};
     text += static_cast<char>(leads[trail] | c >> 6 * trail);
-    for (int i = trail - 1; i >= 0; --i) {
+    for (int i = trail - 1; i >= 0; --i)
         text += static_cast<char>(0x80 | (c >> 6 * i & 0x3F));
-    }
 }
 
 /// The character at the start of `text` and its length; length 0 if no valid one stands there.
@@ -35,14 +34,12 @@ std::size_t decode_utf8(std::string_view text, char32_t & c) {
         return 1;
     }
     std::size_t const size = lead < 0xC2 ? 0 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : lead < 0xF5 ? 4 : 0;
-    if (size == 0 || text.size() < size) {
+    if (size == 0 || text.size() < size)
         return 0;
-    }
     c = lead & (0xFFu >> (size + 1));
     for (std::size_t i = 1; i < size; ++i) {
-        if ((byte(i) & 0xC0) != 0x80) {
+        if ((byte(i) & 0xC0) != 0x80)
             return 0;
-        }
         c = c << 6 | (byte(i) & 0x3F);
     }
     bool const overlong = (size == 3 && c < 0x800) || (size == 4 && c < 0x10000);
@@ -81,21 +78,18 @@ bool to_host_name(std::u16string_view name, narrow_string & host) {
     host.clear();
     for (std::size_t i = 0; i < name.size(); ++i) {
         char16_t const unit = name[i];
-        if (std::u16string_view(u"\0/\\:", 4).find(unit) != std::u16string_view::npos) {
+        if (std::u16string_view(u"\0/\\:", 4).find(unit) != std::u16string_view::npos)
             return false;
-        }
         if (unit == host_backslash || unit == host_colon) {
             host += unit == host_colon ? ':' : '\\';
         } else if (is_high(unit)) {
-            if (i + 1 == name.size() || !is_low(name[i + 1])) {
+            if (i + 1 == name.size() || !is_low(name[i + 1]))
                 return false;
-            }
             char32_t const high = unit;
             append_utf8(host, 0x10000 + ((high - 0xD800) << 10) + (char32_t{name[++i]} - 0xDC00));
         } else if (is_low(unit)) {
-            if (unit < bad_byte + 0x80 || unit > bad_byte + 0xFF) {
+            if (unit < bad_byte + 0x80 || unit > bad_byte + 0xFF)
                 return false;
-            }
             host += static_cast<char>(unit - bad_byte);
         } else {
             append_utf8(host, unit);
@@ -106,9 +100,8 @@ bool to_host_name(std::u16string_view name, narrow_string & host) {
 
 void append_host_name(std::string_view host, wide_string & text) {
     decode(host, text, [](wide_string & name, char32_t c) {
-        if (c == host_backslash || c == host_colon) {
+        if (c == host_backslash || c == host_colon)
             return false;
-        }
         append_utf16(name, c == U':' ? host_colon : c == U'\\' ? host_backslash : c);
         return true;
     });

@@ -33,9 +33,8 @@ void add_names(std::u16string_view path, path_text & text) {
     while (!path.empty()) {
         std::u16string_view const name = take_name(path);
         if (name == u"..") {
-            if (!text.names.empty()) {
+            if (!text.names.empty())
                 text.names.pop_back();
-            }
         } else if (!name.empty() && name != u".") {
             text.names.emplace_back(name);
         }
@@ -46,15 +45,13 @@ void add_names(std::u16string_view path, path_text & text) {
 /// The names of the working directory.
 bool add_working_directory(path_text & text) {
     char folder[PATH_MAX];
-    if (host::getcwd(folder, sizeof folder) == nullptr) {
+    if (host::getcwd(folder, sizeof folder) == nullptr)
         return false;
-    }
     std::string_view left = folder;
     while (!left.empty()) {
         std::size_t const end = std::min(left.find('/'), left.size());
-        if (end > 0) {
+        if (end > 0)
             text.names.push_back(from_host_name(left.substr(0, end)));
-        }
         left.remove_prefix(std::min(end + 1, left.size()));
     }
     return true;
@@ -64,27 +61,23 @@ bool add_working_directory(path_text & text) {
 
 wide_string path_text::text() const {
     wide_string text = root;
-    for (wide_string const & name : names) {
+    for (wide_string const & name : names)
         (text += u'\\') += name;
-    }
     return folder || names.empty() ? text + u'\\' : text;
 }
 
 uint32 read_path(std::u16string_view path, path_text & text) {
-    if (path.empty()) {
+    if (path.empty())
         return ERROR_PATH_NOT_FOUND;
-    }
-    if (path.find(u'\0') != std::u16string_view::npos) {
+    if (path.find(u'\0') != std::u16string_view::npos)
         return ERROR_INVALID_NAME;
-    }
     text = {u"C:", {}, false};
     if (path.size() >= 2 && is_separator(path[0]) && is_separator(path[1])) {
         path.remove_prefix(2);
         text.root = u"\\\\";
         text.root += take_name(path);
-        if (!path.empty()) {
+        if (!path.empty())
             (text.root += u'\\') += take_name(path);
-        }
     } else if (has_drive(path)) {
         text.root = path.substr(0, 2);
         path.remove_prefix(2);

@@ -35,20 +35,17 @@ bool same_letter(char16_t unit, char letter) { return (unit & ~char16_t{0x20}) =
 void set_volume(path_text & path) {
     resolved_path found;
     resolve_names(path, found);
-    if (found.on == nullptr || found.host.empty() || same_letter(path.root.front(), found.on->letter)) {
+    if (found.on == nullptr || found.host.empty() || same_letter(path.root.front(), found.on->letter))
         return;
-    }
     path_text moved{{static_cast<char16_t>(found.on->letter), u':'}, {}, path.folder};
     convert_names<narrow_string>(std::string_view(found.host).substr(found.on->folder.size()), "/",
                                  [&](std::string_view name, bool) {
-                                     if (!name.empty()) {
+                                     if (!name.empty())
                                          moved.names.push_back(from_host_name(name));
-                                     }
                                  });
     std::size_t const colon = path.names.empty() ? wide_string::npos : path.names.back().find(u':');
-    if (colon != wide_string::npos && !moved.names.empty()) {
+    if (colon != wide_string::npos && !moved.names.empty())
         moved.names.back() += path.names.back().substr(colon);
-    }
     moved.folder = moved.folder && !moved.names.empty();
     path = std::move(moved);
 }
@@ -63,11 +60,9 @@ narrow_string kind_of_root() {
         {0x6969, "nfs"},  {0x65735546, "fuse"},  {0x2FC12FC1, "zfs"}, {0xF2F52010, "f2fs"},  {0x73717368, "squashfs"}};
     struct statfs system {};
     if (host::statfs("/", &system) == 0) {
-        for (auto const & [number, name] : kinds) {
-            if (static_cast<uint32>(system.f_type) == static_cast<uint32>(number)) {
+        for (auto const & [number, name] : kinds)
+            if (static_cast<uint32>(system.f_type) == static_cast<uint32>(number))
                 return name;
-            }
-        }
     }
     return "unknown";
 }
@@ -77,16 +72,14 @@ narrow_string root_file_system() {
     descriptor_guard const table(host::open("/proc/self/mountinfo", O_RDONLY | O_CLOEXEC));
     narrow_string text;
     char block[4096];
-    for (ssize_t got; (got = host::read(table.get(), block, sizeof block)) > 0;) {
+    for (ssize_t got; (got = host::read(table.get(), block, sizeof block)) > 0;)
         text.append(block, static_cast<std::size_t>(got));
-    }
     narrow_string type = kind_of_root();
     convert_names<narrow_string>(text, "\n", [&](std::string_view line, bool) {
         // 25 1 8:1 / / rw,relatime shared:1 - ext4 /dev/sda1 rw
         std::size_t at = 0;
-        for (int field = 0; field < 4; ++field) {
+        for (int field = 0; field < 4; ++field)
             at = std::min(line.find(' ', at), line.size() - 1) + 1;
-        }
         std::size_t const type_at = line.find(" - ");
         if (line.substr(at).starts_with("/ ") && type_at != std::string_view::npos) {
             std::string_view const rest = line.substr(type_at + 3);
@@ -108,21 +101,18 @@ narrow_string const & root_name() {
 
 bool GetFullPathNameW(wide_string const & path, wide_string & full) {
     posix::path_text text;
-    if (uint32 const code = posix::read_path(path, text)) {
+    if (uint32 const code = posix::read_path(path, text))
         return posix::report(code);
-    }
-    if (!text.is_share() && posix::any_attached()) {
+    if (!text.is_share() && posix::any_attached())
         posix::set_volume(text);
-    }
     full = text.text();
     return true;
 }
 
 bool GetVolumeInformationW(wide_string const & root, wide_string & file_system) {
     posix::resolved_path resolved;
-    if (uint32 const code = posix::resolve(root, resolved)) {
+    if (uint32 const code = posix::resolve(root, resolved))
         return posix::report(code);
-    }
     bool const host_root = resolved.on->letter == 'C';
     file_system = posix::from_host_name(host_root ? posix::root_name() : resolved.on->file_system);
     return true;
@@ -148,9 +138,8 @@ narrow_string to_host(wide_string const & path) {
         }
         host = on->folder;
         left.erase(0, 2);
-        if (!left.starts_with(u'\\') && !left.starts_with(u'/')) {
+        if (!left.starts_with(u'\\') && !left.starts_with(u'/'))
             left.insert(0, 1, u'\\');
-        }
     } else if (left.starts_with(u"\\\\") || left.starts_with(u"//")) {
         SetLastError(ERROR_BAD_NETPATH);
         return {};

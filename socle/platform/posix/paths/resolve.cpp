@@ -27,19 +27,16 @@ narrow_string real_folder(narrow_string const & folder) {
 
 /// Units that the native volumes let no name hold.
 bool is_safe_name(std::u16string_view name) {
-    for (char16_t unit : name) {
-        if (unit < 32 || std::u16string_view(u"\"*<>?|:").find(unit) != std::u16string_view::npos) {
+    for (char16_t unit : name)
+        if (unit < 32 || std::u16string_view(u"\"*<>?|:").find(unit) != std::u16string_view::npos)
             return false;
-        }
-    }
     return true;
 }
 
 bool append_name(narrow_string & host, std::u16string_view name) {
     narrow_string text;
-    if (name.find_first_of(u"\\:") != std::u16string_view::npos || !to_host_name(name, text)) {
+    if (name.find_first_of(u"\\:") != std::u16string_view::npos || !to_host_name(name, text))
         return false;
-    }
     host.append("/").append(text);
     return true;
 }
@@ -63,20 +60,16 @@ void follow_last_link(resolved_path & resolved) {
 
 uint32 resolve_names(path_text const & path, resolved_path & resolved) {
     resolved.on = volume_of_letter(path.root.front());
-    if (resolved.on == nullptr) {
+    if (resolved.on == nullptr)
         return ERROR_PATH_NOT_FOUND;
-    }
     resolved.folder = path.folder;
     narrow_string folder = resolved.on->folder;
-    for (std::size_t i = 0; i + 1 < path.names.size(); ++i) {
-        if (!append_name(folder, path.names[i])) {
+    for (std::size_t i = 0; i + 1 < path.names.size(); ++i)
+        if (!append_name(folder, path.names[i]))
             return ERROR_INVALID_NAME;
-        }
-    }
     bool const attached = any_attached();
-    if (attached) {
+    if (attached)
         folder = real_folder(folder);
-    }
     std::u16string_view leaf;
     std::u16string_view stream;
     bool has_stream = false;
@@ -86,23 +79,19 @@ uint32 resolve_names(path_text const & path, resolved_path & resolved) {
         has_stream = colon != std::u16string_view::npos;
         stream = has_stream ? leaf.substr(colon + 1) : stream;
         leaf = leaf.substr(0, colon);
-        if (leaf.empty() ? path.names.size() > 1 || !has_stream : !append_name(folder, leaf)) {
+        if (leaf.empty() ? path.names.size() > 1 || !has_stream : !append_name(folder, leaf))
             return ERROR_INVALID_NAME;
-        }
         resolved.safe = is_safe_name(leaf);
     }
     resolved.host = folder.empty() ? "/" : folder;
-    if (attached) {
+    if (attached)
         resolved.on = &volume_at(resolved.host == "/" ? std::string_view() : resolved.host);
-    }
     if (has_stream) {
         follow_last_link(resolved);
-        if (resolved.on->streams == nullptr || resolved.folder) {
+        if (resolved.on->streams == nullptr || resolved.folder)
             return ERROR_INVALID_NAME;
-        }
-        if (uint32 const code = parse_stream_name(stream, resolved.stream)) {
+        if (uint32 const code = parse_stream_name(stream, resolved.stream))
             return code;
-        }
     }
     return check_not_hidden(resolved);
 }
@@ -110,9 +99,8 @@ uint32 resolve_names(path_text const & path, resolved_path & resolved) {
 uint32 resolve(std::u16string_view path, resolved_path & resolved) {
     resolved = {};
     path_text text;
-    if (uint32 const code = read_path(path, text)) {
+    if (uint32 const code = read_path(path, text))
         return code;
-    }
     return text.is_share() ? ERROR_BAD_NETPATH : resolve_names(text, resolved);
 }
 
@@ -125,9 +113,8 @@ uint32 resolve_target(std::u16string_view path, resolved_path & resolved) {
 }
 
 uint32 code_at(narrow_string const & host, int error) {
-    if (error != ENOENT && error != ELOOP) {
+    if (error != ENOENT && error != ELOOP)
         return code_of(error);
-    }
     std::size_t const end = host.find_last_of('/', host.find_last_not_of('/'));
     struct stat parent {};
     bool const there = end == 0 || end == narrow_string::npos

@@ -30,32 +30,27 @@ std::vector<volume> & table() {
 
 /// In capitals; 0 for what is no letter.
 char letter_of(char16_t unit) {
-    if (unit >= u'a' && unit <= u'z') {
+    if (unit >= u'a' && unit <= u'z')
         return static_cast<char>(unit - u'a' + u'A');
-    }
     return unit >= u'A' && unit <= u'Z' ? static_cast<char>(unit) : '\0';
 }
 
 uint32 attach(char letter, narrow_string const & folder, narrow_string const & file_system) {
     char const capital = letter_of(static_cast<unsigned char>(letter));
-    if (capital == '\0') {
+    if (capital == '\0')
         return ERROR_INVALID_PARAMETER;
-    }
-    if (volume_of_letter(static_cast<unsigned char>(letter)) != nullptr) {
+    if (volume_of_letter(static_cast<unsigned char>(letter)) != nullptr)
         return ERROR_ALREADY_EXISTS;
-    }
     char resolved[PATH_MAX];
     struct stat status {};
     if (folder.find('\0') != narrow_string::npos || host::realpath(folder, resolved) == nullptr
-        || host::stat(resolved, &status) != 0 || !S_ISDIR(status.st_mode)) {
+        || host::stat(resolved, &status) != 0 || !S_ISDIR(status.st_mode))
         return ERROR_PATH_NOT_FOUND;
-    }
     narrow_string const top = resolved;
     volume added{capital, top == "/" ? narrow_string() : top, file_system, nullptr, false};
     if (file_system == "NTFS") {
-        if (uint32 const code = make_named_streams(top, added.streams)) {
+        if (uint32 const code = make_named_streams(top, added.streams))
             return code;
-        }
         narrow_string value;
         added.ntfs_disk = get_attribute(top, "system.ntfs_attrib", true, value);
     }
@@ -67,11 +62,9 @@ uint32 attach(char letter, narrow_string const & folder, narrow_string const & f
 
 volume const * volume_of_letter(char16_t letter) {
     char const capital = letter_of(letter);
-    for (volume const & v : table()) {
-        if (v.letter == capital) {
+    for (volume const & v : table())
+        if (v.letter == capital)
             return &v;
-        }
-    }
     return nullptr;
 }
 
@@ -81,9 +74,8 @@ volume const & volume_at(std::string_view host) {
         bool const inside =
             host.starts_with(v.folder) && (host.size() == v.folder.size() || host[v.folder.size()] == '/');
         // Of two at the same folder the one attached last, so that the host's root can be attached as well.
-        if (inside && v.folder.size() >= found->folder.size()) {
+        if (inside && v.folder.size() >= found->folder.size())
             found = &v;
-        }
     }
     return *found;
 }

@@ -22,28 +22,24 @@ namespace {
 /// Finds where an open file lies now, and so the store of its named streams.
 uint32 find_file(int descriptor, posix::backup_file & file) {
     file = {descriptor, {}, nullptr};
-    if (!posix::any_attached()) {
+    if (!posix::any_attached())
         return 0;
-    }
     char path[PATH_MAX];
     narrow_string const link = "/proc/self/fd/" + std::to_string(descriptor);
     ssize_t const size = posix::host::readlink(link, path, sizeof path);
-    if (size < 0) {
+    if (size < 0)
         return posix::code_of(errno == ENOENT ? EBADF : errno);
-    }
     file.path.assign(path, static_cast<std::size_t>(size));
-    if (file.path.starts_with('/')) {
+    if (file.path.starts_with('/'))
         file.streams = posix::volume_at(file.path).streams.get();
-    }
     return 0;
 }
 
 /// Runs a step of a backup, which gives a system code.
 template <typename Step>
 bool run(int descriptor, backup_context *& context, Step step) {
-    if (context == nullptr) {
+    if (context == nullptr)
         context = new backup_context;
-    }
     posix::backup_file file{};
     uint32 const code = find_file(descriptor, file);
     return posix::report(code != 0 ? code : step(file));

@@ -21,16 +21,14 @@ constexpr uint32 last_kind = 10;
 constexpr uint32 longest_name = 1024;
 
 void append_number(narrow_string & text, uint64 value, int width) {
-    for (int i = 0; i < width; ++i) {
+    for (int i = 0; i < width; ++i)
         text += static_cast<char>(value >> 8 * i);
-    }
 }
 
 uint64 number_at(narrow_string const & text, std::size_t at, std::size_t width) {
     uint64 value = 0;
-    for (std::size_t i = 0; i < width; ++i) {
+    for (std::size_t i = 0; i < width; ++i)
         value |= uint64{static_cast<unsigned char>(text[at + i])} << 8 * i;
-    }
     return value;
 }
 
@@ -39,27 +37,21 @@ std::size_t name_size(narrow_string const & head) { return static_cast<std::size
 /// Opens the stream that the name of a record stands for, empty and for this writer alone.
 uint32 create_stream(backup_file const & file, narrow_string const & head, descriptor_guard & stream) {
     wide_string text;
-    for (std::size_t at = head_size; at < head.size(); at += 2) {
+    for (std::size_t at = head_size; at < head.size(); at += 2)
         text += static_cast<char16_t>(number_at(head, at, 2));
-    }
     wide_string name;
-    if (!text.starts_with(u':') || parse_stream_name(std::u16string_view(text).substr(1), name) != 0 || name.empty()) {
+    if (!text.starts_with(u':') || parse_stream_name(std::u16string_view(text).substr(1), name) != 0 || name.empty())
         return ERROR_INVALID_DATA;
-    }
-    if (file.streams == nullptr) {
+    if (file.streams == nullptr)
         return ERROR_NOT_SUPPORTED;
-    }
     narrow_string host;
-    if (uint32 const code = file.streams->locate(file.path, name, true, host)) {
+    if (uint32 const code = file.streams->locate(file.path, name, true, host))
         return code;
-    }
     stream = open_descriptor(host, O_WRONLY | O_CREAT);
-    if (stream.get() < 0) {
+    if (stream.get() < 0)
         return code_of(errno);
-    }
-    if (host::flock(stream.get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) {
+    if (host::flock(stream.get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK)
         return ERROR_SHARING_VIOLATION;
-    }
     return host::ftruncate(stream.get(), 0) == 0 ? 0 : code_of(errno);
 }
 
@@ -79,9 +71,8 @@ uint32 backup_reader::read(backup_file const & file, char * buffer, uint32 size,
             done += got;
         } else {
             code = next_record(file);
-            if (head_.empty()) {
+            if (head_.empty())
                 break;
-            }
         }
     }
     return code;
@@ -96,13 +87,11 @@ uint32 backup_reader::skip(uint64 size, uint64 & done) {
 
 uint32 backup_reader::start(backup_file const & file) {
     struct stat status {};
-    if (host::fstat(file.descriptor, &status) != 0) {
+    if (host::fstat(file.descriptor, &status) != 0)
         return code_of(errno);
-    }
     if (file.streams != nullptr) {
-        if (uint32 const code = file.streams->list(file.path, names_)) {
+        if (uint32 const code = file.streams->list(file.path, names_))
             return code;
-        }
         std::reverse(names_.begin(), names_.end());
     }
     own_data_ = S_ISREG(status.st_mode);
@@ -119,9 +108,8 @@ uint32 backup_reader::next_record(backup_file const & file) {
     struct stat status {};
     if (own_data_) {
         own_data_ = false;
-        if (host::fstat(file.descriptor, &status) != 0) {
+        if (host::fstat(file.descriptor, &status) != 0)
             return code_of(errno);
-        }
         set_head(BACKUP_DATA, static_cast<uint64>(status.st_size), {});
         return 0;
     }
@@ -130,15 +118,12 @@ uint32 backup_reader::next_record(backup_file const & file) {
         names_.pop_back();
         narrow_string host;
         uint32 const code = file.streams->locate(file.path, name, false, host);
-        if (code == 0) {
+        if (code == 0)
             stream_ = open_descriptor(host, O_RDONLY);
-        }
-        if (code == ERROR_FILE_NOT_FOUND || (code == 0 && stream_.get() < 0 && errno == ENOENT)) {
+        if (code == ERROR_FILE_NOT_FOUND || (code == 0 && stream_.get() < 0 && errno == ENOENT))
             continue; // Removed since the names were listed.
-        }
-        if (code != 0 || stream_.get() < 0 || host::fstat(stream_.get(), &status) != 0) {
+        if (code != 0 || stream_.get() < 0 || host::fstat(stream_.get(), &status) != 0)
             return code != 0 ? code : code_of(errno);
-        }
         set_head(BACKUP_ALTERNATE_DATA, static_cast<uint64>(status.st_size), u':' + name + u":$DATA");
         return 0;
     }
@@ -149,9 +134,8 @@ uint32 backup_reader::read_data(int own, char * buffer, uint32 size, uint32 & do
     int const source = stream_.get() < 0 ? own : stream_.get();
     auto const wanted = static_cast<std::size_t>(std::min<uint64>(size, left_));
     ssize_t const got = host::pread(source, buffer, wanted, static_cast<off_t>(position_));
-    if (got <= 0) {
+    if (got <= 0)
         return got == 0 ? ERROR_INVALID_DATA : code_of(errno);
-    }
     done = static_cast<uint32>(got);
     position_ += done;
     left_ -= done;
@@ -163,18 +147,16 @@ void backup_reader::set_head(uint32 kind, uint64 size, wide_string const & name)
     append_number(head_, 0, 4);
     append_number(head_, size, 8);
     append_number(head_, name.size() * 2, 4);
-    for (char16_t unit : name) {
+    for (char16_t unit : name)
         append_number(head_, unit, 2);
-    }
     left_ = size;
 }
 
 uint32 backup_writer::write(backup_file const & file, char const * buffer, uint32 size, uint32 & done) {
     done = 0;
     while (done < size) {
-        if (refused_ != 0) {
+        if (refused_ != 0)
             return refused_;
-        }
         uint32 code = 0;
         if (!head_complete()) {
             std::size_t const whole = head_.size() < head_size ? head_size : head_size + name_size(head_);
@@ -188,12 +170,10 @@ uint32 backup_writer::write(backup_file const & file, char const * buffer, uint3
             code = write_data(buffer + done, static_cast<uint32>(std::min<uint64>(size - done, left_)), written);
             done += written;
         }
-        if (code == 0 && head_complete() && left_ == 0) {
+        if (code == 0 && head_complete() && left_ == 0)
             code = finish_record();
-        }
-        if (code != 0) {
+        if (code != 0)
             return code;
-        }
     }
     return 0;
 }
@@ -208,9 +188,8 @@ uint32 backup_writer::start_record(backup_file const & file) {
     left_ = number_at(head_, 8, 8);
     position_ = 0;
     if (kind == 0 || kind > last_kind || left_ > uint64{std::numeric_limits<int64>::max()}
-        || name_size(head_) > longest_name || name_size(head_) % 2 != 0) {
+        || name_size(head_) > longest_name || name_size(head_) % 2 != 0)
         return ERROR_INVALID_DATA;
-    }
     if (!head_complete() || kind != BACKUP_ALTERNATE_DATA) {
         target_ = kind == BACKUP_DATA ? file.descriptor : -1;
         return 0;

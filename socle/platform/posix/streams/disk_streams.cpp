@@ -25,14 +25,12 @@ bool disk_streams::found_at(narrow_string const & volume) {
 
 uint32 disk_streams::locate(narrow_string const & file, wide_string const & name, bool, narrow_string & host) const {
     narrow_string leaf;
-    if (!to_host_name(name, leaf)) {
+    if (!to_host_name(name, leaf))
         return ERROR_INVALID_NAME;
-    }
     // The driver would take a link itself for the file, and make a file that is missing.
     char resolved[PATH_MAX];
-    if (host::realpath(file, resolved) == nullptr) {
+    if (host::realpath(file, resolved) == nullptr)
         return code_of(errno);
-    }
     host = resolved;
     // Behind the mount point's own name, the colon would be part of a name in the folder above it.
     host += host == volume_ ? "/.:" : ":";
@@ -43,14 +41,12 @@ uint32 disk_streams::locate(narrow_string const & file, wide_string const & name
 uint32 disk_streams::list(narrow_string const & file, std::vector<wide_string> & names) const {
     names.clear();
     narrow_string text;
-    if (!get_attribute(file, list_attribute, true, text)) {
+    if (!get_attribute(file, list_attribute, true, text))
         return code_of(errno);
-    }
     for (std::size_t at = 0; at < text.size();) {
         std::size_t const end = std::min(text.find('\0', at), text.size());
-        if (end > at) {
+        if (end > at)
             names.push_back(from_host_name(text.substr(at, end - at)));
-        }
         at = end + 1;
     }
     std::sort(names.begin(), names.end());

@@ -28,16 +28,14 @@ bool keeps_attributes(narrow_string const & volume) {
 /// Removes what lies in an open folder, which it closes. Links are removed, not followed.
 void remove_entries(descriptor_guard folder) {
     folder_guard const opened(host::fdopendir(folder.get()));
-    if (!opened) {
+    if (!opened)
         return;
-    }
     folder.release();
     DIR * const entries = opened.get();
     while (dirent const * const entry = host::readdir(entries)) {
         std::string_view const name = entry->d_name;
-        if (name == "." || name == ".." || host::unlinkat(dirfd(entries), entry->d_name, 0) == 0) {
+        if (name == "." || name == ".." || host::unlinkat(dirfd(entries), entry->d_name, 0) == 0)
             continue;
-        }
         int const inner = host::openat(dirfd(entries), entry->d_name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
         if (inner >= 0) {
             remove_entries(descriptor_guard(inner));
@@ -50,44 +48,38 @@ void remove_entries(descriptor_guard folder) {
 
 uint32 make_named_streams(narrow_string const & folder, std::unique_ptr<named_streams> & streams) {
     char resolved[PATH_MAX];
-    if (host::realpath(folder, resolved) == nullptr) {
+    if (host::realpath(folder, resolved) == nullptr)
         return code_of(errno);
-    }
     narrow_string volume = resolved;
     if (disk_streams::found_at(volume)) {
         streams = std::make_unique<disk_streams>(volume);
         return 0;
     }
-    if (!keeps_attributes(volume)) {
+    if (!keeps_attributes(volume))
         return code_of(errno);
-    }
     volume = volume == "/" ? narrow_string() : volume;
     auto own = std::make_unique<own_streams>(volume);
     uint32 const code = settle_owners(volume, own->store());
-    if (code == 0) {
+    if (code == 0)
         streams = std::move(own);
-    }
     return code;
 }
 
 stream_removal::stream_removal(named_streams const & streams, narrow_string const & file)
     : belongings_(streams.belongings(file)) {
-    if (!belongings_.empty()) {
+    if (!belongings_.empty())
         file_ = host::open(file, O_PATH | O_NOFOLLOW | O_CLOEXEC);
-    }
 }
 
 stream_removal::~stream_removal() {
-    if (file_ >= 0) {
+    if (file_ >= 0)
         host::close(file_);
-    }
 }
 
 void stream_removal::name_removed() {
     struct stat status {};
-    if (file_ < 0 || host::fstat(file_, &status) != 0 || (status.st_nlink > 0 && !S_ISDIR(status.st_mode))) {
+    if (file_ < 0 || host::fstat(file_, &status) != 0 || (status.st_nlink > 0 && !S_ISDIR(status.st_mode)))
         return;
-    }
     int const folder = host::open(belongings_, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
     try {
         if (folder >= 0) {

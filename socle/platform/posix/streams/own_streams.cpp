@@ -17,20 +17,17 @@ namespace {
 
 /// Makes the folders between `folder` and the last component of `path`.
 int make_folders(narrow_string const & path, std::size_t folder) {
-    for (std::size_t at = path.find('/', folder + 1); at != narrow_string::npos; at = path.find('/', at + 1)) {
-        if (host::mkdir(path.substr(0, at), S_IRWXU | S_IRWXG | S_IRWXO) != 0 && errno != EEXIST) {
+    for (std::size_t at = path.find('/', folder + 1); at != narrow_string::npos; at = path.find('/', at + 1))
+        if (host::mkdir(path.substr(0, at), S_IRWXU | S_IRWXG | S_IRWXO) != 0 && errno != EEXIST)
             return errno;
-        }
-    }
     return 0;
 }
 
 /// Adds the names of the streams in `folder`; `begun` is the part of their stored names that the folder stands for.
 int list_folder(narrow_string const & folder, narrow_string const & begun, std::vector<wide_string> & names) {
     folder_guard const entries(host::opendir(folder));
-    if (!entries) {
+    if (!entries)
         return errno == ENOENT ? 0 : errno;
-    }
     int error = 0;
     errno = 0;
     while (dirent const * const entry = host::readdir(entries.get())) {
@@ -45,9 +42,8 @@ int list_folder(narrow_string const & folder, narrow_string const & begun, std::
         } else if (stream_name_of(begun + narrow_string(name), stream)) {
             names.push_back(stream);
         }
-        if (error != 0) {
+        if (error != 0)
             break;
-        }
         errno = 0;
     }
     return error != 0 ? error : errno;
@@ -61,9 +57,8 @@ uint32 own_streams::locate(narrow_string const & file, wide_string const & name,
                            narrow_string & host) const {
     narrow_string id;
     uint32 const code = create ? make_stream_owner(store_, file, id) : stream_owner(store_, file, true, id);
-    if (code != 0 || id.empty()) {
+    if (code != 0 || id.empty())
         return code != 0 ? code : ERROR_FILE_NOT_FOUND;
-    }
     host = store_ + '/' + id + '/' + stored_stream_name(name);
     return create ? code_of(make_folders(host, store_.size() + 1 + id.size())) : 0;
 }
@@ -72,9 +67,8 @@ uint32 own_streams::list(narrow_string const & file, std::vector<wide_string> & 
     names.clear();
     narrow_string id;
     uint32 const code = stream_owner(store_, file, true, id);
-    if (code != 0 || id.empty()) {
+    if (code != 0 || id.empty())
         return code;
-    }
     int const error = list_folder(store_ + '/' + id, {}, names);
     std::sort(names.begin(), names.end());
     return code_of(error);

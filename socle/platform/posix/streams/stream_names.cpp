@@ -18,14 +18,12 @@ bool stays(char16_t unit) { return (unit >= u'a' && unit <= u'z') || (unit >= u'
 
 bool is_data_type(std::u16string_view type) {
     constexpr std::u16string_view data = u"$DATA";
-    if (type.size() != data.size()) {
+    if (type.size() != data.size())
         return false;
-    }
     for (std::size_t i = 0; i < data.size(); ++i) {
         bool const small = type[i] >= u'a' && type[i] <= u'z';
-        if ((small ? type[i] - u'a' + u'A' : type[i]) != data[i]) {
+        if ((small ? type[i] - u'a' + u'A' : type[i]) != data[i])
             return false;
-        }
     }
     return true;
 }
@@ -38,9 +36,8 @@ uint32 parse_stream_name(std::u16string_view text, wide_string & name) {
     bool const typed = colon != std::u16string_view::npos;
     bool const known_type = !typed || is_data_type(text.substr(colon + 1));
     if (!known_type || (stream.empty() && !typed) || stream.size() > longest_stream_name
-        || stream.find_first_of(std::u16string_view(u"\\/\0", 3)) != std::u16string_view::npos) {
+        || stream.find_first_of(std::u16string_view(u"\\/\0", 3)) != std::u16string_view::npos)
         return ERROR_INVALID_NAME;
-    }
     name = stream;
     return 0;
 }
@@ -60,9 +57,8 @@ narrow_string stored_stream_name(std::u16string_view name) {
             continue;
         }
         path += '+';
-        for (int shift = 12; shift >= 0; shift -= 4) {
+        for (int shift = 12; shift >= 0; shift -= 4)
             path += hex_digits[static_cast<std::size_t>(unit >> shift & 0xF)];
-        }
     }
     return path;
 }
@@ -72,26 +68,22 @@ bool stream_name_of(std::string_view stored, wide_string & name) {
     for (std::size_t at = 0; at < stored.size(); ++at) {
         if (stored[at] != '+') {
             name += static_cast<unsigned char>(stored[at]);
-            if (!stays(name.back())) {
+            if (!stays(name.back()))
                 return false;
-            }
             continue;
         }
-        if (stored.size() - at < 5) {
+        if (stored.size() - at < 5)
             return false;
-        }
         unsigned unit = 0;
         for (int i = 0; i < 4; ++i) {
             std::size_t const digit = hex_digits.find(stored[++at]);
-            if (digit == std::string_view::npos) {
+            if (digit == std::string_view::npos)
                 return false;
-            }
             unit = unit << 4 | static_cast<unsigned>(digit);
         }
         name += static_cast<char16_t>(unit);
-        if (stays(name.back())) {
+        if (stays(name.back()))
             return false;
-        }
     }
     return !name.empty() && name.size() <= longest_stream_name;
 }

@@ -33,27 +33,23 @@ void append_hex(narrow_string & text, uint64 value) {
 
 /// The attribute's text; false if there is none, or no such file where `must_exist` is false.
 bool read_attribute(narrow_string const & path, bool follow_link, bool must_exist, narrow_string & text) {
-    if (get_attribute(path, owner_attribute, follow_link, text)) {
+    if (get_attribute(path, owner_attribute, follow_link, text))
         return true;
-    }
-    if (errno == ENODATA || errno == ENOTSUP || (!must_exist && errno == ENOENT)) {
+    if (errno == ENODATA || errno == ENOTSUP || (!must_exist && errno == ENOENT))
         return false;
-    }
     throw failure{errno};
 }
 
 void write_attribute(narrow_string const & path, narrow_string const & text) {
-    if (int const error = set_attribute(path, owner_attribute, text)) {
+    if (int const error = set_attribute(path, owner_attribute, text))
         throw failure{error};
-    }
 }
 
 /// What no other file of the host has had or will have, as far as it can tell.
 narrow_string identity_of(narrow_string const & path, bool follow_link) {
     struct statx status {};
-    if (host::statx(host::here, path, follow_link ? 0 : AT_SYMLINK_NOFOLLOW, STATX_INO | STATX_BTIME, &status) != 0) {
+    if (host::statx(host::here, path, follow_link ? 0 : AT_SYMLINK_NOFOLLOW, STATX_INO | STATX_BTIME, &status) != 0)
         throw failure{errno};
-    }
     narrow_string identity;
     append_hex(identity, status.stx_ino);
     if ((status.stx_mask & STATX_BTIME) != 0) {
@@ -63,12 +59,10 @@ narrow_string identity_of(narrow_string const & path, bool follow_link) {
     }
     // No birth time: inodes are at least apart from those of other file systems.
     struct statfs system {};
-    if (host::statfs(path, &system) != 0) {
+    if (host::statfs(path, &system) != 0)
         throw failure{errno};
-    }
-    for (int half : system.f_fsid.__val) {
+    for (int half : system.f_fsid.__val)
         append_hex(identity += '/', static_cast<unsigned>(half));
-    }
     return identity;
 }
 
@@ -81,9 +75,8 @@ struct claim {
 claim claim_of(narrow_string const & path, bool follow_link) {
     narrow_string text;
     if (!read_attribute(path, follow_link, true, text) || text.size() <= id_length || text[id_length] != ' '
-        || text.find_first_not_of("0123456789abcdef") != id_length) {
+        || text.find_first_not_of("0123456789abcdef") != id_length)
         return {};
-    }
     return {text.substr(0, id_length), text.substr(id_length + 1)};
 }
 
@@ -102,9 +95,8 @@ narrow_string volume_of(narrow_string const & store) { return store.substr(0, st
 narrow_string path_in_volume(narrow_string const & store, narrow_string const & file) {
     narrow_string const volume = volume_of(store);
     char resolved[PATH_MAX];
-    if (host::realpath(file, resolved) == nullptr) {
+    if (host::realpath(file, resolved) == nullptr)
         throw failure{errno};
-    }
     std::string_view const path = resolved;
     return narrow_string(path.starts_with(volume) ? path.substr(volume.size()) : path);
 }
@@ -124,25 +116,21 @@ bool settled(narrow_string const & store) {
 /// Holds the store's folder locked against other processes; a file system without locks goes without.
 descriptor_guard lock(narrow_string const & store) {
     descriptor_guard folder = open_descriptor(store, O_RDONLY | O_DIRECTORY | O_NOFOLLOW);
-    if (folder.get() >= 0) {
+    if (folder.get() >= 0)
         host::flock(folder.get(), LOCK_EX);
-    }
     return folder;
 }
 
 /// Everyone who may write some file of the volume may give it streams, so the store is open as a folder for temporary
 /// files is; the folders in it admit whom their files admit.
 void make_store(narrow_string const & store) {
-    if (host::mkdir(store, S_IRWXU) != 0 && errno != EEXIST) {
+    if (host::mkdir(store, S_IRWXU) != 0 && errno != EEXIST)
         throw failure{errno};
-    }
     narrow_string identity;
-    if (read_attribute(store, false, true, identity)) {
+    if (read_attribute(store, false, true, identity))
         return;
-    }
-    if (host::chmod(store, S_ISVTX | S_IRWXU | S_IRWXG | S_IRWXO) != 0) {
+    if (host::chmod(store, S_ISVTX | S_IRWXU | S_IRWXG | S_IRWXO) != 0)
         throw failure{errno};
-    }
     write_attribute(store, identity_of(store, false));
 }
 
@@ -156,37 +144,32 @@ mode_t folder_bits(mode_t file) {
 void make_id_folder(narrow_string const & store, narrow_string const & id, narrow_string const & file) {
     narrow_string const folder = folder_of(store, id);
     bool const made = host::mkdir(folder, S_IRWXU) == 0;
-    if (!made && errno != EEXIST) {
+    if (!made && errno != EEXIST)
         throw failure{errno};
-    }
     narrow_string const path = path_in_volume(store, file);
     narrow_string last;
     if (read_attribute(folder, false, true, last)) {
-        if (last != path) {
+        if (last != path)
             write_attribute(folder, path);
-        }
         return;
     }
     // New, or left by a process that ended here.
     struct stat owner {};
-    if (host::stat(file, &owner) != 0) {
+    if (host::stat(file, &owner) != 0)
         throw failure{errno};
-    }
     if (owner.st_uid != geteuid() || owner.st_gid != getegid()) {
         // Only root can; for others the bits below must do.
         static_cast<void>(!host::chown(folder, owner.st_uid, owner.st_gid));
     }
-    if (host::chmod(folder, folder_bits(owner.st_mode)) != 0 && made) {
+    if (host::chmod(folder, folder_bits(owner.st_mode)) != 0 && made)
         throw failure{errno};
-    }
     write_attribute(folder, path);
 }
 
 narrow_string new_id() {
     unsigned char random[id_length / 2];
-    if (host::getentropy(random, sizeof random) != 0) {
+    if (host::getentropy(random, sizeof random) != 0)
         throw failure{errno};
-    }
     narrow_string id;
     for (unsigned char byte : random) {
         id += "0123456789abcdef"[byte >> 4];
@@ -197,9 +180,8 @@ narrow_string new_id() {
 
 narrow_string find_owner(narrow_string const & store, narrow_string const & file, bool follow_link) {
     claim const found = claim_of(file, follow_link);
-    if (found.id.empty() || found.identity == identity_of(file, follow_link)) {
+    if (found.id.empty() || found.identity == identity_of(file, follow_link))
         return found.id;
-    }
     // On a copy that could not be settled, as it cannot be written, the place decides.
     narrow_string identity;
     bool const copied = read_attribute(store, false, false, identity) && identity != identity_of(store, false);
@@ -233,9 +215,8 @@ public:
         for (auto const & [id, claimants] : by_id_) {
             try {
                 claimant const * const owner = owner_of(id, claimants);
-                if (owner != nullptr && !owner->proven) {
+                if (owner != nullptr && !owner->proven)
                     set_claim(owner->path, id);
-                }
             } catch (failure const &) {
                 complete_ = false;
             }
@@ -254,9 +235,8 @@ private:
         while (dirent const * const entry = host::readdir(entries.get())) {
             std::string_view const name = entry->d_name;
             narrow_string const path = (folder + '/').append(name);
-            if (name != "." && name != ".." && path != store_) {
+            if (name != "." && name != ".." && path != store_)
                 look_at(path, folders);
-            }
             errno = 0;
         }
         complete_ = complete_ && errno == 0;
@@ -268,16 +248,14 @@ private:
             complete_ = complete_ && errno == ENOENT;
             return;
         }
-        if (S_ISDIR(status.st_mode)) {
+        if (S_ISDIR(status.st_mode))
             folders.push_back(path);
-        } else if (!S_ISREG(status.st_mode)) {
+        else if (!S_ISREG(status.st_mode))
             return;
-        }
         try {
             claim const found = claim_of(path, false);
-            if (found.id.empty()) {
+            if (found.id.empty())
                 return;
-            }
             if (host::access(folder_of(store_, found.id), F_OK) == 0) {
                 bool const proven = found.identity == identity_of(path, false);
                 by_id_[found.id].push_back({path, {status.st_dev, status.st_ino}, proven});
@@ -293,13 +271,11 @@ private:
         bool one_file = true;
         claimant const * at_path = nullptr;
         for (claimant const & c : claimants) {
-            if (c.proven) {
+            if (c.proven)
                 return &c;
-            }
             one_file = one_file && c.inode == claimants.front().inode;
-            if (owner_was_at(store_, id, path_in_volume(store_, c.path))) {
+            if (owner_was_at(store_, id, path_in_volume(store_, c.path)))
                 at_path = &c;
-            }
         }
         // A claimant may hide in what could not be seen.
         return at_path == nullptr && one_file && complete_ ? &claimants.front() : at_path;
@@ -341,22 +317,18 @@ uint32 make_stream_owner(narrow_string const & store, narrow_string const & file
 }
 
 uint32 settle_owners(narrow_string const & volume, narrow_string const & store) {
-    if (host::access(store, F_OK) != 0) {
+    if (host::access(store, F_OK) != 0)
         return errno == ENOENT ? 0 : code_of(errno);
-    }
     try {
-        if (settled(store)) {
+        if (settled(store))
             return 0;
-        }
         descriptor_guard const locked = lock(store);
-        if (settled(store)) {
+        if (settled(store))
             return 0;
-        }
         claims found(store);
         found.walk(volume);
-        if (found.settle()) {
+        if (found.settle())
             set_attribute(store, owner_attribute, identity_of(store, false));
-        }
         return 0;
     } catch (failure const & f) {
         return code_of(f.error);

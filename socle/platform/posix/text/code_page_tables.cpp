@@ -143,10 +143,9 @@ struct slot {
 
 std::vector<uint32> installed_pages() {
     std::vector<uint32> pages;
-    for (auto const & [number, name] : names) {
+    for (auto const & [number, name] : names)
         if (conversion("UTF-16LE", name).open())
             pages.push_back(number);
-    }
     return pages;
 }
 

@@ -53,16 +53,14 @@ language const & locale_language() {
         auto const named = [&](std::string_view names, std::size_t length) {
             if (name.size() > length && std::string_view("_.@").find(name[length]) == std::string_view::npos)
                 return false;
-            for (; names.size() >= length; names.remove_prefix(std::min(length + 1, names.size()))) {
+            for (; names.size() >= length; names.remove_prefix(std::min(length + 1, names.size())))
                 if (names.substr(0, length) == name.substr(0, length))
                     return name.size() >= length;
-            }
             return false;
         };
-        for (auto const & row : languages) {
+        for (auto const & row : languages)
             if (named(row.names, row.names.find('_') == 2 ? 5 : 2))
                 return row;
-        }
         return otherwise;
     }();
     return found;
@@ -245,10 +243,9 @@ uint32 decode_single_bytes(code_page const & page, char const * from, char const
         return count;
     if (capacity < count)
         return fail(ERROR_INSUFFICIENT_BUFFER);
-    for (; end - from >= 8; from += 8, to += 8) {
+    for (; end - from >= 8; from += 8, to += 8)
         for (int i = 0; i < 8; ++i)
             to[i] = page.single[value(from[i])];
-    }
     for (; from != end; ++from)
         *to++ = page.single[value(*from)];
     return count;
@@ -314,10 +311,9 @@ uint32 GetACP() { return locale_language().ansi; }
 uint32 GetOEMCP() { return locale_language().oem; }
 
 bool EnumSystemCodePagesA(std::function<bool(char const *)> const & page) {
-    for (uint32 const number : posix::installed_pages()) {
+    for (uint32 const number : posix::installed_pages())
         if (!page(std::to_string(number).c_str()))
             break;
-    }
     return true;
 }
 

@@ -31,20 +31,17 @@ public:
     explicit block(std::string_view bytes) : bytes_(bytes) {}
 
     std::optional<uint32> number(std::size_t at, std::size_t width = 4) const {
-        if (at > bytes_.size() || bytes_.size() - at < width) {
+        if (at > bytes_.size() || bytes_.size() - at < width)
             return {};
-        }
         uint32 value = 0;
-        for (std::size_t i = 0; i < width; ++i) {
+        for (std::size_t i = 0; i < width; ++i)
             value |= uint32{static_cast<unsigned char>(bytes_[at + i])} << 8 * i;
-        }
         return value;
     }
 
     std::optional<block> part(std::size_t at, std::size_t size) const {
-        if (at > bytes_.size() || bytes_.size() - at < size) {
+        if (at > bytes_.size() || bytes_.size() - at < size)
             return {};
-        }
         return block(bytes_.substr(at, size));
     }
 
@@ -57,9 +54,8 @@ public:
     /// The bytes up to a zero byte.
     std::optional<std::string_view> text(std::size_t at) const {
         std::size_t const end = at < bytes_.size() ? bytes_.find('\0', at) : std::string_view::npos;
-        if (end == std::string_view::npos || end - at > longest_target) {
+        if (end == std::string_view::npos || end - at > longest_target)
             return {};
-        }
         return bytes_.substr(at, end - at);
     }
 
@@ -68,12 +64,10 @@ public:
         wide_string text;
         for (;; at += 2) {
             std::optional<uint32> const unit = number(at, 2);
-            if (!unit || text.size() > longest_target) {
+            if (!unit || text.size() > longest_target)
                 return {};
-            }
-            if (*unit == 0) {
+            if (*unit == 0)
                 return text;
-            }
             text += static_cast<char16_t>(*unit);
         }
     }
@@ -93,19 +87,16 @@ public:
         uint32 const header = info_.number(4).value_or(0);
         uint32 const flags = info_.number(8).value_or(0);
         bool const wide = header >= long_info_header;
-        if (header < short_info_header || !info_.part(0, header)) {
+        if (header < short_info_header || !info_.part(0, header))
             return {};
-        }
         std::optional<wide_string> path = (flags & has_local_path) != 0     ? local_path(wide)
                                           : (flags & has_network_path) != 0 ? network_path()
                                                                             : std::nullopt;
         std::optional<wide_string> const suffix = text(info_, 24, wide ? 32 : 0);
-        if (!path || !suffix) {
+        if (!path || !suffix)
             return {};
-        }
-        if (!suffix->empty() && !path->ends_with(u'\\')) {
+        if (!suffix->empty() && !path->ends_with(u'\\'))
             *path += u'\\';
-        }
         return *path + *suffix;
     }
 
@@ -119,18 +110,16 @@ private:
     std::optional<wide_string> network_path() const {
         constexpr uint32 short_network_header = 0x14;
         std::optional<block> const network = info_.sized_part(*info_.number(20), short_network_header);
-        if (!network) {
+        if (!network)
             return {};
-        }
         return text(*network, 8, *network->number(8) > short_network_header ? 20 : 0);
     }
 
     /// The text whose offset in `in` stands at `wide`, if that is not 0 and there is one, else at `ansi`.
     std::optional<wide_string> text(block const & in, std::size_t ansi, std::size_t wide) const {
         uint32 const wide_offset = wide != 0 ? in.number(wide).value_or(0) : 0;
-        if (wide_offset != 0) {
+        if (wide_offset != 0)
             return in.wide_text(wide_offset);
-        }
         std::optional<uint32> const offset = in.number(ansi);
         std::optional<std::string_view> const bytes = offset ? in.text(*offset) : std::nullopt;
         return bytes ? std::optional(from_ansi_(*bytes)) : std::nullopt;
@@ -144,13 +133,11 @@ private:
 std::optional<std::size_t> skip_strings(block const & link, uint32 flags, std::size_t at) {
     std::size_t const unit = (flags & is_unicode) != 0 ? 2 : 1;
     for (uint32 string = first_string; string <= last_string; string <<= 1) {
-        if ((flags & string) == 0) {
+        if ((flags & string) == 0)
             continue;
-        }
         std::optional<uint32> const length = link.number(at, 2);
-        if (!length || !link.part(at + 2, *length * unit)) {
+        if (!length || !link.part(at + 2, *length * unit))
             return {};
-        }
         at += 2 + *length * unit;
     }
     return at;
@@ -160,12 +147,10 @@ std::optional<std::size_t> skip_strings(block const & link, uint32 flags, std::s
 bool ends_with_blocks(block const & link, std::size_t at) {
     for (;;) {
         std::optional<uint32> const size = link.number(at);
-        if (!size || *size < 4) {
+        if (!size || *size < 4)
             return size.has_value();
-        }
-        if (!link.part(at, *size)) {
+        if (!link.part(at, *size))
             return false;
-        }
         at += *size;
     }
 }
@@ -176,16 +161,14 @@ bool read_shell_link(std::string_view bytes, ansi_decoder * from_ansi, wide_stri
     constexpr std::string_view start("\x4c\0\0\0\x01\x14\x02\0\0\0\0\0\xc0\0\0\0\0\0\0\x46", 20);
     constexpr std::size_t header_size = 0x4c;
     block const link(bytes);
-    if (!bytes.starts_with(start) || bytes.size() < header_size) {
+    if (!bytes.starts_with(start) || bytes.size() < header_size)
         return false;
-    }
     uint32 const flags = *link.number(20);
     std::size_t at = header_size;
     if ((flags & has_id_list) != 0) {
         std::optional<uint32> const size = link.number(at, 2);
-        if (!size) {
+        if (!size)
             return false;
-        }
         at += 2 + *size;
     }
     std::optional<wide_string> path;
@@ -196,9 +179,8 @@ bool read_shell_link(std::string_view bytes, ansi_decoder * from_ansi, wide_stri
     }
     std::optional<std::size_t> const blocks = skip_strings(link, flags, at);
     if (!path || path->empty() || path->size() > longest_target || (flags & ignore_link_info) != 0 || !blocks
-        || !ends_with_blocks(link, *blocks)) {
+        || !ends_with_blocks(link, *blocks))
         return false;
-    }
     target = *path;
     return true;
 }

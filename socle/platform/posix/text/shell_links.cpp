@@ -18,9 +18,8 @@ constexpr std::size_t longest_link = std::size_t{1024} * 1024;
 narrow_string read_link(narrow_string const & path) {
     posix::descriptor_guard const file = posix::open_descriptor(path, O_RDONLY | O_NONBLOCK);
     struct stat status {};
-    if (file.get() < 0 || posix::host::fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode)) {
+    if (file.get() < 0 || posix::host::fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode))
         return {};
-    }
     narrow_string bytes(longest_link + 1, '\0');
     std::size_t size = 0;
     while (size < bytes.size()) {
@@ -29,9 +28,8 @@ narrow_string read_link(narrow_string const & path) {
             bytes.resize(size);
             return bytes;
         }
-        if (got < 0) {
+        if (got < 0)
             break;
-        }
         size += static_cast<std::size_t>(got);
     }
     return {};
