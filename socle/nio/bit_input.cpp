@@ -1,6 +1,6 @@
 #include "socle/nio/bit_input.h"
 
-#include "socle/basic/byte_order.h"
+#include "socle/basic/internal/byte_order.h"
 #include "socle/nio/lending_internal.h"
 
 namespace nio {

@@ -1,6 +1,6 @@
 #include "socle/nio/utf8.h"
 
-#include "socle/basic/byte_order.h"
+#include "socle/basic/internal/byte_order.h"
 
 #include <algorithm>
 #include <bit>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "socle/basic/byte_order.h"
+#include "socle/basic/internal/byte_order.h"
 #include "socle/stream/filter_output.h"
 
 namespace stream {

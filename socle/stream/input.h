@@ -1,7 +1,7 @@
 #pragma once
 
 #include "socle/nio/input.h"
-#include "socle/nio/memory.h"
+#include "socle/nio/internal/memory.h"
 #include "socle/stream/exception.h"
 
 namespace stream {

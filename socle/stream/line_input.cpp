@@ -1,6 +1,6 @@
 #include "socle/stream/line_input.h"
 
-#include "socle/basic/byte_order.h"
+#include "socle/basic/internal/byte_order.h"
 #include "socle/stream/lending_internal.h"
 
 #include <bit>

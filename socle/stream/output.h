@@ -1,6 +1,6 @@
 #pragma once
 
-#include "socle/nio/memory.h"
+#include "socle/nio/internal/memory.h"
 #include "socle/nio/output.h"
 #include "socle/stream/exception.h"
 
