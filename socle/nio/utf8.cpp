@@ -1,42 +1,25 @@
 #include "socle/nio/utf8.h"
 
+#include "socle/basic/ascii_internal.h"
 #include "socle/basic/internal/byte_order.h"
 
 #include <algorithm>
 #include <bit>
-#include <cstring>
 
 namespace nio {
 
 namespace {
 
+using basic::ascii::copy_ascii;
+using basic::ascii::is_ascii;
+using basic::ascii::step;
+
 constexpr char16_t replacement = 0xFFFD;
-constexpr std::size_t step = 16; // units, or bytes, that are looked at together
 constexpr std::size_t word_size = sizeof(uint64);
 
 unsigned char value(char byte) { return static_cast<unsigned char>(byte); }
 
 bool continues(char byte) { return (value(byte) & 0xC0) == 0x80; }
-
-/// Whether none of the next `step` elements is above ASCII.
-template <class Unit>
-bool is_ascii(Unit const * from) {
-    uint64 bits = 0;
-    for (std::size_t i = 0; i < step * sizeof(Unit) / sizeof bits; ++i) {
-        uint64 word;
-        std::memcpy(&word, reinterpret_cast<char const *>(from) + i * sizeof word, sizeof word);
-        bits |= word;
-    }
-    return (bits & (sizeof(Unit) == 1 ? 0x8080808080808080 : 0xFF80FF80FF80FF80)) == 0;
-}
-
-template <class From, class To>
-void copy_ascii(From const * from, To * to) {
-    To block[step]; // of its own, so that it can be made in one go
-    for (std::size_t i = 0; i < step; ++i)
-        block[i] = static_cast<To>(from[i]);
-    std::memcpy(to, block, sizeof block);
-}
 
 /// The bytes of a word, the lowest first, as units.
 void spread(uint64 word, char16_t * to) {

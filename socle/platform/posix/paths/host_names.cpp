@@ -1,6 +1,6 @@
 #include "socle/platform/posix/paths/host_names.h"
 
-#include <cstddef>
+#include "socle/platform/unicode.h"
 
 namespace platform::posix {
 
@@ -10,50 +10,12 @@ constexpr char16_t bad_byte = 0xDC00;
 constexpr char16_t host_backslash = 0xF05C;
 constexpr char16_t host_colon = 0xF03A;
 
-bool is_high(char16_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
-bool is_low(char16_t unit) { return unit >= 0xDC00 && unit <= 0xDFFF; }
-
 void append_utf8(narrow_string & text, char32_t c) {
-    if (c < 0x80) {
-        text += static_cast<char>(c);
-        return;
-    }
-    int const trail = c < 0x800 ? 1 : c < 0x10000 ? 2 : 3;
-    constexpr unsigned char leads[] = {0, 0xC0, 0xE0, 0xF0};
-    text += static_cast<char>(leads[trail] | c >> 6 * trail);
-    for (int i = trail - 1; i >= 0; --i)
-        text += static_cast<char>(0x80 | (c >> 6 * i & 0x3F));
-}
-
-/// The character at the start of `text` and its length; length 0 if no valid one stands there.
-std::size_t decode_utf8(std::string_view text, char32_t & c) {
-    auto const byte = [&](std::size_t at) { return static_cast<unsigned char>(text[at]); };
-    unsigned const lead = byte(0);
-    if (lead < 0x80) {
-        c = lead;
-        return 1;
-    }
-    std::size_t const size = lead < 0xC2 ? 0 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : lead < 0xF5 ? 4 : 0;
-    if (size == 0 || text.size() < size)
-        return 0;
-    c = lead & (0xFFu >> (size + 1));
-    for (std::size_t i = 1; i < size; ++i) {
-        if ((byte(i) & 0xC0) != 0x80)
-            return 0;
-        c = c << 6 | (byte(i) & 0x3F);
-    }
-    bool const overlong = (size == 3 && c < 0x800) || (size == 4 && c < 0x10000);
-    bool const surrogate = c >= 0xD800 && c <= 0xDFFF;
-    return overlong || surrogate || c > 0x10FFFF ? 0 : size;
+    unicode::put_utf8(c, [&](char byte) { text += byte; });
 }
 
 void append_utf16(wide_string & text, char32_t c) {
-    if (c < 0x10000) {
-        text += static_cast<char16_t>(c);
-        return;
-    }
-    text += static_cast<char16_t>(0xD7C0 + (c >> 10));
-    text += static_cast<char16_t>(0xDC00 + (c & 0x3FF));
+    unicode::put_utf16(c, [&](char16_t unit) { text += unit; });
 }
 
 /// `append(text, c)` adds a character, or says that its bytes count as bad ones.
@@ -61,9 +23,9 @@ template <typename Append>
 void decode(std::string_view host, wide_string & text, Append append) {
     while (!host.empty()) {
         char32_t c = 0;
-        std::size_t const size = decode_utf8(host, c);
-        if (size != 0 && append(text, c)) {
-            host.remove_prefix(size);
+        char const * behind = host.data();
+        if (unicode::read_utf8(behind, host.data() + host.size(), c) && append(text, c)) {
+            host.remove_prefix(std::size_t(behind - host.data()));
             continue;
         }
         // One byte at a time: what follows it may well be valid.
@@ -82,12 +44,11 @@ bool to_host_name(std::u16string_view name, narrow_string & host) {
             return false;
         if (unit == host_backslash || unit == host_colon) {
             host += unit == host_colon ? ':' : '\\';
-        } else if (is_high(unit)) {
-            if (i + 1 == name.size() || !is_low(name[i + 1]))
+        } else if (unicode::is_high_surrogate(unit)) {
+            if (i + 1 == name.size() || !unicode::is_low_surrogate(name[i + 1]))
                 return false;
-            char32_t const high = unit;
-            append_utf8(host, 0x10000 + ((high - 0xD800) << 10) + (char32_t{name[++i]} - 0xDC00));
-        } else if (is_low(unit)) {
+            append_utf8(host, unicode::join_surrogates(unit, name[++i]));
+        } else if (unicode::is_low_surrogate(unit)) {
             if (unit < bad_byte + 0x80 || unit > bad_byte + 0xFF)
                 return false;
             host += static_cast<char>(unit - bad_byte);

@@ -1,17 +1,21 @@
 #include "socle/platform/code_pages.h"
 
+#include "socle/basic/ascii_internal.h"
 #include "socle/platform/errors.h"
 #include "socle/platform/posix/text/code_page_tables.h"
+#include "socle/platform/unicode.h"
 
 #include <algorithm>
 #include <cstdlib>
-#include <cstring>
 #include <string_view>
 
 namespace platform {
 
 namespace {
 
+using basic::ascii::copy_ascii;
+using basic::ascii::is_ascii;
+using basic::ascii::step;
 using posix::code_page;
 
 struct language {
@@ -71,19 +75,6 @@ uint32 fail(uint32 code) {
     return 0;
 }
 
-constexpr std::size_t step = 16; // units, or bytes, that are looked at together
-
-template <class From>
-bool is_ascii(From const * from) {
-    uint64 bits = 0;
-    for (std::size_t i = 0; i < step * sizeof(From) / sizeof bits; ++i) {
-        uint64 word;
-        std::memcpy(&word, reinterpret_cast<char const *>(from) + i * sizeof word, sizeof word);
-        bits |= word;
-    }
-    return (bits & (sizeof(From) == 1 ? 0x8080808080808080 : 0xFF80FF80FF80FF80)) == 0;
-}
-
 /// Stores what there is room for by then.
 template <class Unit>
 class store {
@@ -93,10 +84,7 @@ public:
     void put(Unit unit) { *to_++ = unit; }
     template <class From>
     void put_ascii(From const * from) {
-        Unit block[step]; // of its own, so that it can be made in one go
-        for (std::size_t i = 0; i < step; ++i)
-            block[i] = static_cast<Unit>(from[i]);
-        std::memcpy(to_, block, sizeof block);
+        copy_ascii(from, to_);
         to_ += step;
     }
     uint64 count() const { return uint64(to_ - first_); }
@@ -157,81 +145,28 @@ constexpr char16_t replacement = 0xFFFD;
 
 unsigned char value(char byte) { return static_cast<unsigned char>(byte); }
 
-/// The next character of UTF-8, at `at`, which is moved behind it. A bad sequence is U+FFFD, and ends before the first
-/// byte that cannot belong to it.
-char32_t next_character(char const *& at, char const * end) {
-    unsigned char const lead = value(*at++);
-    if (lead < 0x80)
-        return lead;
-    int const length = lead >= 0xF0 ? 3 : lead >= 0xE0 ? 2 : 1;
-    if (lead < 0xC2 || lead > 0xF4)
-        return replacement;
-    unsigned char low = 0x80, high = 0xBF; // of the second byte: no overlong forms, surrogates, nor past U+10FFFF
-    if (lead == 0xE0)
-        low = 0xA0;
-    else if (lead == 0xED)
-        high = 0x9F;
-    else if (lead == 0xF0)
-        low = 0x90;
-    else if (lead == 0xF4)
-        high = 0x8F;
-    char32_t character = lead & (0x3F >> length);
-    for (int i = 0; i < length; ++i) {
-        if (at == end || value(*at) < low || value(*at) > high)
-            return replacement;
-        character = character << 6 | (value(*at++) & 0x3F);
-        low = 0x80;
-        high = 0xBF;
-    }
-    return character;
-}
-
 uint32 decode_utf8(char const * from, char const * end, char16_t * to, uint32 capacity) {
     return convert_to(to, capacity, uint64(end - from), [&](auto & result) {
         convert_steps(from, end, result, [](char const *& at, char const * last, auto & out) {
-            char32_t const character = next_character(at, last);
-            if (character < 0x10000) {
-                out.put(static_cast<char16_t>(character));
-            } else {
-                out.put(static_cast<char16_t>(0xD7C0 + (character >> 10)));
-                out.put(static_cast<char16_t>(0xDC00 + (character & 0x3FF)));
-            }
+            char32_t character;
+            bool const good = unicode::read_utf8(at, last, character);
+            unicode::put_utf16(good ? character : replacement, [&](char16_t unit) { out.put(unit); });
         });
     });
-}
-
-template <class Out>
-void put_utf8(char32_t character, Out & out) {
-    auto const put = [&](char32_t bits, unsigned mark) { out.put(static_cast<char>(bits | mark)); };
-    if (character < 0x80) {
-        put(character, 0);
-        return;
-    }
-    if (character < 0x800) {
-        put(character >> 6, 0xC0);
-    } else {
-        if (character < 0x10000) {
-            put(character >> 12, 0xE0);
-        } else {
-            put(character >> 18, 0xF0);
-            put(character >> 12 & 0x3F, 0x80);
-        }
-        put(character >> 6 & 0x3F, 0x80);
-    }
-    put(character & 0x3F, 0x80);
 }
 
 uint32 encode_utf8(char16_t const * from, char16_t const * end, char * to, uint32 capacity, bool & used_default) {
     return convert_to(to, capacity, 3 * uint64(end - from), [&](auto & result) {
         convert_steps(from, end, result, [&](char16_t const *& at, char16_t const * last, auto & out) {
-            char32_t character = *at++;
-            if ((character & 0xFC00) == 0xD800 && at != last && (*at & 0xFC00) == 0xDC00) {
-                character = 0x10000 + ((character & 0x3FF) << 10) + (*at++ & 0x3FF);
-            } else if ((character & 0xF800) == 0xD800) {
+            char16_t const unit = *at++;
+            char32_t character = unit;
+            if (unicode::is_high_surrogate(unit) && at != last && unicode::is_low_surrogate(*at)) {
+                character = unicode::join_surrogates(unit, *at++);
+            } else if (unicode::is_surrogate(unit)) {
                 character = replacement;
                 used_default = true;
             }
-            put_utf8(character, out);
+            unicode::put_utf8(character, [&](char byte) { out.put(byte); });
         });
     });
 }
