@@ -4,6 +4,7 @@
 #include "fuzz/support/feed.h"
 #include "socle/platform/backup.h"
 #include "socle/platform/errors.h"
+#include "socle/platform/stream_names.h"
 
 #include <limits>
 #include <map>
@@ -97,8 +98,7 @@ uint32 restore(std::string_view sequence, contents & file) {
         narrow_string * target = kind == BACKUP_DATA ? &file.data : nullptr;
         if (kind == BACKUP_ALTERNATE_DATA) {
             wide_string leaf;
-            if (!name.starts_with(u':') || posix::parse_stream_name(std::u16string_view(name).substr(1), leaf) != 0
-                || leaf.empty())
+            if (!name.starts_with(u':') || parse_stream_name(std::u16string_view(name).substr(1), leaf) || leaf.empty())
                 return ERROR_INVALID_DATA;
             target = &(file.streams[leaf] = "");
         }

@@ -2,8 +2,8 @@
 
 #include "fuzz/support/feed.h"
 #include "socle/platform/host.h"
+#include "socle/platform/host_names.h"
 #include "socle/platform/paths.h"
-#include "socle/platform/posix/paths/host_names.h"
 
 void fuzz::run(std::string_view input) {
     using namespace platform;
@@ -31,11 +31,11 @@ void fuzz::run(std::string_view input) {
 
     // A name that the host can have comes back, unless its bad bytes happen to be good text.
     narrow_string name;
-    bool const possible = posix::to_host_name(text, name);
+    bool const possible = to_host_name(text, name);
     if (possible) {
         check(name.find('/') == name.npos && name.find('\0') == name.npos);
         narrow_string again;
-        check(posix::to_host_name(posix::from_host_name(name), again) && again == name);
+        check(to_host_name(from_host_name(name), again) && again == name);
     }
     narrow_string const there = to_host(text);
     if (!there.empty() && there[0] != '/')

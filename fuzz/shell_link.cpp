@@ -1,7 +1,7 @@
 /// Shell links: whatever the bytes, the reader stays within them, and what it takes for a link is one.
 
 #include "fuzz/support/feed.h"
-#include "socle/platform/posix/text/shell_link_reader.h"
+#include "socle/platform/shell_link_reader.h"
 
 namespace {
 
@@ -15,7 +15,7 @@ wide_string latin(std::string_view text) {
 } // namespace
 
 void fuzz::run(std::string_view input) {
-    using platform::posix::read_shell_link;
+    using platform::read_shell_link;
     wide_string const before = u"what stood there";
     wide_string target = before;
     bool const found = read_shell_link(input, latin, target);

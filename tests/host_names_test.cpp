@@ -1,10 +1,10 @@
-#include "socle/platform/posix/paths/host_names.h"
+#include "socle/platform/host_names.h"
 
 #include <gtest/gtest.h>
 
 namespace {
 
-using namespace platform::posix;
+using namespace platform;
 
 TEST(host_names, come_back_as_they_were) {
     struct row {

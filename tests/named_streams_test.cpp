@@ -5,7 +5,7 @@
 #include "socle/platform/posix/host/host_calls.h"
 #include "socle/platform/posix/streams/backup_records.h"
 #include "socle/platform/posix/streams/named_streams.h"
-#include "socle/platform/posix/streams/stream_names.h"
+#include "socle/platform/stream_names.h"
 #include "tests/support/ntfs_image.h"
 #include "tests/support/scratch.h"
 

@@ -1,5 +1,5 @@
 #include "socle/platform/environment.h"
-#include "socle/platform/posix/text/shell_link_reader.h"
+#include "socle/platform/shell_link_reader.h"
 #include "socle/platform/shell_links.h"
 #include "tests/support/scratch.h"
 
@@ -7,7 +7,7 @@
 
 namespace {
 
-using platform::posix::read_shell_link;
+using platform::read_shell_link;
 
 std::string sample(char const * name) {
     std::ifstream in(std::string(TEST_DATA "/links/") + name, std::ios::binary);

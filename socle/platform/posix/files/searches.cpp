@@ -1,10 +1,10 @@
 #include "socle/platform/ansi_text.h"
 #include "socle/platform/directories.h"
 #include "socle/platform/errors.h"
+#include "socle/platform/host_names.h"
 #include "socle/platform/posix/host/error_codes.h"
 #include "socle/platform/posix/host/host_calls.h"
 #include "socle/platform/posix/host/report.h"
-#include "socle/platform/posix/paths/host_names.h"
 #include "socle/platform/posix/paths/resolve.h"
 
 #include <algorithm>
@@ -25,7 +25,7 @@ struct file_search {
 
     void add(std::string_view host_name) {
         std::size_t const at = text.size();
-        posix::append_host_name(host_name, text);
+        append_host_name(host_name, text);
         finish(at);
     }
     void add(std::u16string_view name) {

@@ -1,7 +1,7 @@
 #include "socle/platform/environment.h"
 
 #include "socle/platform/ansi_text.h"
-#include "socle/platform/posix/paths/host_names.h"
+#include "socle/platform/host_names.h"
 
 #include <cstdlib>
 
@@ -10,7 +10,7 @@ namespace platform {
 bool _wgetenv(char const * name, wide_string & value) {
     char const * const text = std::getenv(name);
     if (text != nullptr)
-        value = posix::from_host_text(text);
+        value = from_host_text(text);
     return text != nullptr;
 }
 

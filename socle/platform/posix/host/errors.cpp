@@ -1,49 +1,14 @@
 #include "socle/platform/errors.h"
 
+#include "socle/platform/error_messages.h"
+
 #include <algorithm>
-#include <string_view>
 
 namespace platform {
 
 namespace {
 
 thread_local uint32 last_error = 0;
-
-struct message {
-    uint32 code;
-    std::string_view text;
-};
-
-constexpr message messages[] = {
-    {0, "No error.\r\n"},
-    {ERROR_FILE_NOT_FOUND, "There is no such file.\r\n"},
-    {ERROR_PATH_NOT_FOUND, "There is no such folder on the way to the file.\r\n"},
-    {ERROR_TOO_MANY_OPEN_FILES, "Too many files are open.\r\n"},
-    {ERROR_ACCESS_DENIED, "Access is denied.\r\n"},
-    {ERROR_INVALID_HANDLE, "The handle is not that of an open file.\r\n"},
-    {ERROR_NOT_ENOUGH_MEMORY, "There is not enough memory.\r\n"},
-    {ERROR_INVALID_DATA, "The data are not valid.\r\n"},
-    {ERROR_NOT_SAME_DEVICE, "It cannot be moved to another volume.\r\n"},
-    {ERROR_NO_MORE_FILES, "There are no more files.\r\n"},
-    {ERROR_WRITE_PROTECT, "The medium is read-only.\r\n"},
-    {ERROR_SEEK, "The position cannot be reached.\r\n"},
-    {ERROR_SHARING_VIOLATION, "It is in use elsewhere.\r\n"},
-    {ERROR_NOT_SUPPORTED, "The file system or the system does not support this.\r\n"},
-    {ERROR_BAD_NETPATH, "The network path was not found.\r\n"},
-    {ERROR_FILE_EXISTS, "The file exists.\r\n"},
-    {ERROR_INVALID_PARAMETER, "A parameter is not valid.\r\n"},
-    {ERROR_BROKEN_PIPE, "The pipe has ended.\r\n"},
-    {ERROR_DISK_FULL, "The disk is full.\r\n"},
-    {ERROR_INSUFFICIENT_BUFFER, "The buffer is too small.\r\n"},
-    {ERROR_INVALID_NAME, "The name is not valid.\r\n"},
-    {ERROR_NEGATIVE_SEEK, "The position would lie before the start of the file.\r\n"},
-    {ERROR_DIR_NOT_EMPTY, "The folder is not empty.\r\n"},
-    {ERROR_ALREADY_EXISTS, "A file or folder of that name exists.\r\n"},
-    {ERROR_FILENAME_EXCED_RANGE, "The name is too long.\r\n"},
-    {ERROR_NO_DATA, "The pipe is being closed.\r\n"},
-    {ERROR_DIRECTORY, "This is not a folder.\r\n"},
-    {ERROR_IO_DEVICE, "The device failed.\r\n"},
-};
 
 } // namespace
 
@@ -52,12 +17,11 @@ uint32 GetLastError() { return last_error; }
 void SetLastError(uint32 code) { last_error = code; }
 
 uint32 FormatMessageA(uint32 code, char * buffer, uint32 size) {
-    auto const * const found =
-        std::find_if(std::begin(messages), std::end(messages), [&](message const & m) { return m.code == code; });
-    if (found == std::end(messages) || found->text.size() >= size)
+    std::string_view const text = error_message(code);
+    if (text.empty() || text.size() >= size)
         return 0;
-    *std::copy(found->text.begin(), found->text.end(), buffer) = '\0';
-    return static_cast<uint32>(found->text.size());
+    *std::copy(text.begin(), text.end(), buffer) = '\0';
+    return static_cast<uint32>(text.size());
 }
 
 } // namespace platform

@@ -2,11 +2,11 @@
 
 #include "socle/platform/errors.h"
 #include "socle/platform/host.h"
+#include "socle/platform/host_names.h"
+#include "socle/platform/path_text.h"
 #include "socle/platform/posix/host/descriptor.h"
 #include "socle/platform/posix/host/host_calls.h"
 #include "socle/platform/posix/host/report.h"
-#include "socle/platform/posix/paths/host_names.h"
-#include "socle/platform/posix/paths/path_text.h"
 #include "socle/platform/posix/paths/resolve.h"
 
 #include <algorithm>
@@ -100,9 +100,9 @@ narrow_string const & root_name() {
 } // namespace posix
 
 bool GetFullPathNameW(wide_string const & path, wide_string & full) {
-    posix::path_text text;
-    if (uint32 const code = posix::read_path(path, text))
-        return posix::report(code);
+    path_text text;
+    if (system_code const code = read_path(path, posix::host_working_directory, text))
+        return posix::report(code.value());
     if (!text.is_share() && posix::any_attached())
         posix::set_volume(text);
     full = text.text();
@@ -114,14 +114,14 @@ bool GetVolumeInformationW(wide_string const & root, wide_string & file_system) 
     if (uint32 const code = posix::resolve(root, resolved))
         return posix::report(code);
     bool const host_root = resolved.on->letter == 'C';
-    file_system = posix::from_host_name(host_root ? posix::root_name() : resolved.on->file_system);
+    file_system = from_host_name(host_root ? posix::root_name() : resolved.on->file_system);
     return true;
 }
 
 wide_string from_host(narrow_string const & path) {
     wide_string text = path.starts_with('/') ? u"C:" : u"";
     posix::convert_names<narrow_string>(path, "/", [&](std::string_view name, bool more) {
-        text += posix::from_host_name(name);
+        text += from_host_name(name);
         text += more ? u"\\" : u"";
     });
     return text;
@@ -147,7 +147,7 @@ narrow_string to_host(wide_string const & path) {
     bool mapped = true;
     posix::convert_names<wide_string>(left, u"\\/", [&](std::u16string_view name, bool more) {
         narrow_string text;
-        mapped = mapped && name.find(u':') == std::u16string_view::npos && posix::to_host_name(name, text);
+        mapped = mapped && name.find(u':') == std::u16string_view::npos && to_host_name(name, text);
         host += text;
         host += more ? "/" : "";
     });

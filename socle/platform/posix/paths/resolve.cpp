@@ -1,11 +1,13 @@
 #include "socle/platform/posix/paths/resolve.h"
 
 #include "socle/platform/errors.h"
+#include "socle/platform/host_names.h"
+#include "socle/platform/path_text.h"
 #include "socle/platform/posix/host/error_codes.h"
 #include "socle/platform/posix/host/host_calls.h"
-#include "socle/platform/posix/paths/host_names.h"
-#include "socle/platform/posix/paths/path_text.h"
+#include "socle/platform/stream_names.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <climits>
 
@@ -90,17 +92,31 @@ uint32 resolve_names(path_text const & path, resolved_path & resolved) {
         follow_last_link(resolved);
         if (resolved.on->streams == nullptr || resolved.folder)
             return ERROR_INVALID_NAME;
-        if (uint32 const code = parse_stream_name(stream, resolved.stream))
-            return code;
+        if (system_code const code = parse_stream_name(stream, resolved.stream))
+            return code.value();
     }
     return check_not_hidden(resolved);
+}
+
+bool host_working_directory(path_text & text) {
+    char folder[PATH_MAX];
+    if (host::getcwd(folder, sizeof folder) == nullptr)
+        return false;
+    std::string_view left = folder;
+    while (!left.empty()) {
+        std::size_t const end = std::min(left.find('/'), left.size());
+        if (end > 0)
+            text.names.push_back(from_host_name(left.substr(0, end)));
+        left.remove_prefix(std::min(end + 1, left.size()));
+    }
+    return true;
 }
 
 uint32 resolve(std::u16string_view path, resolved_path & resolved) {
     resolved = {};
     path_text text;
-    if (uint32 const code = read_path(path, text))
-        return code;
+    if (system_code const code = read_path(path, host_working_directory, text))
+        return code.value();
     return text.is_share() ? ERROR_BAD_NETPATH : resolve_names(text, resolved);
 }
 

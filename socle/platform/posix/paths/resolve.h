@@ -5,6 +5,10 @@
 #include <string_view>
 
 /// From the library's paths to what the host calls take.
+namespace platform {
+struct path_text;
+} // namespace platform
+
 namespace platform::posix {
 
 struct resolved_path {
@@ -23,7 +27,8 @@ struct resolved_path {
     narrow_string host_path() const { return folder && host != "/" ? host + '/' : host; }
 };
 
-struct path_text;
+/// The start of relative paths: adds the names of the working directory.
+bool host_working_directory(path_text & text);
 
 /// 0 or a system code.
 uint32 resolve(std::u16string_view path, resolved_path & resolved);

@@ -4,6 +4,7 @@
 #include "socle/platform/errors.h"
 #include "socle/platform/posix/host/error_codes.h"
 #include "socle/platform/posix/host/host_calls.h"
+#include "socle/platform/stream_names.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -40,7 +41,7 @@ uint32 create_stream(backup_file const & file, narrow_string const & head, descr
     for (std::size_t at = head_size; at < head.size(); at += 2)
         text += static_cast<char16_t>(number_at(head, at, 2));
     wide_string name;
-    if (!text.starts_with(u':') || parse_stream_name(std::u16string_view(text).substr(1), name) != 0 || name.empty())
+    if (!text.starts_with(u':') || parse_stream_name(std::u16string_view(text).substr(1), name) || name.empty())
         return ERROR_INVALID_DATA;
     if (file.streams == nullptr)
         return ERROR_NOT_SUPPORTED;

@@ -1,10 +1,10 @@
 #include "socle/platform/posix/streams/disk_streams.h"
 
 #include "socle/platform/errors.h"
+#include "socle/platform/host_names.h"
 #include "socle/platform/posix/host/error_codes.h"
 #include "socle/platform/posix/host/extended_attributes.h"
 #include "socle/platform/posix/host/host_calls.h"
-#include "socle/platform/posix/paths/host_names.h"
 
 #include <algorithm>
 #include <cerrno>

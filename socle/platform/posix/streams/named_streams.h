@@ -63,8 +63,4 @@ private:
 uint32 copy_streams(named_streams const & from, narrow_string const & file, named_streams const & to,
                     narrow_string const & copy);
 
-/// The name in what stands behind the first colon of a leaf: `note`, `note:$DATA`. Empty for `:$DATA`, which is the
-/// file itself. 123 for what cannot be a stream's name: another type, more than 255 units, a separator, a NUL.
-uint32 parse_stream_name(std::u16string_view text, wide_string & name);
-
 } // namespace platform::posix

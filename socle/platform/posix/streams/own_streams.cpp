@@ -4,8 +4,8 @@
 #include "socle/platform/posix/host/descriptor.h"
 #include "socle/platform/posix/host/error_codes.h"
 #include "socle/platform/posix/host/host_calls.h"
-#include "socle/platform/posix/streams/stream_names.h"
 #include "socle/platform/posix/streams/stream_owners.h"
+#include "socle/platform/stream_names.h"
 
 #include <algorithm>
 #include <cerrno>

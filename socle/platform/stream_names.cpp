@@ -1,11 +1,8 @@
-#include "socle/platform/posix/streams/stream_names.h"
-
-#include "socle/platform/errors.h"
-#include "socle/platform/posix/streams/named_streams.h"
+#include "socle/platform/stream_names.h"
 
 #include <cstddef>
 
-namespace platform::posix {
+namespace platform {
 
 namespace {
 
@@ -30,7 +27,7 @@ bool is_data_type(std::u16string_view type) {
 
 } // namespace
 
-uint32 parse_stream_name(std::u16string_view text, wide_string & name) {
+system_code parse_stream_name(std::u16string_view text, wide_string & name) {
     std::size_t const colon = text.find(u':');
     std::u16string_view const stream = text.substr(0, colon);
     bool const typed = colon != std::u16string_view::npos;
@@ -39,7 +36,7 @@ uint32 parse_stream_name(std::u16string_view text, wide_string & name) {
         || stream.find_first_of(std::u16string_view(u"\\/\0", 3)) != std::u16string_view::npos)
         return ERROR_INVALID_NAME;
     name = stream;
-    return 0;
+    return {};
 }
 
 narrow_string stored_stream_name(std::u16string_view name) {
@@ -88,4 +85,4 @@ bool stream_name_of(std::string_view stored, wide_string & name) {
     return !name.empty() && name.size() <= longest_stream_name;
 }
 
-} // namespace platform::posix
+} // namespace platform

@@ -1,11 +1,12 @@
 #pragma once
 
 #include "socle/basic/types.h"
+#include "socle/platform/system_code.h"
 
 #include <string_view>
 #include <vector>
 
-namespace platform::posix {
+namespace platform {
 
 /// A path's text taken apart, with `.` and `..` resolved in it.
 struct path_text {
@@ -17,7 +18,10 @@ struct path_text {
     wide_string text() const;
 };
 
-/// 0 or a system code. A relative path starts at the working directory.
-uint32 read_path(std::u16string_view path, path_text & text);
+/// Gives the root and the names of the working directory; false if it is gone.
+using working_directory = bool(path_text & text);
 
-} // namespace platform::posix
+/// A relative path starts at `start`, which is only asked for one.
+system_code read_path(std::u16string_view path, working_directory * start, path_text & text);
+
+} // namespace platform

@@ -1,13 +1,8 @@
-#include "socle/platform/posix/paths/path_text.h"
-
-#include "socle/platform/errors.h"
-#include "socle/platform/posix/host/host_calls.h"
-#include "socle/platform/posix/paths/host_names.h"
+#include "socle/platform/path_text.h"
 
 #include <algorithm>
-#include <climits>
 
-namespace platform::posix {
+namespace platform {
 
 namespace {
 
@@ -42,21 +37,6 @@ void add_names(std::u16string_view path, path_text & text) {
     text.folder = text.folder && !text.names.empty();
 }
 
-/// The names of the working directory.
-bool add_working_directory(path_text & text) {
-    char folder[PATH_MAX];
-    if (host::getcwd(folder, sizeof folder) == nullptr)
-        return false;
-    std::string_view left = folder;
-    while (!left.empty()) {
-        std::size_t const end = std::min(left.find('/'), left.size());
-        if (end > 0)
-            text.names.push_back(from_host_name(left.substr(0, end)));
-        left.remove_prefix(std::min(end + 1, left.size()));
-    }
-    return true;
-}
-
 } // namespace
 
 wide_string path_text::text() const {
@@ -66,7 +46,7 @@ wide_string path_text::text() const {
     return folder || names.empty() ? text + u'\\' : text;
 }
 
-uint32 read_path(std::u16string_view path, path_text & text) {
+system_code read_path(std::u16string_view path, working_directory * start, path_text & text) {
     if (path.empty())
         return ERROR_PATH_NOT_FOUND;
     if (path.find(u'\0') != std::u16string_view::npos)
@@ -81,11 +61,11 @@ uint32 read_path(std::u16string_view path, path_text & text) {
     } else if (has_drive(path)) {
         text.root = path.substr(0, 2);
         path.remove_prefix(2);
-    } else if (!is_separator(path.front()) && !add_working_directory(text)) {
+    } else if (!is_separator(path.front()) && !start(text)) {
         return ERROR_PATH_NOT_FOUND;
     }
     add_names(path, text);
-    return 0;
+    return {};
 }
 
-} // namespace platform::posix
+} // namespace platform

@@ -1,9 +1,9 @@
-#include "socle/platform/posix/text/shell_link_reader.h"
+#include "socle/platform/shell_link_reader.h"
 
 #include <cstddef>
 #include <optional>
 
-namespace platform::posix {
+namespace platform {
 
 namespace {
 
@@ -185,4 +185,4 @@ bool read_shell_link(std::string_view bytes, ansi_decoder * from_ansi, wide_stri
     return true;
 }
 
-} // namespace platform::posix
+} // namespace platform

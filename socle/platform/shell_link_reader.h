@@ -4,7 +4,7 @@
 
 #include <string_view>
 
-namespace platform::posix {
+namespace platform {
 
 /// From the ANSI page to 16-bit text.
 using ansi_decoder = wide_string(std::string_view);
@@ -13,4 +13,4 @@ using ansi_decoder = wide_string(std::string_view);
 /// the link must be whole, up to the block that ends it.
 bool read_shell_link(std::string_view link, ansi_decoder * from_ansi, wide_string & target);
 
-} // namespace platform::posix
+} // namespace platform

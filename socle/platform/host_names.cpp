@@ -1,8 +1,8 @@
-#include "socle/platform/posix/paths/host_names.h"
+#include "socle/platform/host_names.h"
 
 #include "socle/platform/unicode.h"
 
-namespace platform::posix {
+namespace platform {
 
 namespace {
 
@@ -83,4 +83,4 @@ wide_string from_host_text(std::string_view host) {
     return all;
 }
 
-} // namespace platform::posix
+} // namespace platform
