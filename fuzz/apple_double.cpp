@@ -26,7 +26,7 @@ void fuzz::run(std::string_view input) {
         compare(input, big_number(input, 26, 4));
 
     // Our own head, with what follows it and with bytes of it changed.
-    auto const head = nio::apple_double::head();
+    auto const head = nio::apple_double::head({});
     narrow_string sidecar(head.begin(), head.end());
     compare(sidecar + narrow_string(input), nio::apple_double::finder_info_id);
     for (feed in(input); !in.empty();) {

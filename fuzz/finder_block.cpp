@@ -139,7 +139,7 @@ void sidecar(scratch const & folder, std::string bytes, info_bytes const & info)
         return;
     }
     if (bytes.empty()) {
-        auto const head = nio::apple_double::head();
+        auto const head = nio::apple_double::head({});
         bytes.assign(head.begin(), head.end());
         offset = nio::apple_double::finder_info_offset;
     }

@@ -597,9 +597,8 @@ private:
                 after = model_.create_wide(path, sidecar_of, overwrite, false);
                 if (after.empty())
                     return;
-                auto const head = nio::apple_double::head();
-                model_.nodes[sidecar_of(after)].bytes =
-                    std::string(head.begin(), head.end()) + std::string(32, '\0') + bytes;
+                auto const head = nio::apple_double::head({});
+                model_.nodes[sidecar_of(after)].bytes = std::string(head.begin(), head.end()) + bytes;
             });
         check(file.is_open() != after.empty());
         if (!file.is_open())

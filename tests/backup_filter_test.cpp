@@ -105,14 +105,15 @@ TEST(BackupFilter, SaysWhereASequenceIsBroken) {
 }
 
 TEST(AppleDouble, HasAHeadWithTwoEntries) {
-    auto const head = nio::apple_double::head();
+    auto const head = nio::apple_double::head({1, 2});
     std::string const own(head.begin(), head.end());
     EXPECT_EQ(own, std::string("\0\5\x16\7\0\2\0\0"
                                "\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0"
                                "\0\2"
                                "\0\0\0\x09\0\0\0\x32\0\0\0\x20"
-                               "\0\0\0\x09\0\0\0\x52\0\0\0\0",
-                               50));
+                               "\0\0\0\x09\0\0\0\x52\0\0\0\0\1\2",
+                               52)
+                       + std::string(30, '\0'));
 }
 
 } // namespace

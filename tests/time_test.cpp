@@ -1,6 +1,6 @@
 #include "socle/algorithm/random.h"
 #include "socle/any/time.h"
-#include "socle/nio/time_internal.h"
+#include "socle/nio/found_at_load_internal.h"
 #include "socle/nio/timer.h"
 #include "socle/platform/posix/clock/clock_seam.h"
 #include "socle/un/exception.h"

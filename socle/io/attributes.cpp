@@ -6,7 +6,7 @@
 #include "socle/io/fork_output.h"
 #include "socle/io/info_header_internal.h"
 #include "socle/io/system_error.h"
-#include "socle/io/system_names_internal.h"
+#include "socle/io/system_path_internal.h"
 #include "socle/platform/errors.h"
 #include "socle/platform/file_times.h"
 #include "socle/platform/files.h"

@@ -2,7 +2,7 @@
 
 #include "socle/io/file.h"
 #include "socle/io/system_error.h"
-#include "socle/io/system_names_internal.h"
+#include "socle/io/system_path_internal.h"
 #include "socle/platform/errors.h"
 #include "socle/platform/files.h"
 

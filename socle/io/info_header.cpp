@@ -1,6 +1,5 @@
 #include "socle/algorithm/crc.h"
 #include "socle/io/info_header_internal.h"
-#include "socle/io/mac/reserved_internal.h"
 #include "socle/stream/array_input.h"
 #include "socle/stream/array_output.h"
 #include "socle/stream/endian_input.h"
@@ -38,7 +37,7 @@ struct reader {
 struct writer {
     stream::big_endian_output out;
 
-    void reserved(uint32 count) { mac::write_reserved(out, count); }
+    void reserved(uint32 count) { out.fill(count, 0); }
     void record(un::structure const & record) { record.write(out); }
     void number(uint32 number) { out.write32(number); }
     void high_byte(uint16 number) { out.write8(static_cast<unsigned char>(number >> 8)); }

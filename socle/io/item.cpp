@@ -4,7 +4,7 @@
 #include "socle/io/exception.h"
 #include "socle/io/file.h"
 #include "socle/io/system_error.h"
-#include "socle/io/system_names_internal.h"
+#include "socle/io/system_path_internal.h"
 #include "socle/platform/files.h"
 #include "socle/platform/paths.h"
 #include "socle/platform/shell_links.h"

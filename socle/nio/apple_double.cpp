@@ -1,12 +1,15 @@
 #include "socle/nio/apple_double_internal.h"
 
+#include "socle/basic/internal/byte_order.h"
+
 #include <algorithm>
+#include <string_view>
 
 namespace nio::apple_double {
 
 namespace {
 
-constexpr std::array<unsigned char, 8> signature = {0, 5, 0x16, 7, 0, 2, 0, 0};
+constexpr std::string_view signature("\0\5\x16\7\0\2\0\0", 8);
 constexpr uint32 count_offset = 24;
 constexpr uint32 head_size = 26;
 
@@ -19,27 +22,18 @@ constexpr entry entries[] = {{finder_info_id, finder_info_offset, finder_info_si
                              {finder_info_id, resource_offset, 0}};
 static_assert(head_size + std::size(entries) * entry_size == finder_info_offset);
 
-uint32 number(unsigned char const * bytes) {
-    return uint32(bytes[0]) << 24 | uint32(bytes[1]) << 16 | uint32(bytes[2]) << 8 | bytes[3];
-}
+uint32 number(char const * bytes) { return basic::load<uint32>(bytes, true); }
 
-void store(unsigned char * bytes, uint32 value) {
-    for (int i = 0; i < 4; ++i)
-        bytes[i] = static_cast<unsigned char>(value >> (24 - 8 * i));
-}
-
-bool read_whole(input & file, unsigned char * bytes, uint32 size) {
-    return file.read(reinterpret_cast<char *>(bytes), size) == size;
-}
+bool read_whole(input & file, char * bytes, uint32 size) { return file.read(bytes, size) == size; }
 
 /// The first entry `id` of `count`.
 bool find(input & file, uint32 id, entry & found, uint32 & count) {
-    unsigned char bytes[head_size];
-    if (!read_whole(file, bytes, head_size) || !std::equal(signature.begin(), signature.end(), bytes))
+    char bytes[head_size];
+    if (!read_whole(file, bytes, head_size) || !std::string_view(bytes, head_size).starts_with(signature))
         return false;
-    count = bytes[count_offset] * 256u + bytes[count_offset + 1];
+    count = basic::load<uint16>(bytes + count_offset, true);
     for (uint32 i = 0; i < count; ++i) {
-        unsigned char stored[entry_size];
+        char stored[entry_size];
         if (!read_whole(file, stored, entry_size))
             return false;
         found = {number(stored), number(stored + 4), number(stored + 8)};
@@ -51,17 +45,17 @@ bool find(input & file, uint32 id, entry & found, uint32 & count) {
 
 } // namespace
 
-head_bytes head() {
-    head_bytes bytes{};
+std::array<char, resource_offset> head(finder_info const & info) {
+    std::array<char, resource_offset> bytes{};
     std::copy(signature.begin(), signature.end(), bytes.begin());
-    bytes[count_offset + 1] = std::size(entries);
-    unsigned char * at = bytes.data() + head_size;
-    for (auto const & e : entries) {
-        store(at, e.id);
-        store(at + 4, e.offset);
-        store(at + 8, e.length);
-        at += entry_size;
-    }
+    basic::store<uint16>(bytes.data() + count_offset, std::size(entries), true);
+    char * at = bytes.data() + head_size;
+    for (auto const & e : entries)
+        for (uint32 const field : {e.id, e.offset, e.length}) {
+            basic::store(at, field, true);
+            at += sizeof field;
+        }
+    std::copy(info.begin(), info.end(), at);
     return bytes;
 }
 

@@ -23,9 +23,10 @@ constexpr uint32 finder_info_size = 32;
 constexpr uint32 finder_info_offset = 50;
 constexpr uint32 resource_offset = finder_info_offset + finder_info_size;
 
-/// The bytes before the Finder information of a sidecar that is made anew.
-using head_bytes = std::array<unsigned char, finder_info_offset>;
-head_bytes head();
+using finder_info = std::array<unsigned char, finder_info_size>;
+
+/// The bytes before the resource data of a sidecar that is made anew.
+std::array<char, resource_offset> head(finder_info const & info);
 
 /// Looks for entry `id` in a file that stands at its start. True if `offset` tells where the first one lies; false if
 /// there is none, or the file is no AppleDouble file.

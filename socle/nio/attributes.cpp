@@ -4,13 +4,14 @@
 #include "socle/nio/file.h"
 #include "socle/nio/filesystem_exception.h"
 #include "socle/nio/fork_names.h"
-#include "socle/nio/make_internal.h"
+#include "socle/nio/new_paths_internal.h"
 #include "socle/nio/path.h"
 #include "socle/platform/errors.h"
 #include "socle/platform/file_times.h"
 #include "socle/platform/files.h"
 
 #include <algorithm>
+#include <string_view>
 
 namespace nio {
 
@@ -21,18 +22,59 @@ using namespace platform;
 constexpr uint32 kept_attributes = 0x1B7;
 
 /// The block in which a stream keeps the Finder information: these bytes, 8 zeros, the information, 12 zeros.
-constexpr std::array<unsigned char, 8> block_signature = {'A', 'F', 'P', 0, 0, 0, 1, 0};
+constexpr std::string_view block_signature("AFP\0\0\0\1\0", 8);
 constexpr std::size_t block_info_offset = 16;
-using info_block = std::array<unsigned char, 60>;
+constexpr uint32 block_size = 60;
 
-template <class Bytes>
-char * chars(Bytes & bytes) {
-    return reinterpret_cast<char *>(bytes.data());
+using apple_double::finder_info_size;
+
+char const * chars(apple_double::finder_info const & info) { return reinterpret_cast<char const *>(info.data()); }
+
+/// Whether what `name` leads to is a file, which can hold the information: reading another thing might not come to an
+/// end.
+bool is_info_file(wide_string const & name) {
+    uint32 const kind = GetFileAttributesW(name);
+    if (kind == INVALID_FILE_ATTRIBUTES && !nothing_is_there())
+        throw filesystem_exception("cannot open file", name);
+    return kind != INVALID_FILE_ATTRIBUTES && (kind & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_DEVICE)) == 0;
 }
 
-template <class Bytes>
-char const * chars(Bytes const & bytes) {
-    return reinterpret_cast<char const *>(bytes.data());
+/// False if there is no information.
+bool read_info(file & from, char (&info)[finder_info_size]) {
+    if (is_ntfs_info_name(from.path())) {
+        char block[block_size];
+        if (from.read(block, block_size) != block_size
+            || !std::string_view(block, block_size).starts_with(block_signature))
+            return false;
+        std::copy_n(block + block_info_offset, finder_info_size, info);
+        return true;
+    }
+    uint32 offset;
+    return apple_double::find_entry(from, apple_double::finder_info_id, offset) && from.seek(offset)
+           && from.read(info, finder_info_size) == finder_info_size;
+}
+
+void write_block(file & stream, apple_double::finder_info const & info) {
+    char block[block_size] = {};
+    block_signature.copy(block, block_signature.size());
+    std::copy_n(chars(info), info.size(), block + block_info_offset);
+    stream.write(block, block_size);
+}
+
+void write_sidecar(file & sidecar, apple_double::finder_info const & info) {
+    if (!sidecar.is_open() || sidecar.size() == 0) {
+        auto const head = apple_double::head(info);
+        sidecar.write(head.data(), uint32(head.size()));
+        return;
+    }
+    // Another program's sidecar may have its data anywhere, and a damaged one in the place of something else.
+    uint32 offset;
+    if (!apple_double::find_room(sidecar, apple_double::finder_info_id, finder_info_size, offset)
+        || !sidecar.seek(offset)) {
+        SetLastError(ERROR_INVALID_DATA);
+        throw filesystem_exception("cannot write", sidecar.path());
+    }
+    sidecar.write(chars(info), finder_info_size);
 }
 
 /// Opens `path` for its times only.
@@ -65,27 +107,31 @@ void attributes::load(item & from) {
     if ((data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0)
         mode |= 0110;
 
-    // What is no file cannot hold the information, and reading it might not come to an end.
     wide_string const name = info_name(path, true, true);
-    uint32 const kind = GetFileAttributesW(name);
-    if (kind == INVALID_FILE_ATTRIBUTES && !nothing_is_there())
-        throw filesystem_exception("cannot open file", name);
-    if (kind == INVALID_FILE_ATTRIBUTES || (kind & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_DEVICE)) != 0)
+    if (!is_info_file(name))
         return;
-    file info(name, 1);
-    if (is_ntfs_info_name(name)) {
-        info_block block;
-        if (info.read(chars(block), uint32(block.size())) == block.size()
-            && std::equal(block_signature.begin(), block_signature.end(), block.begin()))
-            std::copy_n(block.begin() + block_info_offset, finder_info.size(), finder_info.begin());
+    file info(name, file::mode_read);
+    char found[finder_info_size];
+    if (read_info(info, found))
+        std::copy_n(found, finder_info_size, finder_info.begin());
+}
+
+/// Opens the file that `info` names, or makes it; where it cannot be made, tries the one of the normalized `path`.
+void attributes::open_info(file & info, wide_string const & path, bool allow_ntfs) {
+    info.handle_ = file::try_open(info.path(), file::mode_read_write);
+    if (info.is_open())
         return;
-    }
-    uint32 offset;
-    if (apple_double::find_entry(info, apple_double::finder_info_id, offset) && info.seek(offset)) {
-        auto found = finder_info;
-        if (info.read(chars(found), uint32(found.size())) == found.size())
-            finder_info = found;
-    }
+    create_parents(info.path());
+    info.handle_ = file::try_open(info.path(), file::mode_new);
+    if (info.is_open())
+        return;
+    wide_string const safe = normalize(path);
+    if (safe == path)
+        return;
+    info.path() = info_name(safe, false, allow_ntfs);
+    info.handle_ = file::try_open(info.path(), file::mode_new);
+    if (!info.is_open())
+        throw filesystem_exception("cannot create", path);
 }
 
 void attributes::apply(item & to, bool write_info, bool allow_ntfs) const {
@@ -96,41 +142,15 @@ void attributes::apply(item & to, bool write_info, bool allow_ntfs) const {
     if (!write_info)
         return;
 
-    wide_string name = info_name(path, false, allow_ntfs);
-    if (is_directory(name))
+    file info(info_name(path, false, allow_ntfs), file::mode_closed);
+    if (is_directory(info.path()))
         return;
-    file info(name, 0);
-    try {
-        info.open_rw();
-    } catch (exception const &) {
-        create_parents(name);
-        info.handle_ = file::open_handle(name, 3);
-        if (!info.is_open()) {
-            wide_string const safe = normalize(path);
-            name = info_name(safe, false, allow_ntfs);
-            if (safe != path && (info.handle_ = file::open_handle(name, 3)) == INVALID_HANDLE_VALUE)
-                throw filesystem_exception("cannot create", path);
-        }
-    }
-    if (is_ntfs_info_name(name)) {
-        info_block block{};
-        std::copy(block_signature.begin(), block_signature.end(), block.begin());
-        std::copy(finder_info.begin(), finder_info.end(), block.begin() + block_info_offset);
-        info.write(chars(block), uint32(block.size()));
-        return;
-    }
-    if (uint32 offset; info.is_open() && info.size() > 0) {
-        // Another program's sidecar may have its data anywhere, and a damaged one in the place of something else.
-        if (!apple_double::find_room(info, apple_double::finder_info_id, uint32(finder_info.size()), offset)
-            || !info.seek(offset)) {
-            SetLastError(ERROR_INVALID_DATA);
-            throw filesystem_exception("cannot write", name);
-        }
-    } else {
-        auto const head = apple_double::head();
-        info.write(chars(head), uint32(head.size()));
-    }
-    info.write(chars(finder_info), uint32(finder_info.size()));
+    open_info(info, path, allow_ntfs);
+    // One that could be neither opened nor made is closed, and refuses what is written.
+    if (is_ntfs_info_name(info.path()))
+        write_block(info, finder_info);
+    else
+        write_sidecar(info, finder_info);
 }
 
 } // namespace nio

@@ -7,6 +7,8 @@
 
 namespace nio {
 
+class file;
+
 /// What can be said about a file or directory besides its contents.
 class SOCLE_API attributes {
 public:
@@ -38,6 +40,9 @@ public:
     /// Unix permission bits. `load` makes them up from `read_only`, and nothing uses them.
     uint32 mode = 0666;
     std::array<unsigned char, 32> finder_info{};
+
+private:
+    static void open_info(file & info, wide_string const & path, bool allow_ntfs);
 };
 
 } // namespace nio

@@ -1,5 +1,6 @@
 #include "socle/nio/backup_filter_internal.h"
 
+#include "socle/basic/internal/byte_order.h"
 #include "socle/platform/backup.h"
 
 #include <algorithm>
@@ -16,10 +17,7 @@ constexpr uint32 longest_name = 65536; // bytes, more than any file system gives
 
 template <class Number>
 Number number_at(char const * bytes) {
-    Number value = 0;
-    for (std::size_t i = sizeof(Number); i-- > 0;)
-        value = static_cast<Number>(value << 8 | static_cast<unsigned char>(bytes[i]));
-    return value;
+    return basic::load<Number>(bytes, false);
 }
 
 /// Whether the name at `bytes`, in 16-bit units, begins with `text`.

@@ -2,7 +2,7 @@
 
 #include "socle/nio/file.h"
 #include "socle/nio/filesystem_exception.h"
-#include "socle/nio/make_internal.h"
+#include "socle/nio/new_paths_internal.h"
 #include "socle/nio/path.h"
 #include "socle/nio/timer.h"
 #include "socle/platform/directories.h"

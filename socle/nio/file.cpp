@@ -5,7 +5,7 @@
 #include "socle/nio/directory.h"
 #include "socle/nio/filesystem_exception.h"
 #include "socle/nio/fork_names.h"
-#include "socle/nio/make_internal.h"
+#include "socle/nio/new_paths_internal.h"
 #include "socle/nio/path.h"
 #include "socle/platform/errors.h"
 #include "socle/platform/files.h"
@@ -22,7 +22,7 @@ struct opening {
     uint32 access, sharing, disposition, flags;
 };
 
-/// By mode, from 1 on.
+/// By mode, from `mode_read` on.
 constexpr opening openings[] = {
     {GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, OPEN_EXISTING, 0},
     {GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ, OPEN_EXISTING, 0},
@@ -31,11 +31,6 @@ constexpr opening openings[] = {
     {GENERIC_READ, FILE_SHARE_READ, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS},
     {GENERIC_WRITE, FILE_SHARE_READ, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS},
 };
-
-constexpr int mode_read = 1;
-constexpr int mode_read_write = 2;
-constexpr int mode_new = 3;
-constexpr int mode_anew = 4;
 
 } // namespace
 
@@ -47,13 +42,18 @@ file::file(nio::item const & from, int mode) : file(from.path(), mode) {}
 
 file::~file() { close_ntfs(); }
 
+/// No handle if the system refuses.
+int file::try_open(wide_string const & path, int mode) {
+    auto const & [access, sharing, disposition, flags] = openings[mode - mode_read];
+    return CreateFileW(path, access, sharing, disposition, flags);
+}
+
 int file::open_handle(wide_string const & path, int mode) {
-    if (mode == 0)
+    if (mode == mode_closed)
         return INVALID_HANDLE_VALUE;
-    if (mode < 0 || mode > int(std::size(openings)))
+    if (mode < mode_read || mode > mode_restore)
         throw exception("unknown file open mode");
-    auto const & [access, sharing, disposition, flags] = openings[mode - 1];
-    int const handle = CreateFileW(path, access, sharing, disposition, flags);
+    int const handle = try_open(path, mode);
     if (handle == INVALID_HANDLE_VALUE && mode != mode_new && mode != mode_anew)
         throw filesystem_exception("cannot open file", path);
     return handle;
@@ -130,10 +130,8 @@ bool file::create_rsrc(bool allow_ntfs, bool overwrite) {
     open_new(overwrite ? mode_anew : mode_new);
     bool const renamed = !is_open() && create_normalized([&] { open_new(mode_new); });
     if (is_open() && fork_offset_ != 0) {
-        auto const head = apple_double::head();
-        write(reinterpret_cast<char const *>(head.data()), uint32(head.size()));
-        char const no_info[apple_double::finder_info_size] = {};
-        write(no_info, sizeof no_info);
+        auto const head = apple_double::head({});
+        write(head.data(), uint32(head.size()));
     }
     return renamed;
 }
@@ -210,7 +208,7 @@ bool file::resize(uint64 size) {
 
 void file::unlink(bool must_succeed) {
     if (exists_ufs(path()))
-        file(ufs_name(path()), 0).unlink(must_succeed);
+        file(ufs_name(path()), mode_closed).unlink(must_succeed);
     if (!DeleteFileW(path()) && must_succeed)
         throw filesystem_exception("cannot delete", path());
 }

@@ -111,6 +111,11 @@ public:
 private:
     friend class attributes;
 
+    // The modes of the constructor.
+    static constexpr int mode_closed = 0, mode_read = 1, mode_read_write = 2, mode_new = 3, mode_anew = 4,
+                         mode_backup = 5, mode_restore = 6;
+
+    static int try_open(wide_string const & path, int mode);
     static int open_handle(wide_string const & path, int mode);
     void open_fork(int mode);
     void open_standard(uint32 which, char const * name);

@@ -33,12 +33,12 @@ private:
 
 void file::open_ntfs() {
     fork_offset_ = 0;
-    handle_ = open_handle(path(), 5);
+    handle_ = open_handle(path(), mode_backup);
 }
 
 void file::open_ntfs_w() {
     fork_offset_ = 0;
-    handle_ = open_handle(path(), 6);
+    handle_ = open_handle(path(), mode_restore);
 }
 
 uint32 file::read_ntfs(char * buffer, uint32 size) {

@@ -1,8 +1,8 @@
 #include "socle/nio/fork_names.h"
 
+#include "socle/nio/found_at_load_internal.h"
 #include "socle/nio/item.h"
 #include "socle/nio/path.h"
-#include "socle/nio/platform_internal.h"
 #include "socle/platform/paths.h"
 
 #include <cwctype>

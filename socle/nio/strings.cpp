@@ -3,7 +3,9 @@
 #include "socle/basic/exception.h"
 #include "socle/nio/blocks.h"
 #include "socle/nio/encoding.h"
+#include "socle/nio/in_blocks_internal.h"
 #include "socle/nio/lending_internal.h"
+#include "socle/nio/line_ends_internal.h"
 
 #include <algorithm>
 #include <memory>
@@ -19,17 +21,9 @@ std::size_t cut(narrow_string const & bytes, uint32 limit) {
     return limit != 0 ? std::min<std::size_t>(bytes.size(), limit) : bytes.size();
 }
 
-/// A block write takes a count of 32 bits.
-void write_all(output & out, char const * data, std::size_t size) {
-    do {
-        auto const count = static_cast<uint32>(std::min<std::size_t>(size, UINT32_MAX));
-        out.write(data, count);
-        data += count;
-        size -= count;
-    } while (size > 0);
+void write_all(output & out, narrow_string const & bytes, std::size_t size) {
+    in_blocks(bytes.data(), size, [&](char const * data, uint32 count) { out.write(data, count); });
 }
-
-bool ends_line(char byte) { return byte == '\r' || byte == '\n'; }
 
 } // namespace
 
@@ -69,7 +63,7 @@ wide_string read_c(input & in, int encoding) {
 
 void write_string(output & out, narrow_string const & bytes, uint32 field_size, uint32 limit) {
     auto const size = cut(bytes, limit);
-    write_all(out, bytes.data(), size);
+    write_all(out, bytes, size);
     if (field_size > size)
         fill(out, field_size - size, '\0', block_size);
 }
@@ -80,7 +74,7 @@ void write(output & out, wide_string const & text, int encoding, uint32 field_si
 
 void write_c(output & out, wide_string const & text, int encoding) {
     auto const bytes = encode(text, encoding);
-    write_all(out, bytes.data(), bytes.size());
+    write_all(out, bytes, bytes.size());
     out.write(static_cast<unsigned char>(0));
 }
 
@@ -94,15 +88,13 @@ bool read_line(input & in, basic::buffer<char> & line) {
     bool ended = false;
     while (length < line.size()) {
         if (auto const held = lending::bytes(in); !held.empty()) {
-            auto at = held.begin();
-            if (length == 0)
-                at = std::find_if_not(at, held.end(), ends_line);
-            auto const most = std::min<std::ptrdiff_t>(held.end() - at, line.size() - length);
-            auto const end = std::find_if(at, at + most, ends_line);
-            std::copy(at, end, line.data() + length);
-            length += static_cast<uint32>(end - at);
-            bool const line_end = end != at + most;
-            lending::take(in, static_cast<uint64>(end - held.begin()) + line_end);
+            auto const at = length == 0 ? std::find_if_not(held.begin(), held.end(), ends_line) : held.begin();
+            auto const most = std::min<std::size_t>(std::size_t(held.end() - at), line.size() - length);
+            std::size_t const count = find_line_end(std::to_address(at), most);
+            std::copy_n(at, count, line.data() + length);
+            length += static_cast<uint32>(count);
+            bool const line_end = count != most;
+            lending::take(in, std::size_t(at - held.begin()) + count + line_end);
             if (line_end)
                 break;
             continue;

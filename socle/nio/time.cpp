@@ -1,6 +1,6 @@
 #include "socle/nio/time.h"
 
-#include "socle/nio/time_internal.h"
+#include "socle/nio/found_at_load_internal.h"
 
 namespace nio {
 

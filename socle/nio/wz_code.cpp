@@ -19,10 +19,7 @@ constexpr uint32 group_count(int64 value) {
 }
 
 /// Puts the low four bytes of a word into memory, the lowest first.
-void store(char * to, uint64 word) {
-    for (int i = 0; i < 4; ++i)
-        to[i] = static_cast<char>(word >> 8 * i);
-}
+void store(char * to, uint64 word) { basic::store(to, static_cast<uint32>(word), false); }
 
 /// Joins the low 7 bits of all bytes.
 uint64 join_groups(uint64 word) {

@@ -1,6 +1,6 @@
 #include "socle/stream/array_input.h"
 
-#include "socle/stream/bytes_internal.h"
+#include "socle/stream/copy_in_order_internal.h"
 #include "socle/stream/output.h"
 
 #include <algorithm>

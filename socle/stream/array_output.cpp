@@ -1,6 +1,6 @@
 #include "socle/stream/array_output.h"
 
-#include "socle/stream/bytes_internal.h"
+#include "socle/stream/copy_in_order_internal.h"
 #include "socle/stream/input.h"
 
 #include <algorithm>

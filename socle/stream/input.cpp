@@ -1,7 +1,8 @@
 #include "socle/stream/input.h"
 
+#include "socle/nio/in_blocks_internal.h"
 #include "socle/nio/lending_internal.h"
-#include "socle/stream/bytes_internal.h"
+#include "socle/stream/copy_in_order_internal.h"
 #include "socle/stream/output.h"
 
 #include <algorithm>
@@ -87,8 +88,8 @@ uint64 input::skip(uint64 count) {
 uint64 input::copy_to(output & target) {
     uint64 const held = pending();
     if (held > 0) {
-        in_blocks(reinterpret_cast<char const *>(pushback_.data() + pushback_pos_), held,
-                  [&](char const * data, uint32 count) { target.write(data, count); });
+        nio::in_blocks(reinterpret_cast<char const *>(pushback_.data() + pushback_pos_), held,
+                       [&](char const * data, uint32 count) { target.write(data, count); });
         release_data();
     }
     return held + _copy_to(target);

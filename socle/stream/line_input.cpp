@@ -1,9 +1,8 @@
 #include "socle/stream/line_input.h"
 
-#include "socle/basic/internal/byte_order.h"
+#include "socle/nio/line_ends_internal.h"
 #include "socle/stream/lending_internal.h"
 
-#include <bit>
 #include <cstring>
 #include <typeinfo>
 
@@ -11,26 +10,9 @@ namespace stream {
 
 namespace {
 
+using nio::ends_line;
+
 uint32 const no_line = 0xFFFFFFFF;
-
-bool ends_line(char byte) { return byte == '\r' || byte == '\n'; }
-
-/// The index of the first byte that ends a line, or `count`.
-std::size_t find_end(char const * bytes, std::size_t count) {
-    // Eight at a time: the high bit of each byte of (x - 1) & ~x tells whether x is zero there. Borrows can only raise
-    // false alarms above a true one, where later bytes stand.
-    auto const each = [](unsigned char value) { return value * (all_ones / 0xFF); };
-    auto const zeros = [&](uint64 x) { return (x - each(1)) & ~x & each(0x80); };
-    std::size_t at = 0;
-    for (; at + 8 <= count; at += 8) {
-        auto const word = basic::load<uint64>(bytes + at, false);
-        if (uint64 const found = zeros(word ^ each('\r')) | zeros(word ^ each('\n')))
-            return at + static_cast<std::size_t>(std::countr_zero(found)) / 8;
-    }
-    while (at < count && !ends_line(bytes[at]))
-        ++at;
-    return at;
-}
 
 } // namespace
 
@@ -64,7 +46,7 @@ bool line_input::take_line(uint64 most, Store store) {
         while (stored == 0 && lead < held.size() && ends_line(held[lead]))
             ++lead;
         held = held.subspan(lead);
-        auto const length = find_end(held.data(), std::min<uint64>(held.size(), most - stored));
+        auto const length = nio::find_line_end(held.data(), std::min<uint64>(held.size(), most - stored));
         store(held.data(), length);
         stored += length;
         bool const ended = stored > 0 && stored < most && length < held.size();

@@ -1,7 +1,7 @@
 #include "socle/stream/output.h"
 
 #include "socle/nio/blocks.h"
-#include "socle/stream/bytes_internal.h"
+#include "socle/nio/in_blocks_internal.h"
 #include "socle/stream/input.h"
 
 namespace stream {
@@ -26,7 +26,7 @@ bool output::seek(uint64) { throw exception("cannot seek in a sequential stream"
 uint64 output::size() const { return tell(); }
 
 void output::write(narrow_string const & text) {
-    in_blocks(text.data(), text.size(), [this](char const * data, uint32 count) { write(data, count); });
+    nio::in_blocks(text.data(), text.size(), [this](char const * data, uint32 count) { write(data, count); });
 }
 
 void output::copy_from(input & source) {

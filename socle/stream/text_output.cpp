@@ -1,6 +1,6 @@
 #include "socle/stream/text_output.h"
 
-#include "socle/stream/bytes_internal.h"
+#include "socle/nio/in_blocks_internal.h"
 
 #include <typeinfo>
 
@@ -20,7 +20,7 @@ void text_output::write(char const * data, uint32 count) {
 }
 
 void text_output::write(narrow_string const & text) {
-    in_blocks(text.data(), text.size(), [this](char const * data, uint32 count) { beneath().write(data, count); });
+    nio::in_blocks(text.data(), text.size(), [this](char const * data, uint32 count) { beneath().write(data, count); });
 }
 
 void text_output::write(char byte) {

@@ -1,6 +1,7 @@
 #include "socle/stream/vector_input.h"
 
-#include "socle/stream/bytes_internal.h"
+#include "socle/nio/in_blocks_internal.h"
+#include "socle/stream/copy_in_order_internal.h"
 #include "socle/stream/output.h"
 
 #include <algorithm>
@@ -35,7 +36,7 @@ uint64 vector_input::_skip(uint64 count) {
 uint64 vector_input::_copy_to(output & target) {
     // The length is taken once, so that a target which appends to this very vector comes to an end.
     uint64 const length = rest().size();
-    in_blocks(rest().data(), length, [&](char const * data, uint32 count) { target.write(data, count); });
+    nio::in_blocks(rest().data(), length, [&](char const * data, uint32 count) { target.write(data, count); });
     return length;
 }
 

@@ -1,6 +1,5 @@
 #include "socle/stream/xml_output.h"
 
-#include "socle/nio/blocks.h"
 #include "socle/un/digits.h"
 
 #include <algorithm>
@@ -49,7 +48,7 @@ void xml_output::indent() { indentation_ += step; }
 
 void xml_output::unindent() { indentation_ = std::max(indentation_ - step, 0); }
 
-void xml_output::whitespace() { nio::fill(*this, static_cast<uint64>(indentation_), ' ', 65536); }
+void xml_output::whitespace() { fill(static_cast<uint64>(indentation_), ' '); }
 
 void xml_output::tag(narrow_string const & text) { write(text); }
 

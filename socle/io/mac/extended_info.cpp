@@ -1,6 +1,5 @@
 #include "socle/io/mac/extended_info.h"
 
-#include "socle/io/mac/reserved_internal.h"
 #include "socle/stream/endian_input.h"
 #include "socle/stream/endian_output.h"
 
@@ -21,7 +20,7 @@ uint32 extended_file_info::read(stream::input & input, bool) {
 
 uint32 extended_file_info::write(stream::output & output) const {
     stream::big_endian_output out(output);
-    write_reserved(out, 8);
+    out.fill(8, 0);
     out.write16(extended_flags);
     out.write16(reserved2);
     out.write32(put_away_folder_id);
@@ -45,7 +44,7 @@ uint32 extended_folder_info::read(stream::input & input, bool) {
 uint32 extended_folder_info::write(stream::output & output) const {
     stream::big_endian_output out(output);
     scroll_position.write(out);
-    write_reserved(out, 4);
+    out.fill(4, 0);
     out.write16(extended_flags);
     out.write16(reserved2);
     out.write32(put_away_folder_id);

@@ -1,6 +1,5 @@
 #include "socle/io/mac/info.h"
 
-#include "socle/io/mac/reserved_internal.h"
 #include "socle/stream/endian_input.h"
 #include "socle/stream/endian_output.h"
 
@@ -28,7 +27,7 @@ uint32 file_info::write(stream::output & output) const {
     creator.write(out);
     out.write16(flags);
     location.write(out);
-    write_reserved(out, 2);
+    out.fill(2, 0);
     return size();
 }
 
@@ -50,7 +49,7 @@ uint32 folder_info::write(stream::output & output) const {
     bounds.write(out);
     out.write16(flags);
     location.write(out);
-    write_reserved(out, 2);
+    out.fill(2, 0);
     return size();
 }
 

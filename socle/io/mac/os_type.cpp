@@ -1,5 +1,6 @@
 #include "socle/io/mac/os_type.h"
 
+#include "socle/basic/internal/byte_order.h"
 #include "socle/io/exception.h"
 #include "socle/stream/input.h"
 #include "socle/stream/output.h"
@@ -17,16 +18,15 @@ os_type::os_type(int number) : value(static_cast<uint32>(number)) {}
 os_type::~os_type() = default;
 
 narrow_string os_type::to_string() const {
-    narrow_string text;
-    for (int shift = 24; shift >= 0; shift -= 8)
-        text += static_cast<char>(value >> shift);
+    narrow_string text(sizeof value, '\0');
+    basic::store(text.data(), value, true);
     return text;
 }
 
 void os_type::from_string(narrow_string const & text) {
-    value = 0;
-    for (narrow_string::size_type i = 0; i < fixed_size(); ++i)
-        value = value << 8 | (i < text.size() ? static_cast<unsigned char>(text[i]) : 0u);
+    char bytes[sizeof value] = {};
+    text.copy(bytes, sizeof bytes);
+    value = basic::load<uint32>(bytes, true);
 }
 
 uint32 os_type::read(stream::input & input, bool strict) {

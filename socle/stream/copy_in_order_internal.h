@@ -2,7 +2,6 @@
 
 #include "socle/basic/types.h"
 
-#include <algorithm>
 #include <cstddef>
 #include <cstring>
 #include <functional>
@@ -17,17 +16,6 @@ inline void copy_in_order(char * to, char const * from, std::size_t count) {
             to[i] = from[i];
     else if (count > 0)
         std::memmove(to, from, count);
-}
-
-/// Calls `act(data, count)` for the whole of `size` bytes: once, unless they are more than a count of 32 bits tells.
-template <class Act>
-void in_blocks(char const * data, uint64 size, Act act) {
-    do {
-        auto const count = static_cast<uint32>(std::min<uint64>(size, UINT32_MAX));
-        act(data, count);
-        data += count;
-        size -= count;
-    } while (size > 0);
 }
 
 } // namespace stream
