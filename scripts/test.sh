@@ -1,36 +1,80 @@
 #!/usr/bin/env bash
-# Builds and tests everything: with both compilers, under the sanitizers, as an ordinary user, and as a client of an
-# installed copy. The last line is the sum over all test runs.
+# usage: scripts/test.sh [--all | --list | --help | phase...]
+# Builds with g++ and runs the tests, which takes a few minutes. --all runs every phase, as CI does; --list shows them.
+# A phase that is named runs with whatever it depends on. The last line is the sum over all test runs.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
-. scripts/packages.sh
 
+phases=(
+    'tools     install the programs that some tests use where they find them'
+    'format    the sources are laid out by clang-format'
+    'gcc       g++, all warnings are errors: the tests'
+    'user      the same tests as an ordinary user'
+    'kernels   how many instructions the hot paths take'
+    'clang     clang++, all warnings are errors: the tests, and each public header alone'
+    'asan      the tests under AddressSanitizer and UndefinedBehaviorSanitizer'
+    'tsan      what any thread may use at any time, under ThreadSanitizer'
+    'fuzz      each fuzzer for some seconds'
+    'clients   programs built against an installed copy'
+    'docs      the programs and tables of the documents, and the reference'
+    'abi       the binary interface is the one that is written down'
+    'packages  each way to have the library, its packages, and these in a clean system'
+)
+
+list() { printf '%s\n' "${phases[@]}"; }
+names=$(list | cut -d' ' -f1)
+case ${1-} in
+    --all) [ $# -eq 1 ] && mapfile -t chosen <<<"$names" ;;
+    --list) list && exit ;;
+    --help) sed -n '2,/^set/{/^# /s///p}' "$0" && exit ;;
+    '') chosen=(gcc) ;;
+    *) chosen=("$@") ;;
+esac
+for name in "${chosen[@]-}"; do
+    if ! grep -qxFe "$name" <<<"$names"; then
+        echo "test.sh: there is no phase '${name:-$*}'; scripts/test.sh --list shows them" >&2
+        exit 2
+    fi
+done
+
+. scripts/packages.sh
 warnings=(-Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
 scratch=$(mktemp -d)
-current=start
-passed=0 failed=0 skipped=0
-
-phase() {
-    current=$*
-    printf '\n===== %s (%d s)\n' "$current" $SECONDS
-}
+chmod 755 "$scratch"
+passed=0 failed=0 skipped=0 finished=
 
 finish() {
     local status=$?
     rm -rf "$scratch"
-    if [ $status -ne 0 ] && [ $failed -eq 0 ]; then
-        printf '\nstopped at: %s\n' "$current"
-        failed=1
+    if [ -z "$finished" ]; then
+        printf '\nstopped at: %s\n' "$phase"
+        failed=$((failed > 0 ? failed : 1))
     fi
     printf '\n===== total (%d s)\n' $SECONDS
     printf '%d passed, %d failed, %d skipped\n' $passed $failed $skipped
-    exit $status
+    exit $((status > 0 ? status : failed > 0))
 }
 trap finish EXIT
+
+# once <command>...: runs it unless it has been run.
+declare -A ran
+once() {
+    [ -n "${ran[$*]-}" ] || "$@"
+    ran[$*]=yes
+}
+
+build() {
+    need cmake=cmake ninja-build=ninja g++=g++ libgtest-dev=/usr/include/gtest/gtest.h \
+        tzdata=/usr/share/zoneinfo/America/New_York python3=python3
+    [ "$1" != clang ] || need clang=clang++
+    cmake --preset "$1"
+    cmake --build --preset "$1" "${@:2}"
+}
 
 # run_tests <command that runs ctest>...: adds what its report says to the sum. A failure does not stop the script.
 run_tests() {
     local report=$scratch/tests/report.xml all bad left
+    mkdir -p "$scratch/tests"
     rm -f "$report"
     "$@" --output-junit "$report" || true
     all=$(sed -n 's/^\ttests="\([0-9]*\)".*/\1/p' "$report")
@@ -40,118 +84,128 @@ run_tests() {
     passed=$((passed + all - bad - left)) failed=$((failed + bad)) skipped=$((skipped + left))
 }
 
-build() {
-    cmake --preset "$1"
-    cmake --build --preset "$1"
+# Sets prefix, compile_flags and link_flags.
+install_copy() {
+    need pkg-config=pkg-config
+    once build dev
+    prefix=$scratch/prefix
+    cmake --install build/dev --prefix "$prefix"
+    LD_LIBRARY_PATH=$(dirname "$(find "$prefix" -name libsocle.so)")
+    export LD_LIBRARY_PATH PKG_CONFIG_PATH=$LD_LIBRARY_PATH/pkgconfig
+    read -ra compile_flags <<<"$(pkg-config --cflags socle)"
+    read -ra link_flags <<<"$(pkg-config --libs socle)"
+}
+
+phase_tools() {
+    need ntfs-3g=ntfs-3g libxml2-utils=xmllint hfsutils=hcopy macutils=macunpack file=file attr=getfattr
+}
+
+phase_format() {
+    scripts/format.sh check
+}
+
+phase_gcc() {
+    once build dev
+    run_tests ctest --preset dev
 }
 
 # As root, many refusals of the system do not show. ctest writes beside the list of tests that it is given, so it is
 # given one that the user owns.
-test_as_ordinary_user() {
+phase_user() {
     local as_nobody=(setpriv --reuid=65534 --regid=65534 --clear-groups env HOME="$scratch/tests")
-    if ! "${as_nobody[@]}" test -r "$PWD/build/dev/CTestTestfile.cmake"; then
+    once build dev
+    if [ "$(id -u)" != 0 ]; then
+        echo 'left out: whoever runs this is an ordinary user already'
+    elif ! "${as_nobody[@]}" test -r "$PWD/build/dev/CTestTestfile.cmake"; then
         echo "left out: an ordinary user has no access to $PWD"
-        return
+    else
+        mkdir -p "$scratch/tests"
+        chown 65534:65534 "$scratch/tests"
+        printf 'subdirs("%s")\n' "$PWD/build/dev" >"$scratch/tests/CTestTestfile.cmake"
+        run_tests "${as_nobody[@]}" ctest --test-dir "$scratch/tests" --output-on-failure -j2
     fi
-    printf 'subdirs("%s")\n' "$PWD/build/dev" >"$scratch/tests/CTestTestfile.cmake"
-    run_tests "${as_nobody[@]}" ctest --test-dir "$scratch/tests" --output-on-failure -j2
+}
+
+phase_kernels() {
+    once build dev
+    scripts/kernels.sh build/dev
+}
+
+phase_clang() {
+    build clang
+    run_tests ctest --preset clang
+    cmake --build --preset clang --target all_verify_interface_header_sets
+}
+
+phase_asan() {
+    build asan
+    run_tests ctest --preset asan
+}
+
+phase_tsan() {
+    build tsan --target threads_test
+    run_tests ctest --preset tsan -R '^threads\.'
+}
+
+phase_fuzz() {
+    scripts/fuzz.sh 4
+}
+
+# In the compilers' own dialect a client has macros that a strict one has not, such as one named unix. Headers named like
+# the library's come first on its path.
+phase_clients() {
+    local dialect extensions
+    once install_copy
+    tests/packages/namesakes.sh "$scratch/namesakes"
+    for dialect in gnu++20 c++20; do
+        echo "$dialect: each public header alone and first"
+        (cd "$prefix/include" && find socle -name '*.h' -print0) |
+            xargs -0 -P "$(nproc)" -I{} g++ -std=$dialect "${warnings[@]}" -I"$scratch/namesakes" \
+                "${compile_flags[@]}" -fsyntax-only -include {} -x c++ /dev/null
+
+        echo "$dialect: a client through pkg-config"
+        g++ -std=$dialect "${warnings[@]}" -I"$scratch/namesakes" "${compile_flags[@]}" -Iexamples \
+            examples/macbinary/*.cpp examples/common/*.cpp "${link_flags[@]}" -o "$scratch/client-$dialect"
+        check_client "$scratch/client-$dialect"
+
+        echo "$dialect: a client through find_package"
+        extensions=$([ $dialect = gnu++20 ] && echo ON || echo OFF)
+        cmake -S examples/macbinary -B "$scratch/$dialect" -G Ninja -DCMAKE_CXX_COMPILER=g++ \
+            -DCMAKE_PREFIX_PATH="$prefix" -DCMAKE_CXX_EXTENSIONS="$extensions" -DCMAKE_CXX_FLAGS="${warnings[*]}"
+        cmake --build "$scratch/$dialect"
+        check_client "$scratch/$dialect/macbinary"
+    done
 }
 
 # check_client <program>: the installed library does for it what the built one does.
 check_client() {
-    LD_LIBRARY_PATH=$libraries bash tests/examples/macbinary.sh "$1" "$PWD/examples/samples" \
-        "$PWD/tests/examples/macbinary.txt"
+    bash tests/examples/macbinary.sh "$1" "$PWD/examples/samples" "$PWD/tests/examples/macbinary.txt"
     echo "works: $1"
 }
 
-phase 'packages'
-need cmake=cmake ninja-build=ninja g++=g++ clang=clang++ clang-format=clang-format pkg-config=pkg-config \
-    ntfs-3g=ntfs-3g python3=python3 libxml2-utils=xmllint libgtest-dev=/usr/include/gtest/gtest.h \
-    doxygen=doxygen hfsutils=hcopy macutils=macunpack file=file valgrind=valgrind \
-    tzdata=/usr/share/zoneinfo/America/New_York
-chmod 755 "$scratch"
-mkdir "$scratch/tests"
-if [ "$(id -u)" = 0 ]; then
-    chown 65534:65534 "$scratch/tests"
-fi
-need abigail-tools=abidiff xz-utils=xz lintian=lintian mmdebstrap=mmdebstrap
+phase_docs() {
+    need doxygen=doxygen
+    once install_copy
+    run_tests ctest --preset dev -R '^docs\.'
+    tests/docs/snippets.sh "${compile_flags[@]}" "${link_flags[@]}"
+    cmake --workflow --preset docs
+}
 
-phase 'format'
-scripts/format.sh check
+phase_abi() {
+    once build dev
+    scripts/abi.sh
+}
 
-phase 'g++, all warnings are errors'
-build dev
-run_tests ctest --preset dev
+phase_packages() {
+    need cmake=cmake ninja-build=ninja g++=g++ pkg-config=pkg-config file=file lintian=lintian mmdebstrap=mmdebstrap
+    mkdir "$scratch/ways"
+    tests/packages/ways.sh "$scratch/ways"
+    tests/packages/clean_system.sh "$scratch/ways/packages" "$scratch/ways/program.cpp" \
+        '3 files, the first is a TEXT at 32'
+}
 
-if [ "$(id -u)" = 0 ]; then
-    phase 'the same as an ordinary user'
-    test_as_ordinary_user
-fi
-
-phase 'instructions of the hot paths'
-scripts/kernels.sh build/dev
-
-phase 'clang++, all warnings are errors'
-build clang
-run_tests ctest --preset clang
-
-phase 'clang++, each public header alone'
-cmake --build --preset clang --target all_verify_interface_header_sets
-
-phase 'AddressSanitizer and UndefinedBehaviorSanitizer'
-build asan
-run_tests ctest --preset asan
-
-phase 'ThreadSanitizer: what any thread may use at any time'
-cmake --preset tsan
-cmake --build --preset tsan --target threads_test
-run_tests ctest --preset tsan -R '^threads\.'
-
-phase 'each fuzzer for some seconds'
-scripts/fuzz.sh 4
-
-phase 'installed copy'
-prefix=$scratch/prefix
-cmake --install build/dev --prefix "$prefix"
-libraries=$(dirname "$(find "$prefix" -name libsocle.so)")
-export PKG_CONFIG_PATH=$libraries/pkgconfig
-read -ra compile_flags <<<"$(pkg-config --cflags socle)"
-read -ra link_flags <<<"$(pkg-config --libs socle)"
-
-phase 'documents'
-python3 tests/docs/messages.py .
-LD_LIBRARY_PATH=$libraries bash tests/docs/snippets.sh "${compile_flags[@]}" "${link_flags[@]}"
-cmake --workflow --preset docs
-
-# A client in the compilers' own dialect has macros that a strict one has not, such as one named unix.
-for dialect in gnu++20 c++20; do
-    phase "installed copy, $dialect: each public header alone and first"
-    (cd "$prefix/include" && find socle -name '*.h' -print0) |
-        xargs -0 -P "$(nproc)" -I{} g++ -std=$dialect "${warnings[@]}" "${compile_flags[@]}" -fsyntax-only \
-            -include {} -x c++ /dev/null
-
-    phase "installed copy, $dialect: a client through pkg-config"
-    g++ -std=$dialect "${warnings[@]}" "${compile_flags[@]}" -Iexamples examples/macbinary/*.cpp \
-        examples/common/*.cpp "${link_flags[@]}" \
-        -o "$scratch/client-$dialect"
-    check_client "$scratch/client-$dialect"
-
-    phase "installed copy, $dialect: a client through find_package"
-    extensions=$([ $dialect = gnu++20 ] && echo ON || echo OFF)
-    cmake -S examples/macbinary -B "$scratch/$dialect" -G Ninja -DCMAKE_CXX_COMPILER=g++ \
-        -DCMAKE_PREFIX_PATH="$prefix" -DCMAKE_CXX_EXTENSIONS="$extensions" -DCMAKE_CXX_FLAGS="${warnings[*]}"
-    cmake --build "$scratch/$dialect"
-    check_client "$scratch/$dialect/macbinary"
+for phase in "${chosen[@]}"; do
+    printf '\n===== %s (%d s)\n' "$(list | grep "^$phase ")" $SECONDS
+    "phase_$phase"
 done
-
-phase 'the binary interface'
-scripts/abi.sh
-
-phase 'ways to have the library, and its packages'
-mkdir "$scratch/ways"
-tests/packages/ways.sh "$scratch/ways"
-
-phase 'the packages in a clean system'
-tests/packages/clean_system.sh "$scratch/ways/packages" "$scratch/ways/program.cpp" '3 files, the first is a TEXT at 32'
-
-[ $failed -eq 0 ]
+finished=yes

@@ -10,7 +10,7 @@ import sys
 top = pathlib.Path(sys.argv[1])
 families = ["basic", "qpthr", "un", "nio", "stream", "any", "io", "command", "library"]
 sources = "".join(path.read_text(encoding="utf-8") for family in families
-                  for path in (top / family).rglob("*") if path.suffix in (".h", ".cpp"))
+                  for path in (top / "socle" / family).rglob("*") if path.suffix in (".h", ".cpp"))
 code = re.sub(r"^\s*//.*$", "", sources, flags=re.M)
 raised = set(re.findall(r"(?:throw (?:\w+::)*\w*exception\(|throw std::logic_error\(|raise_system_error\([^\";]*|"
                         r"\b(?:raise|fail|refuse)\()\"([^\"\\]+)", code))

@@ -1,13 +1,16 @@
 #!/usr/bin/env bash
 # usage: tests/packages/ways.sh <scratch folder>
 # Builds the README's first program with the library had in each way, shared and static, and makes the Debian packages.
+# Wherever the library is compiled or included, headers named like its own lie first on the path.
 set -euo pipefail
 scratch=$(realpath "$1")
 cd "$(dirname "${BASH_SOURCE[0]}")/../.."
 
 program=$scratch/program.cpp
-sed -n '/^```cpp$/,/^```$/{//d;p}' README.md >"$program"
+{ echo '#include <socle/socle.h>'; sed -n '/^```cpp$/,/^```$/{//d;p}' README.md; } >"$program"
 words='3 files, the first is a TEXT at 32'
+
+tests/packages/namesakes.sh "$scratch/namesakes"
 
 # check <way> <program>
 check() {
@@ -20,7 +23,7 @@ check() {
 # client <way> <folder> [option of cmake...]
 client() {
     cmake -S tests/packages/client -B "$scratch/$2" -G Ninja -DWAY="$1" -DPROGRAM="$program" \
-        -DCMAKE_CXX_COMPILER=g++ "${@:3}" >"$scratch/log" && cmake --build "$scratch/$2" >>"$scratch/log" ||
+        -DNAMESAKES="$scratch/namesakes" -DCMAKE_CXX_COMPILER=g++ "${@:3}" >"$scratch/log" && cmake --build "$scratch/$2" >>"$scratch/log" ||
         { cat "$scratch/log"; exit 1; }
     check "$2" "$scratch/$2/client"
 }
@@ -35,7 +38,7 @@ cmake --install "$scratch/added-static" --prefix "$scratch/static" >/dev/null
 client found found-static -DCMAKE_PREFIX_PATH="$scratch/static"
 flags=$(PKG_CONFIG_PATH=$(dirname "$(find "$scratch/static" -name socle.pc)") pkg-config --cflags --libs socle)
 read -ra flags <<<"$flags"
-g++ -std=c++20 "$program" "${flags[@]}" -o "$scratch/pkg-config-static"
+g++ -std=c++20 -I"$scratch/namesakes" "$program" "${flags[@]}" -o "$scratch/pkg-config-static"
 check pkg-config-static "$scratch/pkg-config-static"
 
 # Each component by itself.
