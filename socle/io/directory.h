@@ -31,8 +31,8 @@ public:
     uint64 size() const;
 
     /// Creates the folder, unless it has no name or exists. True if that worked only under a normalized and unique
-    /// name, which then is the path. Throws an `io::exception`, "cannot create", with the path as it was. The argument
-    /// is not used, in the next two neither.
+    /// name, which then is the path. Throws an `io::exception`, "cannot create", with the path as it was. `overwrite` is
+    /// ignored here and in the next two.
     bool create(bool overwrite) override;
     using item::create_parents;
     /// Creates the folder around it if that is missing, and no more.

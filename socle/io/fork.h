@@ -70,7 +70,8 @@ public:
     virtual uint64 tell();
     /// False if closed. "cannot set the position of".
     virtual bool seek(uint64 position);
-    /// Makes the fork shorter or longer; the position stays, but within it. "cannot resize".
+    /// Makes the fork shorter or longer; the position stays, or moves to the new end if that is lower.
+    /// "cannot resize".
     virtual void resize(uint64 size);
     /// "cannot flush", if `report`.
     virtual void flush(bool report);

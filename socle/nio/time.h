@@ -6,7 +6,7 @@
 namespace nio {
 
 /// A point in time that can be set from and read in six numeric formats, and moved between GMT and local time. A plain
-/// value, all zero at first. It does not know which of the two it is, `is_local` apart, which only tells the last move.
+/// value, all zero at first. It does not know whether it is GMT or local; `is_local` only reports the last conversion.
 class SOCLE_API time {
 public:
     /// What a number means.

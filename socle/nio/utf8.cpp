@@ -32,7 +32,7 @@ void spread(uint64 word, char16_t * to) {
     }
 }
 
-/// Text on its way to the end of a string, which so is never filled before it is written.
+/// Collects output in a block and appends it, so that the string is not zero-filled first.
 template <class Text>
 class tail {
 public:

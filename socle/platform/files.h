@@ -97,7 +97,7 @@ uint32 GetFileAttributesW(wide_string const & path);
 
 struct WIN32_FILE_ATTRIBUTE_DATA {
     uint32 dwFileAttributes;
-    /// Of what a link leads to, as the bits are; of the link itself if that is nothing.
+    /// Of the link's target, like the bits; of the link itself if it dangles.
     uint64 ftCreationTime;
     uint64 ftLastWriteTime;
 };

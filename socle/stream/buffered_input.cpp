@@ -59,7 +59,7 @@ uint32 buffered_input::_read(char * buffer, uint32 count) {
         memory_.next += given;
     }
     uint32 const wanted = count - given;
-    // Before the buffer is passed by: bytes given back may be held beyond a buffer of a single byte.
+    // Checked first: with a buffer of 1, `wanted >= buffer_size_ / 2` holds for 0 as well.
     if (wanted == 0)
         return given;
     if (wanted >= buffer_size_ / 2) {

@@ -65,7 +65,7 @@ endian_input::endian_input(input & stream) : direct_input(stream), host_big_endi
 
 endian_input::~endian_input() = default;
 
-/// The long way, to which `own` tells whether nobody has overridden how single bytes are read.
+/// The slow path. `own`: nobody overrides how single bytes are read.
 uint64 endian_input::read_on(uint32 width, bool big, bool own) {
     input * const lender = own ? underlying() : nullptr;
     switch (width) {

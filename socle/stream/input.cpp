@@ -27,7 +27,7 @@ uint32 input::read(char * buffer, uint32 count) {
         if (given == count)
             return count;
     }
-    // Not even for nothing is the source asked before its turn: it would open its memory.
+    // `_read` is not called while bytes given back remain, not even for 0 bytes: it would open the window.
     if (pending() > 0)
         return 0;
     // A source that claims more than it was asked for is not believed.

@@ -15,8 +15,8 @@ public:
 
     /// How many bytes may be read in all.
     uint64 limit() const noexcept { return limit_; }
-    /// What has been asked of the stream beneath by reads, and skipped, less what was given back, modulo 2^64. It may
-    /// be more than came, where the stream beneath ended early or threw.
+    /// Bytes requested by reads plus bytes skipped, minus bytes given back, modulo 2^64. It exceeds what was delivered
+    /// where the underlying stream ended early or threw.
     uint64 consumed() const noexcept { return limit_ - left_; }
 
     /// Moves the stream beneath to `where`, which also becomes what is consumed, whatever that stream answers; its

@@ -25,7 +25,7 @@ struct memory {
     /// Whether single bytes may go past the long way.
     bool open() const noexcept { return next < limit; }
 
-    /// Passes over the next `count` bytes if they are open. What lies in memory is far from where numbers end.
+    /// Passes over the next `count` bytes if they are open. The sum cannot overflow: both are sizes in memory.
     bool pass(uint64 count) noexcept {
         uint64 const after = next + count;
         if (after > limit)
