@@ -89,7 +89,7 @@ install_copy() {
     need pkg-config=pkg-config
     once build dev
     prefix=$scratch/prefix
-    cmake --install build/dev --prefix "$prefix"
+    cmake --install build/dev --prefix "$prefix" >/dev/null
     LD_LIBRARY_PATH=$(dirname "$(find "$prefix" -name libsocle.so)")
     export LD_LIBRARY_PATH PKG_CONFIG_PATH=$LD_LIBRARY_PATH/pkgconfig
     read -ra compile_flags <<<"$(pkg-config --cflags socle)"
