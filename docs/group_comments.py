@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
 """Tells Doxygen what the comments of the headers mean.
 
-A comment stands for every declaration below it up to an empty line; here it is repeated for each. What needs no words,
+A comment stands for the declaration below it and for the overloads that follow without a comment of their own; between
+`/// @{` and `/// @}` the first comment stands for every declaration. Here it is repeated for each. What needs no words,
 such as copying, destruction and the types of an iterator, and what an internal comment with two strokes speaks of, is
 left out of the reference.
 """
@@ -9,10 +10,13 @@ import re
 import sys
 
 PLAIN = re.compile(
-    r"(virtual )?~|.*= (default|delete);$|(\w+::)*\w+ & operator=\(|using \w+::|friend |extern template "
-    r"|using (iterator_category|value_type|difference_type|pointer|reference) =")
-COPY = re.compile(r"(?:explicit )?(\w+)\((?:\w+::)*\1 const &( \w+)?\);$")
-SCOPE = re.compile(r"(class|struct|enum|namespace|extern \"C\+\+\")\b")
+    r"(virtual )?~|.*= (default|delete);$|(\w+::)*\w+ & operator=\(|using \w+::|friend |extern template |using "
+    r"(iterator_category|value_type|difference_type|pointer|reference) =|(explicit )?(\w+)\((\w+::)*\4 const &( \w+)?\);$")
+SCOPE = re.compile(r"(class|struct|enum|namespace|extern \"C\+\+\")\b(?!.*;$)|(public|protected|private):$|[#}]")
+
+
+def is_scope(lines, at):
+    return SCOPE.match(lines[at + lines[at].strip().startswith("template")].strip())
 
 
 def depth(line):
@@ -20,48 +24,52 @@ def depth(line):
     return sum(code.count(c) for c in "({") - sum(code.count(c) for c in ")}")
 
 
+def declaration(lines, at):
+    """The end of the declaration that begins in this line, as far as its brackets and its semicolon go."""
+    end, brackets = at, depth(lines[at])
+    while end + 1 < len(lines) and (brackets > 0 or not re.search(r"[;}]\s*(//.*)?$", lines[end])):
+        end += 1
+        brackets += depth(lines[end])
+    return end + 1
+
+
+def declared_name(text):
+    found = re.search(r"(operator\W+|\w+)\(|(\w+)(?: = .*|\{.*)?;", re.sub(r"^template <.*?> ", "", text))
+    return found and (found[1] or found[2])
+
+
 def main(path):
     lines = open(path, encoding="utf-8").read().split("\n")
-    comment, fresh, internal, at = [], False, False, 0
+    # The comment that stands for what follows, the name that it was last put to, and whether in a group.
+    comment, name, group, internal, at = [], None, False, False, 0
     while at < len(lines):
-        line = lines[at]
-        text = line.strip()
-        if text.startswith("///"):
-            if not fresh:
-                comment = []
-            comment.append(line)
-            fresh, internal = True, False
-            print(line)
-        elif text.startswith("//"):
-            comment, fresh, internal = [], False, True
-            print(line)
-        elif (text == "" or text in ("public:", "protected:", "private:", "};", "}") or text.startswith(("#", "}"))
-              or SCOPE.match(text) and not text.endswith(";")
-              or text.startswith("template") and SCOPE.match(lines[at + 1].strip())):
-            comment, fresh, internal = [], False, False
-            print(line)
-        else:
-            # A whole declaration, as far as its brackets and its end go.
-            end, open_brackets = at, 0
-            while True:
-                open_brackets += depth(lines[end])
-                if open_brackets <= 0 and re.search(r"[;}]\s*(//.*)?$", lines[end]):
-                    break
-                if end + 1 == len(lines):
-                    break
+        text = lines[at].strip()
+        end = at + 1
+        shown = []
+        if text in ("/// @{", "/// @}"):
+            comment, group = [], text.endswith("{")
+        elif text.startswith("///"):
+            while lines[end].strip().startswith("///"):
                 end += 1
-            declared = lines[at:end + 1]
-            hidden = internal or PLAIN.match(text) or COPY.match(text) or SCOPE.match(text) and not comment
-            if hidden and not fresh:
-                print("/// @cond")
-            elif comment and not fresh and "///<" not in text:
-                print("\n".join(comment))
-            print("\n".join(declared))
-            if hidden and not fresh:
-                print("/// @endcond")
-            fresh = False
-            at = end
-        at += 1
+            comment, name, internal = lines[at:end], None, False
+        elif text == "" or text.startswith("//") or is_scope(lines, at):
+            shown = (comment if name is None else []) + [lines[at]]
+            comment, name = ([], None) if not group else (comment, name)
+            internal = text.startswith("//")
+        else:
+            end = declaration(lines, at)
+            declared = lines[at:end]
+            of = declared_name(" ".join(line.strip() for line in declared))
+            fresh = name is None
+            told = comment if fresh or group or name == of else []
+            plain = PLAIN.match(text) and not (fresh and comment)
+            if plain or internal and not told and "///<" not in declared[-1]:
+                shown = ["/// @cond"] + declared + ["/// @endcond"]
+            else:
+                shown = told + declared
+                comment, name = told, of
+        print("".join(line + "\n" for line in shown), end="")
+        at = end
 
 
 main(sys.argv[1])

@@ -13,12 +13,12 @@ public:
 
     /// Does nothing; room for classes that need more than a start state.
     virtual void hook(uint32 first, uint32 second);
-    /// Back to the start state. Nothing here.
+    /// Back to the start state. Does nothing by default.
     virtual void reset();
     /// Takes in `count` bytes.
     virtual void update(unsigned char const * bytes, uint32 count) = 0;
     virtual void update(unsigned char byte) = 0;
-    /// Completes the digest. Nothing here.
+    /// Completes the digest. Does nothing by default.
     virtual void finish();
 
     uint32 state() const noexcept { return state_; }

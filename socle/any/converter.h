@@ -6,8 +6,8 @@
 namespace any {
 
 /// Converts between 8-bit and 16-bit text through two code pages of the system's, of which each call picks one: the
-/// ANSI page if `ansi` is true, else the OEM page. Nothing is thrown; the forms that return a text give the empty one
-/// on failure. Text whose result could be longer than 32 bits can count is refused.
+/// ANSI page if `ansi` is true, else the OEM page. No operation throws; the forms that return a text return the
+/// empty one on failure. Text whose result could be longer than 32 bits can count is refused.
 class SOCLE_API converter {
 public:
     /// The system's own two pages, as they are now.
@@ -16,18 +16,19 @@ public:
     /// lacked every character.
     converter(int ansi_page, int oem_page);
 
-    /// The numbers of the two pages.
+    /// The number of the ANSI page.
     int ansi_page() const noexcept { return ansi_page_; }
+    /// The number of the OEM page.
     int oem_page() const noexcept { return oem_page_; }
 
-    /// What is malformed in the page is mended as the system does it. False, with `result` empty, if the page is not
-    /// known.
+    /// Converts to 16 bits. Malformed bytes become what the system makes of them. False, with `result` empty, if the
+    /// page is not known.
     bool to_unicode(narrow_string const & text, wide_string & result, bool ansi) const;
     wide_string to_unicode(narrow_string const & text, bool ansi) const;
 
-    /// Never puts in a replacement: if the page picked lacks a character, the result is in the first installed page
-    /// that holds the whole text, beginning with the system's ANSI page; which one is not told. False, with `result`
-    /// empty, if there is none. Zeros at the end of `text` are dropped.
+    /// Converts to 8 bits without replacement characters: if the page lacks a character, the result is in the first
+    /// installed page that holds the whole text, beginning with the system's ANSI page; nothing says which one that is.
+    /// False, with `result` empty, if there is none. Zeros at the end of `text` are dropped.
     bool from_unicode(wide_string const & text, narrow_string & result, bool ansi) const;
     narrow_string from_unicode(wide_string const & text, bool ansi) const;
 

@@ -4,12 +4,13 @@
 
 namespace any {
 
-/// Raised by the text classes. `Raise` is the inherited one: raised again it arrives as a `un::exception`.
+/// Thrown by the text classes. `Raise` is the inherited one, which throws a `un::exception`.
 class SOCLE_API exception : public un::exception {
 public:
     using un::exception::exception;
     ~exception() override;
 
+    /// Returns a copy on the heap, which the caller deletes.
     exception * Clone() const override;
 };
 

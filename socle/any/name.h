@@ -8,18 +8,18 @@
 
 namespace any {
 
-/// A name as 16-bit text, filled from and read in many encodings, with the unit that stands between its fragments. The
-/// 16-bit text is all that is held. Failures are `any::exception`s from "any::name".
+/// A name as 16-bit text, set and read in many encodings, with the unit that separates its fragments. Only the 16-bit
+/// text is stored. Failures are `any::exception`s from "any::name".
 class SOCLE_API name {
 public:
     class fragment_iterator;
 
-    /// Stands between fragments unless another unit is given.
+    /// The separator of fragments unless another unit is given.
     static constexpr char16_t default_separator = u'\\';
     /// The empty name with the default separator.
     static name const null;
 
-    /// Without fragments.
+    /// The empty name.
     explicit name(char16_t separator = default_separator) : separator_(separator) {}
     name(name const &) = default;
     /// The same fragments and separator.
@@ -29,33 +29,38 @@ public:
     /// The same fragments and separator.
     void set(name const & other);
 
-    /// Each replaces the text and leaves the separator. Those through a code page throw "cannot convert to Unicode",
-    /// with the name then empty.
+    /// Replaces the text and keeps the separator.
     void set_ucs2(wide_string const & text) { value_ = text; }
-    /// In the form of `any::utf8_coder`.
+    /// Replaces the text by one in the form of `any::utf8_coder`.
     void set_utf8(narrow_string const & text);
+    /// Replaces the text by one in the ANSI page. Throws "cannot convert to Unicode", with the name then empty.
     void set_ansi(narrow_string const & text);
+    /// Replaces the text by one in the OEM page. Throws "cannot convert to Unicode", with the name then empty.
     void set_oem(narrow_string const & text);
-    /// `text` is a byte with the length, and then that many bytes in the ANSI page.
+    /// As `set_ansi`; `text` is a byte with the length, and then that many bytes.
     void set_pstr(unsigned char const * text);
 
-    /// All fragments, joined by the separator.
+    /// The text: all fragments, joined by the separator.
     wide_string get_ucs2() const { return value_; }
+    /// The text in the form of `any::utf8_coder`.
     narrow_string get_utf8() const;
-    /// Both throw "cannot convert from Unicode" for a text that no installed page holds; else the result may be in
-    /// another page, as told at `any::converter`.
+    /// The text in the ANSI page, or in another one, as `any::converter` says. Throws "cannot convert from Unicode" for
+    /// a text that no installed page holds.
     narrow_string get_ansi() const;
+    /// The text in the OEM page, with the same exception.
     narrow_string get_oem() const;
 
-    /// The pieces between separators, save each that is exactly "." and the empty ones at the end; but the first one
-    /// stands, empty or not.
+    /// The first fragment. Fragments are the pieces between separators, without those that are exactly "." and the
+    /// empty ones at the end; the first piece is always a fragment.
     fragment_iterator fragment_begin() const;
+    /// The end, behind the last fragment.
     fragment_iterator fragment_end() const;
+    /// The number of fragments.
     uint32 fragment_size() const;
     /// The last fragment; empty if there is none.
     wide_string leaf() const;
 
-    /// Adds a fragment behind a separator, which is not doubled. An empty `leaf` changes nothing. Throws
+    /// Appends a separator, unless the text ends in one, and a fragment. An empty `leaf` changes nothing. Throws
     /// `std::out_of_range` if the name is empty.
     void add_leaf(wide_string const & leaf);
 
@@ -64,7 +69,7 @@ private:
     char16_t separator_;
 };
 
-/// Walks over the fragments of a name as it was when the iterator was made.
+/// Goes through the fragments of a name as it was when the iterator was made.
 class SOCLE_API name::fragment_iterator {
 public:
     using iterator_category = std::input_iterator_tag;
@@ -75,12 +80,15 @@ public:
 
     /// The end of any name.
     fragment_iterator() = default;
+    /// The first fragment of `owner`.
     explicit fragment_iterator(name const & owner);
 
+    /// @{
     /// The current fragment, which the caller may change; empty at the end.
     wide_string & operator*() const { return fragment_; }
     wide_string * operator->() const { return &fragment_; }
-    /// At the end it stays there.
+    /// @}
+    /// Goes to the next fragment; at the end it stays there.
     fragment_iterator & operator++();
     fragment_iterator operator++(int);
 

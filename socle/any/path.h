@@ -4,19 +4,21 @@
 
 namespace any {
 
-/// A path as a list of elements, from the root to the leaf: plain text that touches no file. A separator at the start
-/// gives an empty first element, two give two; a drive or ".." is an element like any other.
+/// A path as a list of elements, from the root to the leaf. It is text, and never accesses the file system. A separator
+/// at the start makes an empty first element, two make two; a drive or ".." is an element like any other.
 ///
-/// Texts given may be elements of this path.
+/// Arguments may be elements of this path.
 class SOCLE_API path {
 public:
-    /// Over the elements, from the root to the leaf.
+    /// @{
+    /// Goes through the elements, from the root to the leaf.
     using iterator = std::vector<string>::iterator;
     using const_iterator = std::vector<string>::const_iterator;
     using reverse_iterator = std::vector<string>::reverse_iterator;
     using const_reverse_iterator = std::vector<string>::const_reverse_iterator;
+    /// @}
 
-    /// Without elements and with the default separators.
+    /// The path without elements, with the default separators.
     static path const null;
 
     path() = default;
@@ -31,6 +33,7 @@ public:
     /// Back to "\" and "/".
     void reset_separator();
 
+    /// @{
     /// The elements, in order, as in a vector.
     bool empty() const noexcept { return elements_.empty(); }
     std::size_t size() const noexcept { return elements_.size(); }
@@ -42,51 +45,59 @@ public:
     reverse_iterator rend() noexcept { return elements_.rend(); }
     const_reverse_iterator rbegin() const noexcept { return elements_.rbegin(); }
     const_reverse_iterator rend() const noexcept { return elements_.rend(); }
+    /// @}
 
-    /// The separators stay.
+    /// Removes all elements; the separators stay.
     void clear() noexcept { elements_.clear(); }
     /// Appends any element, an empty one too.
     void push_back(string const & element) { elements_.push_back(element); }
 
-    /// The last element. This and the four below need one.
+    /// The last element. There must be one, also for the next four.
     string & leaf() { return elements_.back(); }
     string const & leaf() const { return elements_.back(); }
+    /// The number of units of the leaf.
     uint32 leaf_size() const;
     /// The leaf up to its last ".", without it; the whole leaf if it has none.
     string leaf_name() const;
     /// The leaf from its last "." on, with the dot; empty if it has none.
     string leaf_ext() const;
-    /// Puts the elements of `parent` before the leaf, instead of those there. An empty leaf does not stay behind them.
+    /// Replaces the elements before the leaf by those of `parent`. An empty leaf is removed.
     void set_parent(path const & parent);
 
-    /// All elements, joined by the first separator, and the size of that. Only the 16-bit text of `result` is replaced.
+    /// Replaces the 16-bit text of `result` by `full_string()`.
     void get_full_string(string & result) const;
+    /// All elements, joined by the first separator.
     string full_string() const;
+    /// The number of units of `full_string()`.
     uint32 full_size() const;
 
-    /// The same of all elements but the leaf.
+    /// Replaces the 16-bit text of `result` by `parent_string()`.
     void get_parent_string(string & result) const;
+    /// All elements but the leaf, joined by the first separator.
     string parent_string() const;
+    /// The number of units of `parent_string()`.
     uint32 parent_size() const;
 
     /// Removes the leaf, if there is one.
     void to_parent();
-    /// Replaces the elements of `result`, whose separators stay, by all of these but the leaf.
+    /// Replaces the elements of `result`, whose separators stay, by all elements of this path but the leaf.
     void get_parent(path & result) const;
-    /// The same as a path with the default separators.
+    /// All elements but the leaf, as a path with the default separators.
     path parent() const;
 
     /// Appends `leaf`; an empty one only to a path without elements.
     void add_leaf(string const & leaf);
     /// Appends all elements of `other`, empty ones too.
     void add_path(path const & other);
+    /// As `add_leaf`.
     path & operator+=(string const & leaf);
+    /// As `add_path`.
     path & operator+=(path const & other);
-    /// A copy, with this path's separators, to which the same is added.
+    /// A copy of this path, with its separators, to which the argument is added by `+=`.
     path operator+(string const & leaf) const;
     path operator+(path const & other) const;
 
-    /// Element by element as plain 16-bit text, case counting. The separators play no part.
+    /// Compares element by element, as 16-bit text, with case. The separators do not count.
     bool operator<(path const & other) const;
 
 protected:

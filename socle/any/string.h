@@ -8,18 +8,19 @@
 
 namespace any {
 
-/// 16-bit text, compared and changed as a plain one, that also gives itself in other forms. Each form is worked out
-/// anew when it is asked for, and its reference or pointer stands until `str`, `cstr`, `pstr`, `ci_wstr` or, for a
-/// pattern, `pattern_match` uses the same object again. So no two threads may ask one object at once.
+/// 16-bit text, compared and changed as a plain one, that can also be read in other forms. Each form is computed anew
+/// when it is asked for. Its reference or pointer is valid until `str`, `cstr`, `pstr`, `ci_wstr` or, for a pattern,
+/// `pattern_match` uses the same object again; so two threads must not ask one object at once.
 ///
-/// `ansi` picks the system's ANSI page, else its OEM page.
+/// `ansi` picks the system's ANSI page, else its OEM page. Neither is UTF-8: text of the host goes through
+/// `platform::from_host`.
 class SOCLE_API string : public wide_string {
 public:
     /// Text that compares without regard to case.
     using ci_string = std::basic_string<char16_t, un::ci_wchar_t_traits>;
 
     string() = default;
-    /// The units as they are; the pointer's text ends at its first zero.
+    /// Takes the units as they are; text at a pointer ends at its first zero.
     string(wide_string text) : wide_string(std::move(text)) {}
     string(char16_t const * text) : wide_string(text) {}
     /// As `set`; `text` ends at its first zero.
@@ -31,18 +32,20 @@ public:
     /// Assigning plain text replaces the 16-bit text alone.
     using wide_string::operator=;
 
-    /// Throws an `any::exception` "cannot convert to Unicode" from "any::string", and is then empty, if `text` cannot
-    /// be converted.
+    /// Replaces the text by `text`, converted from 8 bits. Throws an `any::exception` "cannot convert to Unicode" from
+    /// "any::string", and is then empty, if `text` cannot be converted.
     void set(narrow_string const & text, bool ansi);
-    /// `text` is a byte with the length, and then that many bytes.
+    /// Does the same; `text` is a byte with the length, and then that many bytes.
     void set(unsigned char const * text, bool ansi);
 
+    /// Replaces `result` by `str(ansi)`.
+    void get_str(narrow_string & result, bool ansi) const;
     /// The 8-bit form, as by `any::converter::from_unicode`. A text that no installed page holds is folded instead: one
     /// printable character for each unit, which cannot be undone.
-    void get_str(narrow_string & result, bool ansi) const;
     narrow_string const & str(bool ansi) const;
+    /// `str(ansi)` with a zero byte behind it.
     char const * cstr(bool ansi) const;
-    /// With a byte in front that holds the low 8 bits of the length; all characters stand behind it.
+    /// `str(ansi)` behind a byte that holds the low 8 bits of its length.
     unsigned char const * pstr(bool ansi) const;
     /// The text in a form that compares without regard to case.
     ci_string const & ci_wstr() const;
@@ -50,10 +53,10 @@ public:
     /// From the last "." on, with the dot; empty if there is none.
     string ext() const;
 
-    /// Whether the text, up to its first zero, fits `pattern`, in which "*" stands for anything. Works on the 8-bit
+    /// Whether the text, up to its first zero, matches `pattern`, in which "*" matches anything. Works on the 8-bit
     /// forms, with case:
-    /// - The text may go on behind the pattern: "abc" fits "abcdef", as does "a*c".
-    /// - Each piece between stars is looked for from the start of the piece before it, so "ab*b" fits "ab".
+    /// - The text may go on behind the pattern: "abc" and "a*c" match "abcdef".
+    /// - Each piece between stars is searched from the start of the piece before it, so "ab*b" matches "ab".
     bool pattern_match(string const & pattern) const;
 
 private:

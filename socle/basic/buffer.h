@@ -8,8 +8,8 @@
 
 namespace basic {
 
-/// A sized array that knows whether it may be resized: one that it allocated itself, or storage that belongs to someone
-/// else. Elements that it allocates are not initialised.
+/// A sized array that knows whether it may be resized: one that it allocated itself, or storage of the caller. Elements
+/// that it allocates are not initialised.
 template <class T>
 class buffer {
 public:
@@ -28,18 +28,20 @@ public:
     }
     ~buffer() { release(); }
 
-    /// Null if the size is 0.
+    /// The first element, or null if the size is 0.
     T * data() noexcept { return data_; }
     T const * data() const noexcept { return data_; }
+    /// The number of elements.
     uint32 size() const noexcept { return size_; }
+    /// Whether the array belongs to this object, which then may resize it.
     bool owner() const noexcept { return owner_; }
 
     /// The element; `index` has to be below `size()`.
     T & operator[](uint32 index) { return data_[index]; }
     T const & operator[](uint32 index) const { return data_[index]; }
 
-    /// Keeps as many of the elements as fit. A static buffer throws `std::logic_error`, "cannot resize a static
-    /// buffer".
+    /// Changes the size and keeps as many elements as fit. A static buffer throws `std::logic_error`, "cannot resize a
+    /// static buffer".
     void resize(uint32 new_size) {
         if (!owner_)
             throw std::logic_error("cannot resize a static buffer");

@@ -15,22 +15,24 @@ public:
     element & operator=(element const &) = default;
     virtual ~element();
 
-    /// Takes the text behind the "=" of an argument, empty if there is none. Here it does nothing; a class that
+    /// Takes the text behind the "=" of an argument, empty if there is none. Does nothing by default; a class that
     /// overrides it calls `found(true)`.
     virtual void parse(narrow_string const & text);
 
     /// Whether `name` is one of the names; case counts.
     bool matches(narrow_string const & name) const;
 
-    /// What the constructor was given.
+    /// The alternative names.
     std::vector<narrow_string> const & names() const noexcept { return names_; }
+    /// The description for `line::show_options`.
     narrow_string const & description() const noexcept { return description_; }
+    /// Whether the command line must name this element.
     bool required() const noexcept { return required_; }
     /// Whether an argument has named this element.
     bool found() const noexcept { return found_; }
 
 protected:
-    /// Sets what `found()` tells.
+    /// Sets what `found()` returns.
     void found(bool seen) noexcept { found_ = seen; }
 
 private:

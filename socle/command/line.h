@@ -4,8 +4,8 @@
 
 namespace command {
 
-/// The arguments of a program: declare options on it, call `digest` once, and it holds the positional parameters in
-/// order, as a vector for its user, while the options hold their values.
+/// The arguments of a program. Declare options on it and call `digest` once; then it holds the positional parameters in
+/// order, as a vector, and the options hold their values.
 ///
 /// An argument that starts with "-" is an option: its whole name, and its value behind a "=" if it has one. What a
 /// second "=" would cut off is dropped. Every other argument is a positional parameter, the empty one too.
@@ -28,8 +28,9 @@ public:
 
     /// The registered elements, in the order of their registration.
     std::vector<command::element *> const & options() const noexcept { return options_; }
-    /// What the constructor was given.
+    /// The number of arguments, the program's name included.
     int argc() const noexcept { return argc_; }
+    /// All arguments, the program's name at index 0.
     std::vector<narrow_string> const & argv() const noexcept { return argv_; }
 
 private:

@@ -21,6 +21,7 @@ public:
     option & operator=(option const &) = default;
     ~option() override;
 
+    /// Sets the value from the text behind the "=", as told above.
     void parse(narrow_string const & text) override;
 
     /// The value.

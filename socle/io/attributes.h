@@ -9,13 +9,14 @@
 
 namespace io {
 
-/// Everything about a file or folder but its bytes and its name. The set is read from one path, carried, and written to
+/// Everything about a file or folder but its bytes and its name. The set is read from one path, kept, and written to
 /// the same path or another.
 ///
-/// What the Finder knows of a file has no place in a flat file system, so it lives beside the file, in a sidecar named
-/// with ".info" behind the whole leaf: a MacBinary header of 128 bytes that no fork follows.
+/// A flat file system has no place for Finder information. It lies beside the file, in a sidecar named with ".info"
+/// behind the whole leaf: a MacBinary header of 128 bytes without forks.
 class SOCLE_API attributes {
 public:
+    /// With every member absent.
     attributes();
     attributes(attributes const &);
     attributes & operator=(attributes const &);
@@ -27,31 +28,33 @@ public:
     /// sidecar.
     ///
     /// Throws an `io::exception`: "what is this" where there is nothing, "cannot access timestamp(s) of", and for any
-    /// other `type`, after all the rest is done, "unknown attributes type"; `io::fork` raises for a sidecar that cannot
+    /// other `type`, after all the rest is done, "unknown attributes type"; `io::fork` throws for a sidecar that cannot
     /// be read. The set then holds what was read so far.
     void load(any::path const & path, int type);
 
-    /// Sets the times that are present, then the bits: of `win32`, else those that `read_only` stands for. That either
-    /// fails is not reported. With `type` 1 the sidecar is then written anew, whether `mac_file` is present or not.
+    /// Sets the times that are present, then the bits: of `win32`, else those that `read_only` means. Fails silently in
+    /// both. With `type` 1 the sidecar is then written anew, whether `mac_file` is present or not.
     /// 0, 2 and 3 write none.
     ///
-    /// Throws as `load` does for any other `type`, after all the rest is done, and what `io::fork` raises for a sidecar
+    /// Throws as `load` does for any other `type`, after all the rest is done, and what `io::fork` throws for a sidecar
     /// that cannot be written.
     void apply(any::path const & path, int type) const;
 
-    /// Of the last change.
+    /// The time of the last change, in GMT.
     optional<any::time> modified;
+    /// The attribute bits of Win32.
     optional<io::win32::attributes> win32;
-    /// Of a file.
+    /// The Finder information of a file.
     optional<mac::file_attributes> mac_file;
-    /// Of a folder. The library neither reads nor writes it.
+    /// The Finder information of a folder. The library neither reads nor writes it.
     optional<mac::folder_attributes> mac_folder;
-    /// Of a read-only file 0400, else 0640; for a folder 0110 more. Not applied.
+    /// The permission bits: 0400 for a read-only file, else 0640; for a folder 0110 more. Not applied.
     optional<io::unix::attributes> unix;
-    /// The file may not be written.
+    /// Whether the file may not be written.
     optional<bool> read_only;
+    /// The time of creation, in GMT.
     optional<any::time> created;
-    /// For the caller; the library makes it absent and no more.
+    /// For the caller; `load` makes it absent, and nothing else uses it.
     optional<any::path> extra_path;
 
 private:

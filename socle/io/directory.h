@@ -19,7 +19,7 @@ public:
     static directory temp();
 
     directory();
-    /// At `path`; nothing is looked at.
+    /// Refers to `path`; does not access the file system.
     explicit directory(any::path const & path);
     directory(directory const &);
     /// The same path and attributes.
@@ -27,29 +27,31 @@ public:
     directory & operator=(directory const &);
     ~directory() override;
 
-    /// 0.
+    /// Always 0.
     uint64 size() const;
 
     /// Creates the folder, unless it has no name or exists. True if that worked only under a normalized and unique
-    /// name, which then is the path. Throws an `io::exception`, "cannot create", with the path as it was. `overwrite` is
-    /// ignored here and in the next two.
+    /// name, which then is the path. Throws an `io::exception`, "cannot create", with the path as it was. `overwrite`
+    /// is ignored, in the next two operations as well.
     bool create(bool overwrite) override;
     using item::create_parents;
-    /// Creates the folder around it if that is missing, and no more.
+    /// Creates the parent folder if that is missing, but not its parents. True if that changed a name.
     bool create_parents(bool overwrite);
-    /// Both, one after the other. True if either changed a name.
+    /// `create_parents`, then `create`. True if either changed a name.
     bool create_with_parents(bool overwrite);
 
     /// Removes the folder itself, which has to be empty; a link is removed itself. With `report` it throws an
     /// `io::exception`, "cannot delete " and the path.
     void unlink(bool report) override;
     /// Deletes what is in it, as far as that can be deleted; `report` goes to the `unlink` of each. Nothing is deleted
-    /// through a link, not even through one in this place.
+    /// through a link, not even if the folder itself is one.
     void unlink_children(bool report);
+    /// `unlink_children`, then `unlink`.
     void unlink_with_children(bool report);
 
-    /// A walk from the first entry on, and the end of every walk.
+    /// The first entry of a new walk.
     iterator begin();
+    /// The end of every walk.
     iterator end();
 };
 
@@ -68,18 +70,21 @@ public:
 
     /// The end of any folder.
     iterator();
+    /// The first entry of `folder`.
     explicit iterator(directory & folder);
     iterator(iterator const & other);
     iterator & operator=(iterator const & other);
     ~iterator();
 
+    /// @{
     /// The entry, without its attributes.
     item & operator*() { return current_; }
     item * operator->() { return &current_; }
+    /// @}
 
     /// Goes to the next entry that shows.
     iterator & operator++();
-    /// Gives the place after the step.
+    /// Goes to the next entry, and returns that one.
     iterator operator++(int);
 
     /// Whether both stand in the same search, or have both ended.

@@ -10,7 +10,7 @@ namespace io {
 class SOCLE_API file : public item {
 public:
     file();
-    /// At `path`; nothing is looked at.
+    /// Refers to `path`; does not access the file system.
     explicit file(any::path const & path);
     file(file const & other);
     /// The same path and attributes.
@@ -18,17 +18,19 @@ public:
     file & operator=(file const & other);
     ~file() override;
 
-    /// `create` of the data fork, which is open then. No sidecar is made.
+    /// Creates the data fork, as `io::fork::create`, and leaves it open. No sidecar is made.
     bool create(bool overwrite) override;
-    /// Deletes the data fork; a failure is never reported. Sidecars stay.
+    /// Deletes the data fork and fails silently, whatever `report` is. Sidecars stay.
     void unlink(bool report) override;
 
     /// Whether any of the forks exists.
     bool exists();
 
-    /// The forks, which belong to this file.
+    /// The data fork, which belongs to this object.
     io::fork & data_fork() noexcept { return data_; }
+    /// The resource fork, which belongs to this object.
     io::fork & rsrc_fork() noexcept { return rsrc_; }
+    /// The information fork, which belongs to this object.
     io::fork & info_fork() noexcept { return info_; }
 
 private:

@@ -10,7 +10,7 @@ class file;
 class descriptor {
 public:
     descriptor() = default;
-    /// Holds the number, and owns nothing.
+    /// Refers to a handle.
     descriptor(int handle) : handle_(handle) {}
 
     /// Whether there is a handle.
@@ -26,10 +26,10 @@ private:
     int handle_ = none;
 };
 
-/// One fork of a file: an unbuffered handle with bytes and positions. It reads the path of its file whenever it needs
-/// it. Whoever opens a fork closes it: the destructor does not, nor does an opening close what was open.
+/// One fork of a file, unbuffered. It reads the path of its file whenever it needs it. Whoever opens a fork closes it:
+/// the destructor does not, nor does opening close what was open.
 ///
-/// Failures throw an `io::exception` with the system's code: the words told at each operation and the fork's path.
+/// Failures throw an `io::exception` with the system's code, the words in quotes at each operation and the fork's path.
 class SOCLE_API fork {
 public:
     /// How `_open` opens: for reading beside others that read and write; the rest for reading and writing, beside
@@ -43,42 +43,45 @@ public:
     fork & operator=(fork const &) = delete;
     virtual ~fork();
 
-    /// "cannot open".
+    /// Opens for reading. "cannot open".
     virtual void open();
-    /// "cannot open_rw".
+    /// Opens for reading and writing. "cannot open_rw".
     virtual void open_rw();
-    /// Makes and opens the fork, in place of one that exists if `overwrite`. Where that fails it is tried under the
-    /// normalized name of the file, made unique if it is taken, as a new fork: true if that worked, and the name is the
-    /// file's then. Throws "cannot create", with the name as it was.
+    /// Creates and opens the fork; with `overwrite` it replaces one that exists. If that fails, it tries again under
+    /// the normalized name of the file, made unique if it is taken, as a new fork. True if that worked; the file then
+    /// has that name. Throws "cannot create", with the name as it was.
     virtual bool create(bool overwrite);
-    /// A standard stream of the process: "cannot open stdin", "cannot open stdout", "cannot open stderr".
+    /// Opens the standard input of the process. "cannot open stdin".
     virtual void open_stdin();
+    /// Opens the standard output of the process. "cannot open stdout".
     virtual void open_stdout();
+    /// Opens the standard error output of the process. "cannot open stderr".
     virtual void open_stderr();
-    /// "cannot close", if `report`; the fork is closed in any case.
+    /// Closes the fork, also where the system reports a failure. "cannot close", if `report`.
     virtual void close(bool report);
     /// Whether this is a terminal or another device of characters.
     virtual bool console();
 
-    /// Up to `count` bytes; 0 at the end. "cannot read from".
+    /// Reads up to `count` bytes and returns the number read; 0 at the end. "cannot read from".
     virtual uint32 read(char * buffer, uint32 count);
-    /// "cannot write to".
+    /// Writes all `count` bytes. "cannot write to".
     virtual void write(char const * data, uint32 count);
-    /// Of a closed fork as well; 0 if it cannot be had. "cannot determine the size of" an open one.
+    /// The size of the fork, open or closed. Of a closed one 0 if it cannot be had; of an open one "cannot determine
+    /// the size of".
     virtual uint64 size();
-    /// All ones if closed. "cannot get position of".
+    /// The position; all ones if closed. "cannot get position of".
     virtual uint64 tell();
-    /// False if closed. "cannot set the position of".
+    /// Moves to `position`; false if closed. "cannot set the position of".
     virtual bool seek(uint64 position);
     /// Makes the fork shorter or longer; the position stays, or moves to the new end if that is lower.
     /// "cannot resize".
     virtual void resize(uint64 size);
-    /// "cannot flush", if `report`.
+    /// Writes what the system holds back to the disk. "cannot flush", if `report`.
     virtual void flush(bool report);
     /// Closes and deletes. "cannot delete", if `report`.
     virtual void unlink(bool report);
 
-    /// Where the fork lies; the empty path for a file without a name.
+    /// The path of the fork; the empty path for a file without a name.
     virtual any::path fork_name() const = 0;
 
     /// Whether there is anything where the fork would lie.
@@ -87,7 +90,7 @@ public:
     io::descriptor descriptor() const noexcept { return descriptor_; }
 
 protected:
-    /// An invalid result is a failure. "unknown fork open mode".
+    /// Opens and returns the handle, which is invalid after a failure. "unknown fork open mode".
     io::descriptor _open(open_mode mode);
 
     /// The file that this is a fork of.
@@ -101,33 +104,36 @@ private:
     io::descriptor descriptor_;
 };
 
-/// The file itself.
+/// The data fork: the file itself.
 class SOCLE_API data_fork : public fork {
 public:
     /// A fork of `file`, closed.
     explicit data_fork(io::file & file);
     data_fork(data_fork const &);
     ~data_fork() override;
+    /// The path of the file itself.
     any::path fork_name() const override;
 };
 
-/// A file beside it, with ".rsrc" behind its leaf.
+/// The resource fork: a file beside it, with ".rsrc" behind its leaf.
 class SOCLE_API rsrc_fork : public fork {
 public:
     /// A fork of `file`, closed.
     explicit rsrc_fork(io::file & file);
     rsrc_fork(rsrc_fork const &);
     ~rsrc_fork() override;
+    /// The path of the file, with ".rsrc" behind the leaf.
     any::path fork_name() const override;
 };
 
-/// A file beside it, with ".info" behind its leaf.
+/// The information fork: a file beside it, with ".info" behind its leaf.
 class SOCLE_API info_fork : public fork {
 public:
     /// A fork of `file`, closed.
     explicit info_fork(io::file & file);
     info_fork(info_fork const &);
     ~info_fork() override;
+    /// The path of the file, with ".info" behind the leaf.
     any::path fork_name() const override;
 };
 

@@ -5,7 +5,7 @@
 
 namespace io {
 
-/// An open fork as a source. It neither opens the fork nor closes it, but by `close`.
+/// Reads an open fork as a source. It never opens the fork, and closes it only in `close`.
 class SOCLE_API fork_input : public stream::random::input {
 public:
     /// Reads from an open fork, which has to outlive it.
@@ -16,14 +16,18 @@ public:
 
     using stream::random::input::read;
 
-    /// Always true.
+    /// Moves to `where` in the fork, and is always true.
     bool seek(uint64 where) override;
+    /// The size of the fork.
     uint64 size() const override;
+    /// Closes the fork, with a report of failures.
     void close() override;
 
 protected:
+    /// Reads from the fork.
     uint32 _read(char * buffer, uint32 count) override;
     int _read() override;
+    /// The position of the fork.
     uint64 _tell() const override;
 
 private:

@@ -5,7 +5,7 @@
 
 namespace io {
 
-/// An open fork as a sink. It neither opens the fork nor closes it, but by `close`; `flush` does nothing.
+/// Writes to an open fork as a sink. It never opens the fork, and closes it only in `close`.
 class SOCLE_API fork_output : public stream::random::output {
 public:
     /// Writes to an open fork, which has to outlive it.
@@ -16,15 +16,21 @@ public:
 
     using stream::random::output::write;
 
+    /// Writes to the fork.
     void write(char const * data, uint32 count) override;
     void write(narrow_string const & text) override;
     void write(char byte) override;
+    /// Does nothing: no bytes are held back.
     void flush() override;
+    /// The position of the fork.
     uint64 tell() const override;
-    /// Always true.
+    /// Moves to `where` in the fork, and is always true.
     bool seek(uint64 where) override;
+    /// The size of the fork.
     uint64 size() const override;
+    /// Makes the fork `size` bytes long.
     void resize(uint64 size) override;
+    /// Closes the fork, with a report of failures.
     void close() override;
 
 private:

@@ -2,8 +2,8 @@
 
 namespace io {
 
-/// A value that may be absent. Absent or not there is always a value to read: at first a default one, later the last
-/// one that was assigned.
+/// A value that may be absent. A value can be read also while it is absent: at first a default one, later the last one
+/// that was assigned.
 template <typename T>
 class optional {
 public:
@@ -17,10 +17,10 @@ public:
         present_ = true;
         return *this;
     }
-    /// Makes the value absent, and keeps what it was.
+    /// Makes the value absent, but keeps it for `value()`.
     void clear() noexcept { present_ = false; }
 
-    /// Whether there is one.
+    /// Whether the value is present.
     bool present() const noexcept { return present_; }
     /// The value, also if it is absent.
     T const & value() const noexcept { return value_; }

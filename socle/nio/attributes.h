@@ -9,19 +9,19 @@ namespace nio {
 
 class file;
 
-/// What can be said about a file or directory besides its contents.
+/// The attributes of a file or directory: times, bits and Finder information.
 class SOCLE_API attributes {
 public:
     attributes() = default;
     /// All zero, then `load`.
     explicit attributes(item & from);
 
-    /// Takes the times, the attribute bits and the Finder information from the item. `finder_info` stays as it is where
+    /// Reads the times, the attribute bits and the Finder information of the item. `finder_info` stays as it is where
     /// there is none. Throws `nio::filesystem_exception`, "cannot access timestamps", or "cannot open file" for
     /// information that is there, or may be, but out of reach.
     void load(item & from);
 
-    /// Gives the item the times that are not 0, and the attribute bits; what the system refuses of that is passed over.
+    /// Sets the item's times, where they are not 0, and its attribute bits. Fails silently where the system refuses.
     ///
     /// With `write_info`, it also gets the Finder information: in a stream of the file if `allow_ntfs` and the volume
     /// has streams, else in the sidecar, which may be made for it under the normalized name of the file. Of a sidecar
@@ -32,13 +32,15 @@ public:
 
     /// Whether the file may not be written.
     bool read_only = false;
-    /// Of the last change, and of its making, in GMT.
+    /// The time of the last change, in GMT.
     time modified;
+    /// The time of creation, in GMT.
     time created;
     /// Read-only 1, hidden 2, system 4, directory 0x10, archive 0x20, normal 0x80, temporary 0x100.
     uint32 file_attributes = 0;
-    /// Unix permission bits. `load` makes them up from `read_only`, and nothing uses them.
+    /// Unix permission bits. `load` derives them from `read_only`; nothing uses them.
     uint32 mode = 0666;
+    /// The 32 bytes of the Finder: 16 of `io::mac::info`, then 16 of `io::mac::extended_info`.
     std::array<unsigned char, 32> finder_info{};
 
 private:

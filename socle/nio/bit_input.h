@@ -7,7 +7,7 @@
 
 namespace nio {
 
-/// Takes single bits from a source. There is one instance.
+/// Reads single bits from a source. There is one specialisation.
 template <int, int, int>
 class bit_input;
 
@@ -32,7 +32,7 @@ public:
         return static_cast<int>(accumulator_ & ((1u << std::max(n, 0)) - 1));
     }
 
-    /// Passes over `n` bits, held or not. Bits that were not held yet will be missing from what the source gives later.
+    /// Skips `n` bits, held or not. Bits that are not held yet will be missing from what the source delivers later.
     void drop(int n) noexcept {
         if (n <= 0)
             return;
@@ -47,7 +47,7 @@ public:
         return bit;
     }
 
-    /// How many bits are held; below 0 after bits were consumed that the source did not have.
+    /// The number of bits held; below 0 after bits were consumed that the source did not have.
     int count() const noexcept { return count_; }
 
 private:

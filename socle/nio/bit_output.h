@@ -4,7 +4,7 @@
 
 namespace nio {
 
-/// Gives single bits to a sink. There is one instance.
+/// Writes single bits to a sink. There is one specialisation.
 template <int, int>
 class bit_output;
 
@@ -18,7 +18,7 @@ public:
 
     /// Appends one bit, 0 or 1. Whole bytes are written first if it would be the 32nd that is held.
     void put_bit(int bit) { put_bits(static_cast<unsigned>(bit), 1); }
-    /// Appends the low `n` bits of `bits`, the lowest first, as that many `put_bit` do. `n` is 0 to 64.
+    /// Appends the low `n` bits of `bits`, the lowest first, as that many calls of `put_bit`. `n` is 0 to 64.
     void put_bits(uint64 bits, int n);
 
     /// Writes every whole byte held, one at a time.
@@ -28,8 +28,8 @@ public:
     /// Ends the stream: writes all that is held, the last byte filled up with bits of 0. The next bit starts a byte.
     void finish();
 
-    /// How many bits are held. Below 0 after a `put_byte` with fewer than 8 of them: so many bits to come are dropped,
-    /// as that byte stood for them.
+    /// The number of bits held. Below 0 after a `put_byte` with fewer than 8 of them: that many following bits are
+    /// dropped, as that byte already stood for them.
     int count() const noexcept { return count_; }
 
 private:

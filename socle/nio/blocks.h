@@ -8,11 +8,11 @@
 /// was moved stays moved.
 namespace nio {
 
-/// Copies up to `count` bytes and gives how many. The first read that comes back short ends the copy; what came with
-/// it, be it nothing, has been written.
+/// Copies up to `count` bytes and returns the number copied. The first short read ends the copy, after what it returned
+/// has been written.
 SOCLE_API uint64 copy(input & from, output & to, uint64 count, uint32 buffer_size);
 
-/// Reads and drops up to `count` bytes and gives how many. It never seeks, so it works on any input.
+/// Reads and drops up to `count` bytes and returns the number dropped. It never seeks, so it works on any input.
 SOCLE_API uint64 skip(input & from, uint64 count, uint32 buffer_size);
 
 /// Writes `count` copies of `value`.

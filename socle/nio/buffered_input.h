@@ -8,16 +8,17 @@
 namespace nio {
 
 /// Reads ahead from a source, which must outlive it. The position is the reader's. Nothing is given back: the source
-/// stays where the reading ahead has brought it.
+/// stays where reading ahead has moved it.
 class SOCLE_API buffered_input : public input {
 public:
-    /// Holds up to `capacity` bytes, 0 counting as 1. Reads nothing yet.
+    /// Holds up to `capacity` bytes; 0 counts as 1. Does not read yet.
     buffered_input(input & source, uint32 capacity);
     /// The copy holds the same bytes and reads on from the same source.
     buffered_input(buffered_input const &) = default;
     buffered_input & operator=(buffered_input const &) = default;
     ~buffered_input() override;
 
+    /// Reads from the buffer, and more from the source where that does not suffice.
     uint32 read(char * buffer, uint32 size) override {
         if (size > fill_ - cursor_ || size == 0)
             return _read(buffer, size);
@@ -26,6 +27,7 @@ public:
         return size;
     }
 
+    /// The position of the reader.
     uint64 tell() const override;
     /// The size of the source.
     uint64 size() const override;

@@ -10,21 +10,23 @@ namespace nio {
 /// Collects small writes for a target, which must outlive it. The position and the size count what was written here.
 ///
 /// What the target throws passes through, and what it did not take is still held. The destructor writes what is held
-/// and swallows every failure, so that a caller who cares calls `flush()` first.
+/// and swallows every failure, so a caller who needs to know of them calls `flush()` first.
 class SOCLE_API buffered_output : public output {
 public:
-    /// Holds up to `capacity` bytes, 0 counting as 1.
+    /// Holds up to `capacity` bytes; 0 counts as 1.
     buffered_output(output & target, uint32 capacity);
     buffered_output(buffered_output const &) = delete;
     buffered_output & operator=(buffered_output const &) = delete;
     ~buffered_output() override;
 
+    /// Holds the bytes, or writes them to the target if they do not fit.
     void write(char const * data, uint32 size) override {
         if (size > capacity_ - used_ || size >= capacity_ || size == 0)
             return _write(data, size);
         std::memcpy(buffer_.data() + used_, data, size);
         used_ += size;
     }
+    /// Holds the byte, after writing what is held if there is no room.
     void write(unsigned char byte) override {
         char const single = static_cast<char>(byte);
         if (used_ == capacity_ || capacity_ == 1)
@@ -32,10 +34,12 @@ public:
         buffer_[used_++] = single;
     }
 
-    /// Writes what is held to the target, without flushing that.
+    /// Writes what is held to the target; does not flush the target.
     void flush() override;
 
+    /// The number of bytes written to this object.
     uint64 tell() const override;
+    /// The number of bytes written to this object.
     uint64 size() const override;
 
 protected:

@@ -13,23 +13,25 @@ public:
     channel & operator=(channel const &) = default;
     ~channel() override;
 
-    /// Nothing here.
+    /// Does nothing, for both directions.
     void begin() override;
+    /// Does nothing, for both directions.
     void end() override;
 
     using output::write;
 
-    /// The position, whichever side asks. Here the value last given to `position()`, 0 at first.
+    /// The position of both directions; by default the value last given to `position()`, 0 at first.
     uint64 tell() const override;
-    /// False: nothing has moved.
+    /// False by default: nothing has moved.
     bool seek(uint64 where) override;
-    /// All ones: there is none to give.
+    /// All ones by default: it is not known.
     uint64 size() const override;
 
+    /// Does nothing by default.
     void flush() override;
 
 protected:
-    /// The position that `tell()` gives here.
+    /// The position that `tell()` returns by default.
     uint64 position() const noexcept { return position_; }
     void position(uint64 where) noexcept { position_ = where; }
 

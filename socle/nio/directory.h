@@ -14,15 +14,15 @@ public:
     class iterator;
 
     directory() = default;
-    /// At this path; nothing is looked at.
+    /// Refers to `path`, or to the path of an item; does not access the file system.
     explicit directory(wide_string const & path);
     explicit directory(nio::item const & from);
 
     /// Creates the directory and any missing parents. True if that worked only under the normalized name, which then is
     /// the path. Throws `nio::filesystem_exception`, "cannot create", if that fails too, with the path as it was.
     ///
-    /// Gives false without doing anything for an empty path and one that exists, and where nothing could be created
-    /// under a name that is normal already.
+    /// Returns false and does nothing for an empty path and for one that exists. Also returns false where nothing could
+    /// be created under a name that is already normal.
     bool create();
     /// Creates a directory in `parent` under a name made from the clock.
     void create_temp(wide_string const & parent);
@@ -34,11 +34,12 @@ public:
     /// failure, by "cannot delete", else it goes on past what cannot be removed. Nothing is removed through a link, not
     /// even through one in this place.
     void unlink_children(bool must_succeed);
-    /// Both, one after the other.
+    /// `unlink_children`, then `unlink`.
     void unlink_with_children(bool must_succeed);
 
-    /// A walk from the first entry on, and the end of every walk.
+    /// The first entry of a new walk.
     iterator begin() const;
+    /// The end of every walk.
     iterator end() const;
 };
 
@@ -56,18 +57,21 @@ public:
 
     /// The end of any directory.
     iterator();
+    /// The first entry of the directory.
     explicit iterator(nio::item const & from);
     iterator(iterator const & other);
     iterator & operator=(iterator const & other);
     ~iterator();
 
+    /// @{
     /// The path of the entry: the directory's, and the entry's name.
     wide_string const & operator*() const { return current_; }
     wide_string const * operator->() const { return &current_; }
+    /// @}
 
     /// Goes to the next entry that shows.
     iterator & operator++();
-    /// Gives the place after the step.
+    /// Goes to the next entry, and returns that one.
     iterator operator++(int);
 
     /// Whether both stand in the same search, or have both ended.

@@ -6,20 +6,21 @@
 /// ANSI page, -3 UTF-8 of single units (`nio/utf8.h`), and any other the system's OEM page.
 namespace nio {
 
-/// By a page, what it cannot show becomes "_", and zero bytes at the end are dropped; UTF-8 keeps both. An unknown
-/// page, and a text of 4 GiB or more for a page, give the empty string.
+/// Converts to `encoding`. In a page, a character that it lacks becomes "_", and zero bytes at the end are dropped;
+/// UTF-8 keeps both. Returns the empty string for an unknown page, and for a page and a text of 4 GiB or more.
 SOCLE_API narrow_string encode(wide_string const & text, int encoding);
-/// UTF-8 is validated. What the page refuses gives the empty string.
+/// Converts from `encoding`. UTF-8 is validated. Returns the empty string for bytes that the page refuses.
 SOCLE_API wide_string decode(narrow_string const & bytes, int encoding);
 
-/// The same by code pages only; here -3 is the OEM page. They replace `out`.
+/// Converts to a code page, where -3 is the OEM page, and replaces `out`.
 SOCLE_API void _narrowen(wide_string const & text, narrow_string & out, int encoding);
+/// Converts from a code page, where -3 is the OEM page, and replaces `out`.
 SOCLE_API void _widen(narrow_string const & bytes, wide_string & out, int encoding);
-/// The number of the page that these two use.
+/// The number of the page that `_narrowen` and `_widen` use for `encoding`.
 SOCLE_API int _codepage(int encoding);
 
-/// First every unit `to` becomes '_', then every unit `from` becomes `to`, so that all units `to` were `from` before.
-/// If both are the same nothing changes.
+/// Replaces every unit `to` by '_', then every unit `from` by `to`, so that every unit `to` was `from` before. Changes
+/// nothing if both are the same.
 SOCLE_API void translate(wide_string & text, char16_t from, char16_t to);
 
 } // namespace nio

@@ -4,7 +4,7 @@
 
 namespace nio {
 
-/// Raised by the wide family. Like its base, no `std::exception`.
+/// Thrown by the wide family. Like its base, it does not derive from `std::exception`.
 class SOCLE_API exception : public basic::exception {
 public:
     /// What went wrong, in words.

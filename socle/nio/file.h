@@ -20,6 +20,7 @@ class backup_filter;
 /// path. Each opening replaces the handle without closing one that is open.
 class SOCLE_API file : public item, public channel {
 public:
+    /// A closed file with an empty path.
     file();
     /// Stores the path, and opens it by `mode`:
     ///
@@ -41,26 +42,31 @@ public:
     file & operator=(file const &) = delete;
     ~file() override;
 
-    /// Opens the data fork by mode 1 or 2.
+    /// Opens the data fork for reading, mode 1.
     void open();
+    /// Opens the data fork for reading and writing, mode 2.
     void open_rw();
-    /// Opens the resource fork by mode 1 or 2, wherever it lies; the path stays that of the file.
+    /// Opens the resource fork for reading, wherever it lies; the path stays that of the file.
     void open_rsrc();
+    /// Opens the resource fork for reading and writing, wherever it lies; the path stays that of the file.
     void open_rsrc_rw();
-    /// Take the process's standard stream, whose name becomes the path. A missing one throws a `nio::exception`,
+    /// @{
+    /// Takes the process's standard stream, whose name becomes the path. A missing one throws a `nio::exception`,
     /// "cannot open stdin", "cannot open stdout" or "cannot open stderr".
     void open_stdin();
     void open_stdout();
     void open_stderr();
+    /// @}
+    /// Closes the handle, if there is one. What the system reports then is dropped.
     void close();
 
     /// Creates and opens the data fork, with all missing parents. True if that worked only under the normalized name,
     /// which then is the path. Throws "cannot create" if that fails too, with the path as it was.
     ///
-    /// A failure under a name that is normal already gives false and leaves the file closed.
+    /// A failure under a name that is already normal returns false and leaves the file closed.
     bool create(bool overwrite);
-    /// The same for the resource fork: a stream of the file if `allow_ntfs` and the volume has streams, else a new
-    /// sidecar. A file that has to be made under the normalized name is never overwritten.
+    /// Creates and opens the resource fork in the same way: a stream of the file if `allow_ntfs` and the volume has
+    /// streams, else a new sidecar. A file that has to be made under the normalized name is never overwritten.
     bool create_rsrc(bool allow_ntfs, bool overwrite);
     /// Creates a file in `directory` under a name made from the clock, once.
     void create_temp(wide_string const & directory);
@@ -72,23 +78,23 @@ public:
     /// Whether this is a terminal or another device of characters.
     bool console() const;
 
-    /// Up to `size` bytes; 0 at the end of the file. Throws "cannot read".
+    /// Reads up to `size` bytes and returns the number read; 0 at the end of the file. Throws "cannot read".
     uint32 read(char * buffer, uint32 size) override;
 
     using channel::write;
 
-    /// Throws "cannot write".
+    /// Writes all `size` bytes. Throws "cannot write".
     void write(char const * buffer, uint32 size) override;
-    /// Nothing is held back.
+    /// Does nothing: no bytes are held back.
     void flush() override;
 
-    /// Positions and sizes are those of the fork. All ones if closed; throws "cannot get position".
+    /// The position in the fork; all ones if closed. Throws "cannot get position".
     uint64 tell() const override;
-    /// False if closed, or if the system refuses.
+    /// Moves to `where` in the fork. False if closed, or if the system refuses.
     bool seek(uint64 where) override;
-    /// Throws "cannot determine the size", also if closed.
+    /// The size of the fork. Throws "cannot determine the size", also if closed.
     uint64 size() const override;
-    /// Gives the fork `size` bytes, new ones zero, and keeps the position, or moves it to the new end if that is lower.
+    /// Makes the fork `size` bytes long, with zero bytes. The position stays, or moves to the new end if that is lower.
     /// False if closed, or if the system refuses.
     bool resize(uint64 size);
 
@@ -96,16 +102,19 @@ public:
     /// "cannot delete".
     void unlink(bool must_succeed);
 
-    /// Open the file to read or write a backup of its NTFS streams, which `close_ntfs` has to end. The operations above
-    /// are not for use in between.
+    /// @{
+    /// Opens the file to read a backup of its NTFS streams, or to write one (`_w`). `close_ntfs` ends that; the
+    /// operations above are not for use in between.
     void open_ntfs();
     void open_ntfs_w();
-    /// Gives a backup of all that the file has beside its data and its Macintosh forks, as one run of bytes in the
-    /// system's form; fewer than `size` bytes only at its end. Throws "invalid NTFS stream structure", "invalid NTFS
-    /// stream name" and "cannot read NTFS stream".
+    /// @}
+    /// Reads from a backup of all that the file has beside its data and its Macintosh forks, one run of bytes in the
+    /// system's form. Returns fewer than `size` bytes only at its end. Throws "invalid NTFS stream structure", "invalid
+    /// NTFS stream name" and "cannot read NTFS stream".
     uint32 read_ntfs(char * buffer, uint32 size);
-    /// Gives the file what `read_ntfs` gave, in the same order. Throws "cannot write".
+    /// Writes the bytes that `read_ntfs` delivered, in the same order. Throws "cannot write".
     void write_ntfs(char const * buffer, uint32 size);
+    /// Ends the backup and closes the handle.
     void close_ntfs();
 
 private:

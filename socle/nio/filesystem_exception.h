@@ -4,7 +4,7 @@
 
 namespace nio {
 
-/// A failed system call. To be made directly after it, as it takes the thread's last error.
+/// A failed system call. Construct it directly after the call, as it reads the thread's last error.
 class SOCLE_API filesystem_exception : public exception {
 public:
     /// The message becomes `message (path) code text`, with the code in decimal and the system's text; it stays as it

@@ -10,7 +10,7 @@ namespace nio {
 /// The root of every byte source.
 ///
 /// Positions and sizes are 64-bit and count bytes from the start of the stream; a count that describes one buffer in
-/// memory is 32-bit. A source belongs to one thread at a time. Copying copies the position, not what lies beneath.
+/// memory is 32-bit. A source belongs to one thread at a time. Copying copies the position, not the bytes.
 class SOCLE_API input {
 public:
     input() = default;
@@ -18,27 +18,28 @@ public:
     input & operator=(input const &) = default;
     virtual ~input();
 
-    /// Hooks for the user of the stream to call before and after use. Nothing here.
+    /// A hook for the user of the stream to call before use. Does nothing by default.
     virtual void begin();
+    /// A hook for the user of the stream to call after use. Does nothing by default.
     virtual void end();
 
-    /// Reads up to `count` bytes into `buffer` and gives how many came.
+    /// Reads up to `count` bytes into `buffer` and returns how many came.
     /// - A result of 0 for a `count` above 0 is the end of the stream.
     /// - A result below `count` means the end was met, where the class does not say otherwise.
     /// - The result is never above `count`.
     virtual uint32 read(char * buffer, uint32 count) = 0;
 
-    /// The position of the next byte. Here the value last given to `position()`, 0 at first.
+    /// The position of the next byte; by default the value last given to `position()`, 0 at first.
     virtual uint64 tell() const;
 
-    /// Moves to `where`. False means that nothing has moved, as here.
+    /// Moves to `where`. False means that nothing has moved, which is the default.
     virtual bool seek(uint64 where);
 
-    /// The length of the whole stream, not of what remains, or all ones if there is none to give, as here.
+    /// The length of the whole stream, not of what remains. All ones, the default, means that it is not known.
     virtual uint64 size() const;
 
 protected:
-    /// The position that `tell()` gives here.
+    /// The position that `tell()` returns by default.
     uint64 position() const noexcept { return position_; }
     void position(uint64 where) noexcept { position_ = where; }
 

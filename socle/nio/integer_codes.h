@@ -22,7 +22,7 @@ SOCLE_API int hamming_weight(int64 value);
 SOCLE_API int64 read_wz(input & in);
 /// Writes one wz code. A negative value goes as its 64-bit pattern, in ten bytes.
 SOCLE_API void write_wz(int64 value, output & out);
-/// How many bytes `write_wz` would write.
+/// The number of bytes that `write_wz` would write.
 SOCLE_API uint32 size_wz(int64 value);
 
 /// Reads one p2 code; the next one starts at the bit after it. The end of the input ends the leading 1 bits, and bits

@@ -10,7 +10,7 @@ namespace nio {
 SOCLE_API bool exists(wide_string const & path);
 /// Whether a folder is there, or a link to one.
 SOCLE_API bool is_directory(wide_string const & path);
-/// Whether the extension is ".lnk" in any case; the file is not looked at.
+/// Whether the extension is ".lnk" in any case; does not access the file system.
 SOCLE_API bool is_link(wide_string const & path);
 
 /// The full path; empty if there is none.
@@ -27,14 +27,15 @@ SOCLE_API wide_string temp_directory();
 class SOCLE_API item {
 public:
     item() = default;
-    /// At `path`; nothing is looked at.
+    /// Refers to `path`; does not access the file system.
     explicit item(wide_string const & path) : path_(path) {}
 
-    /// As the functions of these names.
+    /// As `nio::exists`.
     bool exists() const { return nio::exists(path_); }
+    /// As `nio::is_directory`.
     bool is_directory() const { return nio::is_directory(path_); }
 
-    /// Where it is, as it was given.
+    /// The path as it was given.
     wide_string const & path() const { return path_; }
     wide_string & path() { return path_; }
 

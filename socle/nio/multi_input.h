@@ -4,7 +4,7 @@
 
 namespace nio {
 
-/// Reads a series of sources as one. A derived class gives the series, and owns its members. The position counts what
+/// Reads a series of sources as one. A derived class supplies the series and owns its members. The position counts what
 /// was read.
 class SOCLE_API multi_input : public input {
 public:
@@ -13,8 +13,8 @@ public:
     multi_input & operator=(multi_input const &) = default;
     ~multi_input() override;
 
-    /// Crosses as many sources as it takes: a short result means that the last one has ended. A source that gives less
-    /// than it is asked for has ended.
+    /// Reads from as many sources as it takes. A short result means that the last source has ended. A source that
+    /// returns less than it is asked for has ended.
     uint32 read(char * buffer, uint32 size) override;
 
 protected:

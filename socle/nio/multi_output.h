@@ -4,7 +4,7 @@
 
 namespace nio {
 
-/// Writes one stream across a series of targets of limited size. A derived class gives the series, and owns its
+/// Writes one stream across a series of targets of limited size. A derived class supplies the series and owns its
 /// members. A target may be filled exactly; the next one starts with the next byte. The position counts what was
 /// written.
 class SOCLE_API multi_output : public output {
@@ -20,14 +20,16 @@ public:
     /// room by then is written and counted, and every further byte throws again.
     void write(char const * data, uint32 size) override;
 
-    /// How many bytes the current target may take, and how many it has.
+    /// The number of bytes that the current target may take.
     uint64 limit() const noexcept { return limit_; }
+    /// The number of bytes that the current target has.
     uint64 written() const noexcept { return written_; }
 
 protected:
     /// The current target, null if there is no further one.
     output * target() const noexcept { return target_; }
     void target(output * next) noexcept { target_ = next; }
+    /// Sets how many bytes the current target may take.
     void limit(uint64 bytes) noexcept { limit_ = bytes; }
 
     /// Called when the current target is full, and for the first one, to set `target` to the next one, or to null, and

@@ -10,7 +10,7 @@ namespace nio {
 /// The root of every byte sink.
 ///
 /// Positions and sizes are 64-bit and count bytes from the start of the stream; a count that describes one buffer in
-/// memory is 32-bit. A sink belongs to one thread at a time. Copying copies the position, not what lies beneath.
+/// memory is 32-bit. A sink belongs to one thread at a time. Copying copies the position, not the bytes.
 class SOCLE_API output {
 public:
     output() = default;
@@ -18,29 +18,30 @@ public:
     output & operator=(output const &) = default;
     virtual ~output();
 
-    /// Hooks for the user of the stream to call before and after use. Nothing here.
+    /// A hook for the user of the stream to call before use. Does nothing by default.
     virtual void begin();
+    /// A hook for the user of the stream to call after use. Does nothing by default.
     virtual void end();
 
     /// Writes all `count` bytes of `data` or throws.
     virtual void write(char const * data, uint32 count) = 0;
-    /// Writes one byte, here through the block form.
+    /// Writes one byte, by default through the block form.
     virtual void write(unsigned char byte);
 
-    /// Pushes bytes that this object holds back one layer down. Nothing here.
+    /// Pushes bytes that this object holds back one layer down. Does nothing by default.
     virtual void flush();
 
-    /// The position of the next byte. Here the value last given to `position()`, 0 at first.
+    /// The position of the next byte; by default the value last given to `position()`, 0 at first.
     virtual uint64 tell() const;
 
-    /// Moves to `where`. False means that nothing has moved, as here.
+    /// Moves to `where`. False means that nothing has moved, which is the default.
     virtual bool seek(uint64 where);
 
-    /// The length of the stream, here its position.
+    /// The length of the stream, by default its position.
     virtual uint64 size() const;
 
 protected:
-    /// The position that `tell()` gives here.
+    /// The position that `tell()` returns by default.
     uint64 position() const noexcept { return position_; }
     void position(uint64 where) noexcept { position_ = where; }
 
@@ -57,13 +58,14 @@ private:
     uint64 position_ = 0;
 };
 
-/// A sink that drops what it is given and counts it.
+/// A sink that drops what is written to it and counts the bytes.
 class SOCLE_API infinite_output : public output {
 public:
     infinite_output() = default;
     ~infinite_output() override;
 
     using output::write;
+    /// Counts `size` bytes.
     void write(char const * data, uint32 size) override;
     /// Always true.
     bool seek(uint64 where) override;

@@ -39,8 +39,9 @@ public:
     /// Cuts `path` at every `sep`.
     path_fragments(wide_string const & path, char16_t sep);
 
-    /// The fragments, in order.
+    /// The first fragment.
     iterator begin();
+    /// The end, behind the last fragment.
     iterator end();
 
 private:
@@ -53,7 +54,7 @@ private:
     std::vector<std::size_t> positions_;
 };
 
-/// Gives each fragment by value. Belongs to the `path_fragments` that it came from.
+/// Goes through the fragments of a `path_fragments`, which must outlive it, and returns each by value.
 class path_fragments::iterator {
 public:
     using iterator_category = std::input_iterator_tag;
@@ -72,7 +73,7 @@ public:
         ++index_;
         return *this;
     }
-    /// The same, and gives the place before.
+    /// Goes to the next fragment and returns the one before.
     iterator operator++(int) {
         iterator before = *this;
         ++index_;

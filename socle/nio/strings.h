@@ -8,21 +8,22 @@
 /// `nio/encoding.h`. What the streams throw passes through.
 namespace nio {
 
-/// Reads `length` bytes, and passes over what is left of `field_size`; 0 stands for a field of just the length. With
+/// Reads `length` bytes, and skips what is left of `field_size`; 0 means a field of just the length. With
 /// `stop_at_nul` the text ends before its first zero byte. A stream that ends within the length throws a
 /// `basic::exception`, "input stream is too short to complete a string"; one that ends after it is no error.
 SOCLE_API narrow_string read_string(input & in, uint32 length, uint32 field_size, bool stop_at_nul);
+/// Reads as `read_string` and converts from `encoding`.
 SOCLE_API wide_string read(input & in, int encoding, uint32 length, uint32 field_size, bool stop_at_nul);
 /// Reads up to a zero byte, which is consumed, or the end. Single reads: it belongs on a buffered stream.
 SOCLE_API wide_string read_c(input & in, int encoding);
 
 /// Writes the text, cut to `limit` bytes unless that is 0, and zero bytes up to `field_size`.
 SOCLE_API void write_string(output & out, narrow_string const & bytes, uint32 field_size, uint32 limit);
-/// The cut is in bytes and may fall within a character.
+/// Converts the text to `encoding` and writes it in the same way. The cut is in bytes and may fall within a character.
 SOCLE_API void write(output & out, wide_string const & text, int encoding, uint32 field_size, uint32 limit);
 /// Writes the text and a zero byte.
 SOCLE_API void write_c(output & out, wide_string const & text, int encoding);
-/// The bytes that `write` takes with the same arguments, at most 2^32 - 1.
+/// The number of bytes that `write` writes with the same arguments, at most 2^32 - 1.
 SOCLE_API uint32 written_size(wide_string const & text, int encoding, uint32 field_size, uint32 limit);
 
 /// Reads a line of at most as many bytes as the buffer has; a longer one goes on in the next call. The buffer is

@@ -22,7 +22,7 @@ public:
     /// The time in a format, modulo its width; 0 for any other format. A time before the epoch of a format has no
     /// meaningful number in it. What was set in a Macintosh format comes back exactly in both of them.
     uint64 get(format_type format) const;
-    /// Sets the time; of a format of 32 bits only these are looked at. Any other format changes nothing.
+    /// Sets the time; of a format of 32 bits only the low 32 count. Any other format changes nothing.
     void set(uint64 value, format_type format);
 
     /// The DOS date in the high 16 bits: years since 1980, month, day, in 7, 4 and 5 bits; the DOS time in the low 16:
@@ -32,9 +32,10 @@ public:
     /// Sets the time from local time; a field out of its range carries into the others.
     void set_dos(uint16 date_word, uint16 time_word);
 
-    /// From GMT to local time, and back, by the rules that hold now, with an hour of daylight saving at the dates that
-    /// have it. Within 15 hours of a change the hour can be wrong. Called twice, they move twice.
+    /// Converts from GMT to local time by the rules that hold now, with an hour of daylight saving at the dates that
+    /// have it. Within 15 hours of a change the hour can be wrong. Called twice, it converts twice.
     void to_local();
+    /// Converts from local time to GMT in the same way.
     void to_gmt();
 
     /// Whether `to_local` was called later than `to_gmt`.

@@ -5,7 +5,7 @@
 
 namespace nio {
 
-/// The machine's high-resolution counter. Both may be called from any thread, and give 0 if the host has none.
+/// The machine's high-resolution counter. Both may be called from any thread, and return 0 if the host has none.
 class SOCLE_API timer {
 public:
     /// The current count; it never goes back.

@@ -14,10 +14,10 @@ SOCLE_API uint32 _utf8_size(uint16 unit);
 /// The length of the sequence that a byte leads, 1 to 6; 0 if it leads none.
 SOCLE_API uint32 _utf8_size(char lead);
 
-/// Replaces `out`.
+/// Encodes `text` into `out`, which it replaces.
 SOCLE_API void _utf8_encode(wide_string const & text, narrow_string & out);
-/// Replaces `out`. With `validate`, overlong forms, surrogates, 0xFFFE, 0xFFFF and forms of four bytes or more become
-/// U+FFFD; without it every whole sequence gives the low 16 bits of its value.
+/// Decodes `bytes` into `out`, which it replaces. With `validate`, overlong forms, surrogates, 0xFFFE, 0xFFFF and forms
+/// of four bytes or more become U+FFFD; without it every whole sequence gives the low 16 bits of its value.
 SOCLE_API void _utf8_decode(narrow_string const & bytes, wide_string & out, bool validate);
 
 } // namespace nio

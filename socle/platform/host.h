@@ -7,18 +7,18 @@
 namespace platform {
 
 /// Makes the host folder `folder` the volume of a further drive letter, with the name of a file system; on one called
-/// "NTFS", files have named streams. Call it before other threads start. 0 or a system code: 3 if there is no such
-/// folder, 50 if it cannot keep named streams, 87 for what is no letter, 183 for `C` and letters in use.
+/// "NTFS", files have named streams. Call it before other threads start. Returns 0 or a system code: 3 if there is no
+/// such folder, 50 if it cannot keep named streams, 87 for what is no letter, 183 for `C` and letters in use.
 SOCLE_API uint32 attach_volume(char letter, narrow_string const & folder, narrow_string const & file_system);
 
-/// Takes the letter away; the folder stays as it is. 0, or 3 if the letter was not attached.
+/// Detaches the letter; the folder stays as it is. Returns 0, or 3 if the letter was not attached.
 SOCLE_API uint32 detach_volume(char letter);
 
-/// The library's form of a host path, absolute or relative; `to_host` gives back every byte of it.
+/// The library's form of a host path, absolute or relative; `to_host` restores every byte of it.
 SOCLE_API wide_string from_host(narrow_string const & path);
 
-/// The host's path for one of the library's; relative ones stay relative. Empty, with a last error, for what the host
-/// can have no path for: an unknown drive, a share, a named stream, a NUL, a lone surrogate.
+/// The host's path for one of the library's; relative ones stay relative. Empty, with a last error, where the host has
+/// no such path: an unknown drive, a share, a named stream, a NUL, a lone surrogate.
 SOCLE_API narrow_string to_host(wide_string const & path);
 
 /// The system code of the last call that failed on this thread; 18 after a walk that ended at the end.

@@ -7,11 +7,11 @@
 /// The base of every exception that can be cloned to the heap and raised again later.
 namespace qpthr {
 
-/// A code and a short text on top of `std::exception`. `what()` is left as it is: words are in `text()` and in the
-/// accessors of the classes below.
+/// A code and a short text on top of `std::exception`. `what()` is that of `std::exception`; the words are in `text()`
+/// and in the accessors of derived classes.
 class SOCLE_API QpException : public std::exception {
 public:
-    /// Copies at most 79 characters of `text`; a null `text` gives the empty one.
+    /// Copies at most 79 characters of `text`; null counts as the empty text.
     QpException(int code, char const * text) noexcept;
     ~QpException() override;
 
@@ -20,7 +20,7 @@ public:
 
     /// A number for programs, 0 for none.
     int code() const noexcept { return code_; }
-    /// Always ends in a zero byte.
+    /// The text, which ends in a zero byte.
     char const * text() const noexcept { return text_; }
 
 private:
@@ -34,21 +34,23 @@ public:
     using QpException::QpException;
     ~QpClonedException() override;
 
-    /// Throws a copy of this object by value. Each class says as which class the copy arrives.
+    /// Throws a copy of this object, of the class whose `Raise` this is.
     [[noreturn]] virtual void Raise() const = 0;
-    /// A new object on the heap, which the caller deletes.
+    /// Returns a copy on the heap, which the caller deletes.
     virtual QpClonedException * Clone() const = 0;
 };
 
-/// The plain concrete one: raised again it arrives as a `QpUserException`.
+/// The simplest concrete exception of this line.
 class SOCLE_API QpUserException : public QpClonedException {
 public:
     using QpClonedException::QpClonedException;
     ~QpUserException() override;
 
-    /// "QpUserException", in the classes below as well.
+    /// "QpUserException", in derived classes as well.
     char const * Name() const noexcept override;
+    /// Throws a copy of this object, as a `QpUserException`.
     [[noreturn]] void Raise() const override;
+    /// Returns a copy on the heap, which the caller deletes.
     QpUserException * Clone() const override;
 };
 

@@ -19,14 +19,16 @@ public:
     uint64 size() const override;
 
 protected:
+    /// Reads from the block.
     uint32 _read(char * buffer, uint32 count) override;
     int _read() override;
-    /// Throws "cannot skip more than the maximum array size" if `count` needs more than 32 bits.
+    /// Skips. Throws "cannot skip more than the maximum array size" if `count` needs more than 32 bits.
     uint64 _skip(uint64 count) override;
+    /// The index of the next byte.
     uint64 _tell() const override;
 
-    /// Writes `count` bytes from here to `target` in one block, then flushes it; all ones stands for `size()`. Gives
-    /// the count; this stream does not move.
+    /// Writes the next `count` bytes to `target` in one block, then flushes it; all ones means `size()`. Returns the
+    /// count; this stream does not move.
     ///
     /// Throws "cannot copy more than the maximum array size" if the count needs more than 32 bits, and "cannot copy
     /// more data than the array contains".

@@ -20,19 +20,22 @@ public:
 
     using output::write;
 
+    /// Stores the byte.
     SOCLE_API void write(char byte) override {
         if (memory_.open())
             memory_.bytes[memory_.next++] = byte;
         else
             write_on(byte);
     }
-    /// A block that does not fit leaves the bytes that fitted in place, and then throws.
+    /// Stores the bytes. If they do not fit, it stores those that do, and then throws.
     void write(char const * data, uint32 count) override;
 
+    /// The index of the next byte.
     uint64 tell() const override;
 
-    /// Reads `source.size()` bytes, the length of the whole source, with one call, and steps by what came. Throws
-    /// "input stream is too large to copy into the array" if they do not fit, or if the source has no size to give.
+    /// Reads `source.size()` bytes, the length of the whole source, with one call, and advances by what came. Throws
+    /// "input stream is too large to copy into the array" if they do not fit, or if the size of the source is not
+    /// known.
     void copy_from(input & source) override;
 
     /// Throws "cannot resize its buffer", unless `new_size` is `size()`.

@@ -4,7 +4,7 @@
 
 namespace stream {
 
-/// Carries the bit writer through which `any::write` gives integers to a sink, which must outlive it. After the last
+/// Carries the bit writer through which `any::write` writes integers to a sink, which must outlive it. After the last
 /// one call `bits().finish()`: until then up to 31 bits are held back, and the destructor does not write them.
 class binary_output {
 public:

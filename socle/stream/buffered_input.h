@@ -6,40 +6,44 @@
 
 namespace stream {
 
-/// Reads ahead from the stream beneath, which is asked at most once per operation and can be given back what was read
-/// too far. The position is the reader's, not that of the stream beneath.
+/// Reads ahead from the underlying stream, with at most one call per operation. The position is the reader's, not that
+/// of the underlying stream.
 ///
-/// What is given back lands in the buffer. `close()` gives nothing back beneath; `yield()` and the destructor do. What
-/// the stream beneath throws passes through; what was read or skipped by then stays read, as `tell()` shows.
+/// Bytes given back are kept in the buffer. `yield()` and the destructor return unread bytes to the underlying stream;
+/// `close()` does not. What the underlying stream throws passes through; what was read or skipped by then stays read,
+/// as `tell()` shows.
 class SOCLE_API buffered_input : public filter_input {
 public:
-    /// Reads ahead in blocks of `size` bytes, 0 counting as 1. Reads nothing yet.
+    /// Reads ahead in blocks of `size` bytes; 0 counts as 1. Does not read yet.
     buffered_input(input & stream, uint32 size);
     buffered_input(buffered_input const &) = delete;
     buffered_input & operator=(buffered_input const &) = delete;
-    /// Gives the bytes read ahead back, as `yield()` does, but without a word if the stream beneath refuses them.
+    /// Returns unread bytes to the underlying stream, as `yield()` does, but fails silently if that refuses them.
     ~buffered_input() override;
 
-    /// Any bytes and any number of them; the buffer grows as far as they need.
+    /// Keeps the bytes in the buffer, which grows as far as they need. Takes any bytes and any number of them.
     void unread(char const * data, uint32 count) override;
     void unread(char byte) override;
 
-    /// Gives every byte read ahead back to the stream beneath, which then stands where this one does. If it refuses
-    /// them by throwing, they are still held here.
+    /// Returns every unread byte to the underlying stream, whose position then is that of this one. If that stream
+    /// throws, the bytes are still held.
     void yield();
 
 protected:
-    /// A block of at least half the buffer goes past it, straight into `buffer`.
+    /// Reads a block. One of at least half the buffer goes past it, straight into `buffer`.
     uint32 _read(char * buffer, uint32 count) override;
+    /// Reads a byte from the buffer, which it fills if it is empty.
     int _read() override;
+    /// Skips in the buffer, then in the underlying stream.
     uint64 _skip(uint64 count) override;
+    /// The position of the reader.
     uint64 _tell() const override;
 
     /// Moves the held bytes to the front of the buffer and reads once to fill it up.
     void refill();
 
-    /// Writes up to `count` bytes to `target` one by one, then flushes it, and gives how many; all ones stands for
-    /// `size() - tell()`.
+    /// Writes up to `count` bytes to `target` one by one, then flushes it, and returns the number written; all ones
+    /// means `size() - tell()`.
     uint64 _copy(output & target, uint64 count);
 
 private:

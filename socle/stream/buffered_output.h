@@ -6,13 +6,14 @@
 
 namespace stream {
 
-/// Collects small writes for the stream beneath. The position is the writer's, not that of the stream beneath.
+/// Collects small writes for the underlying stream. The position is the writer's, not that of the underlying stream.
 ///
-/// What the stream beneath throws passes through; bytes that it did not take are still held. The destructor writes what
-/// is held and swallows every failure, so that a caller who cares calls `flush()` first; it flushes no further down.
+/// What the underlying stream throws passes through; bytes that it did not take are still held. The destructor writes
+/// what is held and swallows every failure, so a caller who needs to know of them calls `flush()` first; it does not
+/// flush the underlying stream.
 class SOCLE_API buffered_output : public filter_output {
 public:
-    /// Holds up to `size` bytes, 0 counting as 1.
+    /// Holds up to `size` bytes; 0 counts as 1.
     buffered_output(output & stream, uint32 size);
     buffered_output(buffered_output const &) = delete;
     buffered_output & operator=(buffered_output const &) = delete;
@@ -23,7 +24,7 @@ public:
 
     using output::write;
 
-    /// A block of at least the size of the buffer goes past it, in one write. A smaller one is held.
+    /// Holds the bytes. A block of at least the size of the buffer goes past it, in one write.
     void write(char const * data, uint32 count) override;
     void write(narrow_string const & text) override;
     SOCLE_API void write(char byte) override {
@@ -33,15 +34,16 @@ public:
             write_on(byte);
     }
 
-    /// Writes what is held to the stream beneath, without flushing that.
+    /// Writes what is held to the underlying stream; does not flush that stream.
     void flush() override;
 
+    /// The position of the writer.
     uint64 tell() const override;
 
-    /// Writes what is held, then copies to the stream beneath.
+    /// Writes what is held, then copies to the underlying stream.
     void copy_from(input & source) override;
 
-    /// Drops what is held past `new_size`, writes the rest, and resizes the stream beneath.
+    /// Drops what is held past `new_size`, writes the rest, and resizes the underlying stream.
     void resize(uint64 new_size) override;
 
 protected:

@@ -13,21 +13,24 @@ public:
     counted_input & operator=(counted_input const &) = default;
     ~counted_input() override;
 
-    /// `start`, and the bytes read since.
+    /// `start` plus the number of bytes read since.
     uint64 count() const noexcept { return count_; }
 
     /// The count so far, not the size of the source.
     uint64 size() const override;
 
-    /// Gives back to the stream beneath, then lowers the count.
+    /// Gives bytes back to the underlying stream, then lowers the count.
     void unread(char const * data, uint32 count) override;
     void unread(char byte) override;
 
 protected:
+    /// @{
+    /// Forwards to the underlying stream, and counts.
     uint32 _read(char * buffer, uint32 count) override;
     int _read() override;
     uint64 _skip(uint64 count) override;
     uint64 _tell() const override;
+    /// @}
 
 private:
     bool _ours() const override;

@@ -6,7 +6,7 @@ namespace stream {
 
 /// Counts the bytes that pass through `write`, from a value of the caller's. The count is the position.
 ///
-/// Text, and what `copy_from` brings, goes to the stream beneath without being counted. A write that throws is not
+/// Text, and what `copy_from` brings, goes to the underlying stream without being counted. A write that throws is not
 /// counted.
 class SOCLE_API counted_output : public filter_output {
 public:
@@ -16,16 +16,18 @@ public:
     counted_output & operator=(counted_output const &) = default;
     ~counted_output() override;
 
-    /// `start`, and the bytes written since.
+    /// `start` plus the number of bytes written since.
     uint64 count() const noexcept { return count_; }
 
     using filter_output::write;
 
+    /// Writes to the underlying stream, then counts.
     void write(char const * data, uint32 count) override;
     void write(char byte) override;
+    /// The count.
     uint64 tell() const override;
 
-    /// Writes `count` times `byte`, which are counted.
+    /// Writes `byte` `count` times; they are counted.
     void fill(uint64 count, char byte);
 
 private:

@@ -4,22 +4,23 @@
 
 namespace stream {
 
-/// A filter that holds no bytes of its own: what is given back goes to the stream beneath, so that a stack of direct
+/// A filter that holds no bytes of its own: what is given back goes to the underlying stream, so that a stack of direct
 /// layers has one store, at its bottom, and all positions agree.
 class SOCLE_API direct_input : public filter_input {
 public:
     direct_input() = default;
-    /// Stands on `stream`, which has to outlive it.
+    /// Wraps `stream`, which has to outlive it.
     explicit direct_input(input & stream);
     direct_input(direct_input const &) = default;
     direct_input & operator=(direct_input const &) = default;
     ~direct_input() override;
 
+    /// Gives the bytes back to the underlying stream.
     void unread(char const * data, uint32 count) override;
     void unread(char byte) override;
 
 protected:
-    // What the stream beneath lends.
+    // What the underlying stream lends.
     std::span<char const> _lend() override;
     void _take(uint64 count) override;
 

@@ -9,23 +9,26 @@ namespace stream {
 
 /// Reads whole integers in a stated byte order.
 ///
-/// The end of the stream raises nothing here. `read8` then gives 0xFF. Where the order is the host's, each missing byte
-/// of a value is 0xFF; otherwise each missing byte sets every bit from its place upward, in the 32-bit word it belongs
-/// to. A reader that must not run past the end stands on a `stream::safe_input`.
+/// The end of the stream throws nothing. `read8` then returns 0xFF. Where the order is the host's, each missing byte of
+/// a value is 0xFF; otherwise each missing byte sets every bit from its place upward, in the 32-bit word it belongs to.
+/// A reader that must not run past the end wraps a `stream::safe_input`.
 class SOCLE_API endian_input : public direct_input {
 public:
-    /// Stands on `stream`, which has to outlive it.
+    /// Wraps `stream`, which has to outlive it.
     explicit endian_input(input & stream);
     endian_input(endian_input const &) = default;
     endian_input & operator=(endian_input const &) = default;
     ~endian_input() override;
 
-    /// The next integer of that many bits.
+    /// Reads an integer of one byte.
     virtual unsigned char read8();
+    /// Reads an integer of two bytes.
     virtual uint16 read16() = 0;
-    /// Three bytes, in bits 23 to 0.
+    /// Reads an integer of three bytes, in bits 23 to 0.
     virtual uint32 read24() = 0;
+    /// Reads an integer of four bytes.
     virtual uint32 read32() = 0;
+    /// Reads an integer of eight bytes.
     virtual uint64 read64() = 0;
 
 protected:
@@ -50,16 +53,19 @@ private:
 /// The high byte comes first.
 class SOCLE_API big_endian_input : public endian_input {
 public:
-    /// Stands on `stream`, which has to outlive it.
+    /// Wraps `stream`, which has to outlive it.
     explicit big_endian_input(input & stream);
     big_endian_input(big_endian_input const &) = default;
     big_endian_input & operator=(big_endian_input const &) = default;
     ~big_endian_input() override;
 
+    /// @{
+    /// Reads an integer, the high byte first.
     SOCLE_API uint16 read16() override { return next<big_endian_input, uint16>(true); }
     uint32 read24() override;
     SOCLE_API uint32 read32() override { return next<big_endian_input, uint32>(true); }
     SOCLE_API uint64 read64() override { return next<big_endian_input, uint64>(true); }
+    /// @}
 
 private:
     bool _ours() const override;
@@ -68,16 +74,19 @@ private:
 /// The low byte comes first.
 class SOCLE_API little_endian_input : public endian_input {
 public:
-    /// Stands on `stream`, which has to outlive it.
+    /// Wraps `stream`, which has to outlive it.
     explicit little_endian_input(input & stream);
     little_endian_input(little_endian_input const &) = default;
     little_endian_input & operator=(little_endian_input const &) = default;
     ~little_endian_input() override;
 
+    /// @{
+    /// Reads an integer, the low byte first.
     SOCLE_API uint16 read16() override { return next<little_endian_input, uint16>(false); }
     uint32 read24() override;
     SOCLE_API uint32 read32() override { return next<little_endian_input, uint32>(false); }
     SOCLE_API uint64 read64() override { return next<little_endian_input, uint64>(false); }
+    /// @}
 
 private:
     bool _ours() const override;

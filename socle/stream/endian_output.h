@@ -5,21 +5,24 @@
 
 namespace stream {
 
-/// Writes whole integers in a stated byte order, straight to the stream beneath.
+/// Writes whole integers in a stated byte order, straight to the underlying stream.
 class SOCLE_API endian_output : public filter_output {
 public:
-    /// Stands on `stream`, which has to outlive it.
+    /// Wraps `stream`, which has to outlive it.
     explicit endian_output(output & stream);
     endian_output(endian_output const &) = default;
     endian_output & operator=(endian_output const &) = default;
     ~endian_output() override;
 
-    /// Writes an integer of that many bits.
+    /// Writes an integer of one byte.
     virtual void write8(unsigned char value);
+    /// Writes an integer of two bytes.
     virtual void write16(uint16 value) = 0;
-    /// Three bytes, bits 23 to 0; the others are ignored.
+    /// Writes three bytes, bits 23 to 0; the others are ignored.
     virtual void write24(uint32 value) = 0;
+    /// Writes an integer of four bytes.
     virtual void write32(uint32 value) = 0;
+    /// Writes an integer of eight bytes.
     virtual void write64(uint64 value) = 0;
 
 protected:
@@ -43,16 +46,19 @@ private:
 /// The high byte goes first.
 class SOCLE_API big_endian_output : public endian_output {
 public:
-    /// Stands on `stream`, which has to outlive it.
+    /// Wraps `stream`, which has to outlive it.
     explicit big_endian_output(output & stream);
     big_endian_output(big_endian_output const &) = default;
     big_endian_output & operator=(big_endian_output const &) = default;
     ~big_endian_output() override;
 
+    /// @{
+    /// Writes an integer, the high byte first.
     SOCLE_API void write16(uint16 value) override { put(value, true); }
     void write24(uint32 value) override;
     SOCLE_API void write32(uint32 value) override { put(value, true); }
     SOCLE_API void write64(uint64 value) override { put(value, true); }
+    /// @}
 
 private:
     bool _ours() const override;
@@ -61,16 +67,19 @@ private:
 /// The low byte goes first.
 class SOCLE_API little_endian_output : public endian_output {
 public:
-    /// Stands on `stream`, which has to outlive it.
+    /// Wraps `stream`, which has to outlive it.
     explicit little_endian_output(output & stream);
     little_endian_output(little_endian_output const &) = default;
     little_endian_output & operator=(little_endian_output const &) = default;
     ~little_endian_output() override;
 
+    /// @{
+    /// Writes an integer, the low byte first.
     SOCLE_API void write16(uint16 value) override { put(value, false); }
     void write24(uint32 value) override;
     SOCLE_API void write32(uint32 value) override { put(value, false); }
     SOCLE_API void write64(uint64 value) override { put(value, false); }
+    /// @}
 
 private:
     bool _ours() const override;

@@ -4,8 +4,8 @@
 
 namespace stream {
 
-/// An endless run of zero bytes, which counts what was taken of it. It has no size, and cannot be copied to its end:
-/// that throws "do you really want to copy all the data I've got?".
+/// An endless run of zero bytes, which counts what was read. It has no size, and cannot be copied to its end: that
+/// throws "do you really want to copy all the data I've got?".
 class SOCLE_API infinite_input : public input {
 public:
     infinite_input() = default;
@@ -13,19 +13,23 @@ public:
     infinite_input & operator=(infinite_input const &) = default;
     ~infinite_input() override;
 
-    /// The bytes read so far.
+    /// The number of bytes read so far.
     uint64 count() const noexcept { return count_; }
 
     /// Always throws.
     uint64 copy_to(output & target) override;
 
 protected:
+    /// @{
+    /// Delivers zero bytes, and counts them.
     uint32 _read(char * buffer, uint32 count) override;
     int _read() override;
     uint64 _skip(uint64 count) override;
+    /// @}
+    /// The count.
     uint64 _tell() const override;
 
-    /// Writes `count` zero bytes to `target` one by one, then flushes it. Throws for all ones.
+    /// Writes `count` zero bytes to `target` one by one, then flushes it. Throws if `count` is all ones.
     uint64 _copy(output & target, uint64 count);
 
 private:

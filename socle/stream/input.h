@@ -12,7 +12,7 @@ class output;
 ///
 /// A concrete source supplies the protected `_read()` and `_tell()`, and may override the other protected hooks; the
 /// public operations look after the bytes that were given back. The end of the stream is never an exception, and what
-/// a hook throws passes through. Copying copies the bytes given back; what lies beneath is shared.
+/// a hook throws passes through. Copying copies the bytes given back; an underlying stream is shared.
 class SOCLE_API input : public nio::input {
 public:
     input() = default;
@@ -20,7 +20,7 @@ public:
     input & operator=(input const &) = default;
     ~input() override;
 
-    /// Reads up to `count` bytes into `buffer` and gives how many; below `count` the end was met.
+    /// Reads up to `count` bytes into `buffer` and returns the number read; below `count` the end was met.
     uint32 read(char * buffer, uint32 count) override;
 
     /// The position of the next byte that a reader gets: bytes given back count as not yet read.
@@ -43,33 +43,35 @@ public:
     virtual void unread(char const * data, uint32 count);
     virtual void unread(char byte);
 
-    /// Passes over up to `count` bytes and gives how many; below `count` only at the end.
+    /// Skips up to `count` bytes and returns the number skipped, which is below `count` only at the end.
     virtual uint64 skip(uint64 count);
 
-    /// Writes everything from here to the end to `target` and gives how many bytes went.
+    /// Writes everything from the position to the end to `target` and returns the number of bytes written.
     virtual uint64 copy_to(output & target);
 
-    /// Nothing here.
+    /// Ends the use of the stream. Does nothing by default.
     virtual void close();
 
-    /// Notes `tell()`.
+    /// Records `tell()` for `drift()`.
     void mark();
-    /// The bytes passed since `mark()`, modulo 2^64. It has a meaning only after a `mark()`.
+    /// The number of bytes passed since `mark()`, modulo 2^64. It has a meaning only after a `mark()`.
     uint64 drift() const;
 
 protected:
     /// The block through which `_skip` and `_copy_to` move bytes: 65536.
     static uint32 const buf_size = 65536;
 
-    /// As the public forms, with no regard to bytes given back. The block form calls the public `read()`.
+    /// Reads a block without regard to bytes given back. By default it calls the public `read()` for each byte.
     virtual uint32 _read(char * buffer, uint32 count);
+    /// Reads a byte without regard to bytes given back; -1 at the end.
     virtual int _read() = 0;
 
-    /// Here both read blocks of `buf_size` through the public `read`, until it gives 0.
+    /// Skips. By default it reads blocks of `buf_size` through the public `read` until that returns 0.
     virtual uint64 _skip(uint64 count);
+    /// Copies. By default it reads blocks of `buf_size` through the public `read` until that returns 0.
     virtual uint64 _copy_to(output & target);
 
-    /// The position of the source behind the bytes given back.
+    /// The position without regard to bytes given back.
     virtual uint64 _tell() const = 0;
 
     /// Forgets the bytes given back.

@@ -4,7 +4,7 @@
 
 namespace stream {
 
-/// Ends a source after `limit` bytes. The position is that of the stream beneath.
+/// Ends a source after `limit` bytes. The position is that of the underlying stream.
 class SOCLE_API limited_input : public direct_input {
 public:
     /// At most `limit` bytes of `stream`, which has to outlive it.
@@ -13,27 +13,30 @@ public:
     limited_input & operator=(limited_input const &) = default;
     ~limited_input() override;
 
-    /// How many bytes may be read in all.
+    /// The number of bytes that may be read in all.
     uint64 limit() const noexcept { return limit_; }
     /// Bytes requested by reads plus bytes skipped, minus bytes given back, modulo 2^64. It exceeds what was delivered
     /// where the underlying stream ended early or threw.
     uint64 consumed() const noexcept { return limit_ - left_; }
 
-    /// Moves the stream beneath to `where`, which also becomes what is consumed, whatever that stream answers; its
-    /// answer is the result. Throws "cannot seek past the end of the stream" if `where` is above the limit.
+    /// Moves the underlying stream to `where` and returns its answer. `where` also becomes the number of consumed
+    /// bytes, whatever that answer is. Throws "cannot seek past the end of the stream" if `where` is above the limit.
     bool seek(uint64 where) override;
 
-    /// The limit, whether or not the stream beneath has so much.
+    /// The limit, even if the underlying stream is shorter.
     uint64 size() const override;
 
-    /// Gives back to the stream beneath, so that as many bytes more may be read.
+    /// Gives bytes back to the underlying stream, so that as many bytes more may be read.
     void unread(char const * data, uint32 count) override;
     void unread(char byte) override;
 
 protected:
+    /// @{
+    /// Forwards to the underlying stream as far as the limit allows.
     uint32 _read(char * buffer, uint32 count) override;
     int _read() override;
     uint64 _skip(uint64 count) override;
+    /// @}
 
 private:
     bool _ours() const override;

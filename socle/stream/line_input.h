@@ -4,26 +4,26 @@
 
 namespace stream {
 
-/// Cuts a byte stream into lines. It belongs on a buffered stream.
+/// Cuts a byte stream into lines. It should wrap a buffered stream.
 ///
 /// A carriage return or a line feed ends a line, and is read with it; what follows stays in the stream. Those that come
-/// before the first other byte are passed over, so that CR LF ends one line and empty lines vanish. At the end of the
+/// before the first other byte are skipped, so that CR LF ends one line and empty lines vanish. At the end of the
 /// stream a line that has begun is a line. All other bytes are kept as they are, zero bytes too.
 class SOCLE_API line_input : public direct_input {
 public:
-    /// Stands on `stream`, which has to outlive it.
+    /// Wraps `stream`, which has to outlive it.
     explicit line_input(input & stream);
     line_input(line_input const &) = default;
     line_input & operator=(line_input const &) = default;
     ~line_input() override;
 
     /// Reads a line of at most `size` - 1 bytes into `buffer` and ends it with a zero byte; the rest of a longer one
-    /// comes as a line of its own. Gives the length, or 0xFFFFFFFF at the end of the stream. Null or a size of 0 gives
-    /// 0 and reads nothing; a size of 1 gives 0 and an empty text.
+    /// comes as a line of its own. Returns the length, or 0xFFFFFFFF at the end of the stream. With null or a size of 0
+    /// it returns 0 and reads nothing; with a size of 1 it returns 0 and an empty text.
     uint32 read_line(char * buffer, uint32 size);
-    /// The line, or an empty text at the end of the stream.
+    /// Returns a line, or an empty text at the end of the stream.
     narrow_string read_line();
-    /// Puts the line into `line`, whose storage is released first. Gives the length, or 0xFFFFFFFF at the end of the
+    /// Reads a line into `line`, whose storage is released first. Returns the length, or 0xFFFFFFFF at the end of the
     /// stream. A line of 2^32 - 1 bytes or more comes in parts.
     uint32 read_line(byte_vector & line);
 

@@ -4,9 +4,9 @@
 
 namespace stream {
 
-/// Writes one stream across a series of targets of limited size. A subclass gives the series in `next()`, which is
-/// called for the first target too, and owns the targets. A target is filled to exactly its limit before more bytes
-/// make the next one start. One with a limit of 0 is passed over, so that a series has to come to room, or to an end.
+/// Writes one stream across a series of targets of limited size. A derived class supplies the series in `next()`, which
+/// is called for the first target too, and owns the targets. A target is filled to exactly its limit before more bytes
+/// make the next one start. One with a limit of 0 is skipped, so a series has to reach a target with room, or end.
 ///
 /// With bytes left and no target, `write` throws "I have run out of files to write"; by then what fitted has been
 /// written and counted, and the stream is finished. Text, `copy_from`, `resize`, `flush_through` and `close` act on the
@@ -18,22 +18,24 @@ public:
     multi_output & operator=(multi_output const &) = default;
     ~multi_output() override;
 
-    /// How many bytes the current target may take, and how many it has.
+    /// The number of bytes that the current target may take.
     uint64 limit() const noexcept { return limit_; }
+    /// The number of bytes that the current target has.
     uint64 written() const noexcept { return written_; }
 
     using filter_output::write;
 
+    /// Writes to the current target, and goes on to the next where that is full.
     void write(char const * data, uint32 count) override;
     void write(char byte) override;
 
-    /// The bytes written to all targets.
+    /// The number of bytes written to all targets.
     uint64 tell() const override;
     /// All ones.
     uint64 size() const override;
 
     /// Called when the current target is full, to install the following one with `under(stream)` and to set its
-    /// `limit`. Here it leaves none, and so ends the series.
+    /// `limit`. By default it installs none, which ends the series.
     virtual void next();
 
 protected:

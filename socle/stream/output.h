@@ -11,7 +11,7 @@ class input;
 /// A byte sink with single bytes, text, copying, resizing and marks.
 ///
 /// A concrete sink supplies `write(char)` and `tell()`. The destructor writes nothing: a class that holds bytes back
-/// sees to them itself. What a write throws passes through every operation, and what was written stays written.
+/// writes them itself. What a write throws passes through every operation, and what was written stays written.
 class SOCLE_API output : public nio::output {
 public:
     output() = default;
@@ -21,7 +21,7 @@ public:
 
     using nio::output::write;
 
-    /// Writes `count` bytes, here each through `write(char)`. Null `data` writes nothing.
+    /// Writes `count` bytes, by default each through `write(char)`. Null `data` writes nothing.
     void write(char const * data, uint32 count) override;
 
     /// The position of the next byte.
@@ -30,33 +30,34 @@ public:
     /// Throws "cannot seek in a sequential stream". A class that can seek overrides this; false means no move.
     bool seek(uint64 where) override;
 
-    /// The length of the stream, here `tell()`.
+    /// The length of the stream, by default `tell()`.
     uint64 size() const override;
 
-    /// Writes the bytes of `text`, here through the block form.
+    /// Writes the bytes of `text`, by default through the block form.
     virtual void write(narrow_string const & text);
     /// Writes one byte.
     virtual void write(char byte) = 0;
 
-    /// Writes everything from the position of `source` to its end, here byte by byte.
+    /// Writes everything from the position of `source` to its end, by default byte by byte.
     virtual void copy_from(input & source);
 
-    /// Makes the stream `new_size` bytes long. Here zero bytes are appended to a shorter stream, and a longer one
-    /// throws "resize() does not truncate the stream".
+    /// Makes the stream `new_size` bytes long. By default it appends zero bytes to a shorter stream, and for a longer
+    /// one throws "resize() does not truncate the stream".
     virtual void resize(uint64 new_size);
 
-    /// Pushes held bytes all the way down, where `flush()` pushes those of this layer one layer down. Here `flush()`.
+    /// Pushes held bytes through all layers, where `flush()` pushes those of this layer one layer down. By default it
+    /// calls `flush()`.
     virtual void flush_through();
 
-    /// Ends the use of the stream, here with `flush()`.
+    /// Ends the use of the stream, by default with `flush()`.
     virtual void close();
 
-    /// Writes `count` times `byte`.
+    /// Writes `byte` `count` times.
     void fill(uint64 count, char byte);
 
-    /// Notes `tell()`.
+    /// Records `tell()` for `drift()`.
     void mark();
-    /// The bytes passed since `mark()`, modulo 2^64. It has a meaning only after a `mark()`.
+    /// The number of bytes passed since `mark()`, modulo 2^64. It has a meaning only after a `mark()`.
     uint64 drift() const;
 
 protected:

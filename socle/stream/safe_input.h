@@ -8,16 +8,19 @@ namespace stream {
 /// "unexpected end of file". What came by then is in the caller's buffer and consumed.
 class SOCLE_API safe_input : public direct_input {
 public:
-    /// Stands on `stream`, which has to outlive it.
+    /// Wraps `stream`, which has to outlive it.
     explicit safe_input(input & stream);
     safe_input(safe_input const &) = default;
     safe_input & operator=(safe_input const &) = default;
     ~safe_input() override;
 
 protected:
+    /// @{
+    /// Forwards to the underlying stream, and throws "unexpected end of file" if less came than asked for.
     uint32 _read(char * buffer, uint32 count) override;
     int _read() override;
     uint64 _skip(uint64 count) override;
+    /// @}
 };
 
 } // namespace stream

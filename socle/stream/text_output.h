@@ -5,7 +5,7 @@
 namespace stream {
 
 /// Turns line ends into those of a target system. CR, LF and CR LF each count as one line end, however they are spread
-/// over writes. Bytes are all it knows, no encodings.
+/// over writes. It handles bytes and knows no encodings.
 class SOCLE_API text_output : public filter_output {
 public:
     /// `mode`: 0 passes everything as it is, 1 writes LF, 2 CR, 3 CR LF for a line end. Any other makes them vanish.
@@ -19,15 +19,16 @@ public:
 
     using filter_output::write;
 
-    /// In mode 0 one block beneath; otherwise each byte through `write(char)`.
+    /// In mode 0 writes one block to the underlying stream, otherwise each byte through `write(char)`.
     void write(char const * data, uint32 count) override;
-    /// One block beneath in every mode: a text is taken to be ready for the target.
+    /// Writes one block to the underlying stream in every mode: a text is taken to be ready for the target.
     void write(narrow_string const & text) override;
+    /// Writes the byte, or the line end that it completes.
     void write(char byte) override;
 
     /// Writes a line end, in mode 0 nothing.
     void eol();
-    /// Takes a line feed that comes next for the second half of a pair, and drops it.
+    /// Makes a line feed that comes next count as the second half of a pair, which is dropped.
     void reset();
 
 private:

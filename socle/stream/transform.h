@@ -5,7 +5,8 @@
 
 namespace stream {
 
-/// Takes bytes from a source and gives bytes to a sink, both handed in at each call. This one refuses to work.
+/// Reads bytes from a source and writes bytes to a sink, which are arguments of each call. A derived class overrides
+/// both forms of `process`.
 class SOCLE_API transform {
 public:
     transform() = default;
@@ -13,15 +14,16 @@ public:
     transform & operator=(transform const &) = default;
     virtual ~transform();
 
-    /// Hooks for the user of the transform to call before and after use. Nothing here.
+    /// A hook for the user of the transform to call before use. Does nothing by default.
     virtual void begin();
+    /// A hook for the user of the transform to call after use. Does nothing by default.
     virtual void end();
 
-    /// Processes up to `count` bytes, all ones standing for everything, and gives how many arrived at `target`. Here it
-    /// throws "partial stream processing is not implemented".
+    /// Processes up to `count` bytes, or everything if `count` is all ones, and returns the number that arrived at
+    /// `target`. By default it throws "partial stream processing is not implemented".
     virtual uint64 process(input & source, output & target, uint64 count);
-    /// Processes everything to the end and gives how many bytes arrived at `target`. Here it throws "full stream
-    /// processing is not implemented".
+    /// Processes everything to the end and returns the number of bytes that arrived at `target`. By default it throws
+    /// "full stream processing is not implemented".
     virtual uint64 process(input & source, output & target);
 };
 

@@ -4,8 +4,8 @@
 
 namespace stream {
 
-/// Reads a vector of bytes, which the caller owns and which must outlive the stream. The vector may change under it:
-/// each operation looks anew. It cannot seek.
+/// Reads a vector of bytes, which the caller owns and which must outlive the stream. The vector may change
+/// between operations. The stream cannot seek.
 class SOCLE_API vector_input : public virtual input {
 public:
     /// Starts at index `start`, which may lie past the end.
@@ -18,12 +18,15 @@ public:
     uint64 size() const override;
 
 protected:
+    /// Reads from the vector.
     uint32 _read(char * buffer, uint32 count) override;
     int _read() override;
-    /// Throws "cannot skip more than the maximum vector size" if `count` needs more than 32 bits.
+    /// Skips. Throws "cannot skip more than the maximum vector size" if `count` needs more than 32 bits.
     uint64 _skip(uint64 count) override;
-    /// Writes everything from here to the end in one block. This stream does not move: the bytes stay to be read.
+    /// Writes everything from the position to the end in one block. This stream does not move: the bytes stay to be
+    /// read.
     uint64 _copy_to(output & target) override;
+    /// The index of the next byte.
     uint64 _tell() const override;
 
 private:

@@ -5,7 +5,7 @@
 namespace stream {
 
 /// Writes into a vector of bytes and grows it. The caller owns the vector, which must outlive the stream and may change
-/// under it: each operation looks anew. It cannot seek, and its `size()` is its position.
+/// between operations. The stream cannot seek, and its `size()` is its position.
 ///
 /// What the vector throws when it cannot grow passes through.
 class SOCLE_API vector_output : public virtual output {
@@ -18,21 +18,22 @@ public:
 
     using output::write;
 
-    /// Overwrites the byte here, or appends to the vector if this is past its end; steps either way.
+    /// Overwrites the byte at the position, or appends to the vector if that is past its end.
     void write(char byte) override;
     /// Overwrites, after growing the vector with zero bytes as far as the block needs. `data` may lie in the vector.
     void write(char const * data, uint32 count) override;
 
+    /// The index of the next byte.
     uint64 tell() const override;
 
-    /// Grows the vector by `source.size()` zero bytes from its end, the length of the whole source, or from here if
-    /// that is farther; then reads as many bytes to here with one call, and steps by what came. Throws "input stream is
-    /// too large to copy into the vector" if the vector would pass 2^32 - 1 bytes, or if the source has no size to
-    /// give.
+    /// Grows the vector by `source.size()` zero bytes, the length of the whole source, from its end, or from the
+    /// position if that is farther. Then reads as many bytes to the position with one call, and advances by what came.
+    /// Throws "input stream is too large to copy into the vector" if the vector would pass 2^32 - 1 bytes, or if the
+    /// size of the source is not known.
     void copy_from(input & source) override;
 
-    /// Gives the vector `new_size` bytes, new ones zero, if that is above `size()`; the position stays. Below `size()`
-    /// it throws "I do not truncate the stream".
+    /// Makes the vector `new_size` bytes long, with zero bytes, if that is above `size()`; the position stays. Below
+    /// `size()` it throws "I do not truncate the stream".
     void resize(uint64 new_size) override;
 
 private:

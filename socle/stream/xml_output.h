@@ -19,37 +19,44 @@ public:
     /// Writes the end tag of the root and an empty line. It does not flush, and nothing calls it by itself.
     void end() override;
 
-    /// The number of blanks before a line: 4 more, 4 less but not below 0.
+    /// The number of blanks before a line.
     int indentation() const noexcept { return indentation_; }
+    /// Indents by 4 blanks more.
     void indent();
+    /// Indents by 4 blanks less, but not below 0.
     void unindent();
-    /// Writes these blanks.
+    /// Writes the blanks of the indentation.
     void whitespace();
 
     /// Writes `text` alone.
     void tag(narrow_string const & text);
-    /// A line with the start tag, `<name>`.
+    /// Writes a line with the start tag, `<name>`.
     void begin_tag(narrow_string const & name);
-    /// The start of a line, `<name`, open for attributes.
+    /// Writes the start of a line, `<name`, open for attributes.
     void open_begin_tag(narrow_string const & name);
-    /// The end of that line, `>`.
+    /// Writes the end of that line, `>`.
     void close_begin_tag();
-    /// A line with the end tag, `</name>`.
+    /// Writes a line with the end tag, `</name>`.
     void end_tag(narrow_string const & name);
-    /// A line with an element without content, `<name/>`.
+    /// Writes a line with an element without content, `<name/>`.
     void full_tag(narrow_string const & name);
+    /// Writes a line with an element without content, `<name/>`.
     void empty_element(narrow_string const & name);
 
-    /// A line with an element and its value. Integers are decimal, a negative one as its 64-bit pattern without a sign;
-    /// truth values are "true" and "false".
+    /// @{
+    /// Writes a line with an element and its value. Integers are decimal, a negative one as its 64-bit pattern without
+    /// a sign; truth values are "true" and "false".
     void string_element(narrow_string const & name, narrow_string const & value);
     void integer_element(narrow_string const & name, int64 const & value);
     void bool_element(narrow_string const & name, bool value);
+    /// @}
 
-    /// An attribute, ` name="value"`, after `open_begin_tag`.
+    /// @{
+    /// Writes an attribute, ` name="value"`, after `open_begin_tag`. The values are written as in an element.
     void string_attribute(narrow_string const & name, narrow_string const & value);
     void integer_attribute(narrow_string const & name, int64 const & value);
     void bool_attribute(narrow_string const & name, bool value);
+    /// @}
 
 private:
     bool _ours() const override;

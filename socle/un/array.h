@@ -11,8 +11,9 @@ public:
     /// A view of `count` elements, which it does not own.
     array(T * data, uint32 count) noexcept : data_(data), size_(count) {}
 
-    /// What the constructor was given.
+    /// The first element.
     T * data() const noexcept { return data_; }
+    /// The number of elements.
     uint32 size() const noexcept { return size_; }
 
 private:

@@ -14,10 +14,11 @@ public:
     /// Units that differ in case alone are equivalent, not equal.
     using comparison_category = std::weak_ordering;
 
-    /// Whether both are the same, or `a` comes first, in lower case.
+    /// Whether both are the same in lower case.
     static bool eq(char16_t a, char16_t b) noexcept;
+    /// Whether `a` comes first in lower case.
     static bool lt(char16_t a, char16_t b) noexcept;
-    /// -1, 0 or 1.
+    /// Compares `n` units in lower case: -1, 0 or 1.
     static int compare(char16_t const * a, char16_t const * b, std::size_t n) noexcept;
 };
 

@@ -5,8 +5,8 @@
 
 namespace un {
 
-/// A cursor that walks through its own copy of a text. Nothing here fails on bad text: each operation stops at the
-/// first character that it cannot take.
+/// A cursor in its own copy of a text. No operation fails on bad text: each stops at the first character that it cannot
+/// use.
 class SOCLE_API parser {
 public:
     /// The position of a scan that has ended.
@@ -18,15 +18,15 @@ public:
     /// Whether the scan has ended.
     bool eos() const noexcept { return position_ == npos; }
 
-    /// The index of the next character to look at, or `npos`.
+    /// The index of the next character, or `npos`.
     uint32 position() const noexcept { return position_; }
 
-    /// The text up to the next of `delimiters`, on which the cursor then stands; without one, the whole rest, and the
-    /// scan has ended. Throws `std::out_of_range` if the constructor was given a position beyond the text.
+    /// Returns the text up to the next of `delimiters`, to which the cursor moves; without one, the whole rest, which
+    /// ends the scan. Throws `std::out_of_range` if the constructor was given a position beyond the text.
     narrow_string string(char const * delimiters);
 
-    /// The number at the cursor, modulo 2 to the 64th, or 0 if there is none; digits are those of `radix`, but a letter
-    /// past f counts 0. A number that ends the text leaves the cursor behind it, with `eos()` still false.
+    /// Reads the number at the cursor, modulo 2 to the 64th, or 0 if there is none. Digits are those of `radix`, but a
+    /// letter past f counts 0. A number that ends the text leaves the cursor behind it, with `eos()` still false.
     uint64 number(int radix);
 
     /// Moves to the next character that is not in the set, or ends the scan if there is none.

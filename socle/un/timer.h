@@ -5,38 +5,40 @@
 
 namespace un {
 
-/// A stopwatch on the machine's high-resolution counter: sums up the stretches in which it runs. A plain value.
+/// A stopwatch on the machine's high-resolution counter: it sums the intervals in which it runs. A plain value.
 ///
-/// Every operation that reads the counter throws `un::exception` "cannot query the timer" where the host fails it.
+/// Every operation that reads the counter throws `un::exception` "cannot query the timer" where the system cannot read
+/// it.
 class SOCLE_API timer {
 public:
-    /// Runs from now on, or waits to be started.
+    /// Starts at once, or waits for `start()`.
     explicit timer(bool running = true);
 
-    /// The current value of the counter; also a plain source of a number that changes fast. From any thread.
+    /// The current value of the counter. May be called from any thread.
     static uint64 absolute();
     /// Counts in a second.
     static uint64 resolution();
 
-    /// Begins a stretch; nothing if one runs already.
+    /// Starts an interval; does nothing if one runs already.
     void start();
-    /// Ends the stretch and adds it to the sum; nothing if none runs.
+    /// Ends the interval and adds it to the sum; does nothing if none runs.
     void stop();
-    /// Clears the sum alone: a stretch that runs still counts, from where it began.
+    /// Clears the sum alone: an interval that runs still counts, from where it began.
     void reset();
-    /// Lets the stretch that runs begin now, which throws away what it had.
+    /// Restarts the interval that runs, which drops what it had.
     void mark();
 
-    /// The sum so far in counts; a stretch that runs goes into it and begins anew.
+    /// The sum so far in counts; an interval that runs is added and starts anew.
     uint64 units();
-    /// The same in milliseconds. A little high where the counts in a second are not a multiple of 1000.
+    /// The sum in milliseconds; a little high where the counts in a second are not a multiple of 1000.
     uint64 ms();
 
 protected:
-    /// Counts since the stretch began.
+    /// Counts since the interval began.
     uint64 elapsed() const;
 
-    /// Read from the host when the library is loaded, which fails with "cannot initialize the timer" if it has none.
+    /// Counts in a second, read when the library is loaded; loading fails with "cannot initialize the timer" if the
+    /// system has no counter.
     static uint64 units_per_second;
 
 private:

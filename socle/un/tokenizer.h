@@ -7,15 +7,15 @@
 
 namespace un {
 
-/// The pieces of a text between delimiter characters, in order: a vector for its user. Delimiters are never merged, so
-/// n of them always give n + 1 tokens, some perhaps empty.
+/// The pieces of a text between delimiter characters, in order, as a vector. Delimiters are never merged, so n of them
+/// always make n + 1 tokens, some perhaps empty.
 class SOCLE_API tokenizer : public std::vector<narrow_string> {
 public:
     /// Cuts at every character of `delimiters`; without any, the whole text is one token.
     tokenizer(narrow_string const & text, char const * delimiters);
     tokenizer(narrow_string const & text, char delimiter);
 
-    /// Throws away the tokens held and cuts anew. `text` may be one of them.
+    /// Drops the tokens and cuts `text`. `text` may be one of them.
     void init(narrow_string const & text, char const * delimiters);
 
 private:

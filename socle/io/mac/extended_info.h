@@ -5,7 +5,7 @@
 namespace io::mac {
 
 /// The base of the two extended Finder records, each of which follows a basic one. The flag words are kept bit for bit;
-/// reserved bytes are passed over on reading and written as 0. A stream that ends too early is no error, whatever
+/// reserved bytes are skipped on reading and written as 0. A stream that ends too early is no error, whatever
 /// `strict` says: numbers behind its end have all bits set.
 class SOCLE_API extended_info : public un::structure {
 public:
@@ -32,16 +32,20 @@ public:
     extended_file_info & operator=(extended_file_info const &) = default;
     ~extended_file_info() override;
 
+    /// Reads the stored form and returns its length.
     uint32 read(stream::input & input, bool strict) override;
+    /// Writes the stored form and returns its length.
     uint32 write(stream::output & output) const override;
+    /// The stored length.
     uint32 size() const override;
     /// The stored length.
     static constexpr uint32 fixed_size() { return 16; }
 
     /// Flags of the Finder, as they are stored.
     uint16 extended_flags = 0;
-    /// Kept, without a meaning.
+    /// Kept, but without a meaning.
     uint16 reserved2 = 0;
+    /// The folder from which the Finder moved the item to the desktop.
     uint32 put_away_folder_id = 0;
 };
 
@@ -61,8 +65,11 @@ public:
     extended_folder_info & operator=(extended_folder_info const &) = default;
     ~extended_folder_info() override;
 
+    /// Reads the stored form and returns its length.
     uint32 read(stream::input & input, bool strict) override;
+    /// Writes the stored form and returns its length.
     uint32 write(stream::output & output) const override;
+    /// The stored length.
     uint32 size() const override;
     /// The stored length.
     static constexpr uint32 fixed_size() { return 16; }
@@ -71,8 +78,9 @@ public:
     point scroll_position;
     /// Flags of the Finder, as they are stored.
     uint16 extended_flags = 0;
-    /// Kept, without a meaning.
+    /// Kept, but without a meaning.
     uint16 reserved2 = 0;
+    /// The folder from which the Finder moved the item to the desktop.
     uint32 put_away_folder_id = 0;
 };
 

@@ -6,8 +6,8 @@
 
 namespace io::mac {
 
-/// The base of the two basic Finder records. The flag words are kept bit for bit; reserved bytes are passed over on
-/// reading and written as 0. `strict` is not looked at: see each `read`.
+/// The base of the two basic Finder records. The flag words are kept bit for bit; reserved bytes are skipped on reading
+/// and written as 0. `strict` is ignored: see each `read`.
 class SOCLE_API info : public un::structure {
 public:
     info(info const &) = default;
@@ -37,11 +37,14 @@ public:
     file_info & operator=(file_info const &) = default;
     ~file_info() override;
 
-    /// Throws as `os_type` does where the stream ends within `type` or `creator`. Numbers behind the end have all bits
-    /// set.
+    /// Reads the stored form and returns its length. Throws as `os_type` does where the stream ends within `type` or
+    /// `creator`. Numbers behind the end have all bits set.
     uint32 read(stream::input & input, bool strict) override;
+    /// Writes the stored form and returns its length.
     uint32 write(stream::output & output) const override;
+    /// The stored length.
     uint32 size() const override;
+    /// The stored length.
     static constexpr uint32 fixed_size() { return info_size; }
 
     /// What kind of document this is.
@@ -50,7 +53,7 @@ public:
     os_type creator;
     /// The Finder's flags.
     uint16 flags = 0;
-    /// Of the icon.
+    /// The place of the icon.
     point location;
 };
 
@@ -69,17 +72,20 @@ public:
     folder_info & operator=(folder_info const &) = default;
     ~folder_info() override;
 
-    /// Numbers behind the end of the stream have all bits set.
+    /// Reads the stored form and returns its length. Numbers behind the end of the stream have all bits set.
     uint32 read(stream::input & input, bool strict) override;
+    /// Writes the stored form and returns its length.
     uint32 write(stream::output & output) const override;
+    /// The stored length.
     uint32 size() const override;
+    /// The stored length.
     static constexpr uint32 fixed_size() { return info_size; }
 
-    /// Of the folder's window.
+    /// The place of the folder's window.
     rect bounds;
     /// The Finder's flags.
     uint16 flags = 0;
-    /// Of the icon.
+    /// The place of the icon.
     point location;
 };
 

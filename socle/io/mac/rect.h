@@ -13,17 +13,23 @@ public:
     rect & operator=(rect const &) = default;
     ~rect() override;
 
-    /// A member that lacks a byte at the end of the stream is -1, whatever `strict` says.
+    /// Reads the stored form and returns its length. A member that lacks a byte at the end of the stream is -1,
+    /// whatever `strict` says.
     uint32 read(stream::input & input, bool strict) override;
+    /// Writes the stored form and returns its length.
     uint32 write(stream::output & output) const override;
+    /// The stored length.
     uint32 size() const override;
+    /// The stored length.
     static constexpr uint32 fixed_size() { return 8; }
 
-    /// The edges.
+    /// @{
+    /// An edge, in pixels.
     short top;
     short left;
     short bottom;
     short right;
+    /// @}
 };
 
 } // namespace io::mac

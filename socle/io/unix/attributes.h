@@ -5,13 +5,14 @@
 
 namespace io::unix {
 
-/// What Unix keeps about a file.
+/// The attributes of a file on Unix.
 class attributes {
 public:
     /// The permission bits.
     io::unix::mode mode;
-    /// For the caller; the library neither sets nor reads them.
+    /// For the caller; the library neither sets nor reads it.
     optional<uint32> extra1;
+    /// For the caller; the library neither sets nor reads it.
     optional<uint32> extra2;
 };
 

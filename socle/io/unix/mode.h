@@ -8,7 +8,7 @@ namespace io::unix {
 /// Permission bits.
 class mode {
 public:
-    /// These bits.
+    /// Sets the bits.
     mode(uint32 bits = 0640) : value(bits) {}
     /// The bits.
     operator uint32() const { return value; }

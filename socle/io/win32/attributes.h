@@ -4,7 +4,7 @@
 
 namespace io::win32 {
 
-/// The attribute bits of a file, as the system gives them.
+/// The attribute bits of a file, as in Win32.
 class attributes {
 public:
     /// The bits that DOS knows, without the one for a volume's label: read-only, hidden, system, directory, archive.
@@ -15,7 +15,7 @@ public:
     /// Replaces the low 16 bits; those above stay.
     void from_dos_flags(uint16 bits) { flags = (flags & 0xFFFF0000) | (bits & dos_flags); }
 
-    /// All bits, as the system has them.
+    /// All bits, as in Win32.
     uint32 flags = 0;
 };
 

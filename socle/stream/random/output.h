@@ -14,8 +14,11 @@ public:
 
     using stream::output::write;
 
+    /// Moves to `where`; false means no move.
     bool seek(uint64 where) override = 0;
+    /// The length of the whole sink.
     uint64 size() const override = 0;
+    /// Makes the sink `size` bytes long.
     void resize(uint64 size) override = 0;
 };
 
