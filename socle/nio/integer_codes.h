@@ -18,7 +18,7 @@ namespace nio {
 SOCLE_API int hamming_weight(int64 value);
 
 /// Reads one wz code. Leading zero groups are taken, and of more than 64 bits the last ones count. The end of the input
-/// ends the value where it stands, so an empty input gives 0.
+/// ends the value where it stands, so an empty input is 0.
 SOCLE_API int64 read_wz(input & in);
 /// Writes one wz code. A negative value goes as its 64-bit pattern, in ten bytes.
 SOCLE_API void write_wz(int64 value, output & out);
@@ -26,7 +26,7 @@ SOCLE_API void write_wz(int64 value, output & out);
 SOCLE_API uint32 size_wz(int64 value);
 
 /// Reads one p2 code; the next one starts at the bit after it. The end of the input ends the leading 1 bits, and bits
-/// of x that are missing count as 1, so an empty input gives 0. Bits of x beyond the 64th are consumed without effect.
+/// of x that are missing count as 1, so an empty input is 0. Bits of x beyond the 64th are consumed without effect.
 SOCLE_API int64 read_p2(bit_input<1, 0, 1> & in);
 /// Writes one p2 code; its last bits stay in `out` until more follow or it is finished. For -1 a single 0 bit is
 /// written, which does not read back as -1.

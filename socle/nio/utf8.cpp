@@ -85,6 +85,47 @@ uint32 three(uint64 word) {
 /// All from 0x800 on but surrogates and the two that are no characters.
 bool is_plain_three(uint32 u) { return u - 0x800 < 0xD000 || u - 0xE000 < 0x1FFE; }
 
+/// Decodes a word at a time, until a whole word is ASCII, `8 * step` units are there, or less than a word is left.
+/// Returns the end of the units.
+char16_t * decode_words(char const *& from, char const * end, char16_t * to, bool validate) {
+    for (auto const * const stop = to + 8 * step; to < stop && std::size_t(end - from) >= word_size;) {
+        auto word = basic::load<uint64>(from, false);
+        auto const plain = std::size_t(std::countr_zero(word & 0x8080808080808080)) / 8;
+        if (plain != 0) {
+            // All of the word, and what is not ASCII is written over.
+            spread(word, to);
+            from += plain;
+            to += plain;
+            if (plain == word_size)
+                break;
+            word >>= 8 * plain; // zeros behind it, which continue nothing
+        }
+        if ((word & 0xC0E0) == 0x80C0 && (word & 0x1E) != 0) {
+            *to++ = static_cast<char16_t>((word & 0x1F) << 6 | (word >> 8 & 0x3F));
+            from += 2;
+            continue;
+        }
+        if ((word & three_mask) == three_bytes) {
+            uint32 const u = three(word);
+            if (is_plain_three(u)) {
+                *to++ = static_cast<char16_t>(u);
+                from += 3;
+                word >>= 24;
+                uint32 const next = three(word);
+                if ((word & three_mask) == three_bytes && is_plain_three(next)) {
+                    *to++ = static_cast<char16_t>(next);
+                    from += 3;
+                }
+                continue;
+            }
+        }
+        if (plain != 0)
+            continue; // the rest of the sequence may lie behind the word
+        *to++ = decode_any(from, end, validate);
+    }
+    return to;
+}
+
 } // namespace
 
 uint32 _utf8_size(char16_t unit) { return unit < 0x80 ? 1 : unit < 0x800 ? 2 : 3; }
@@ -150,41 +191,7 @@ void _utf8_decode(narrow_string const & bytes, wide_string & out, bool validate)
             result.to += step;
             continue;
         }
-        for (auto const * const stop = to + 8 * step; to < stop && std::size_t(end - from) >= word_size;) {
-            auto word = basic::load<uint64>(from, false);
-            auto const plain = std::size_t(std::countr_zero(word & 0x8080808080808080)) / 8;
-            if (plain != 0) {
-                // All of the word, and what is not ASCII is written over.
-                spread(word, to);
-                from += plain;
-                to += plain;
-                if (plain == word_size)
-                    break;
-                word >>= 8 * plain; // zeros behind it, which continue nothing
-            }
-            if ((word & 0xC0E0) == 0x80C0 && (word & 0x1E) != 0) {
-                *to++ = static_cast<char16_t>((word & 0x1F) << 6 | (word >> 8 & 0x3F));
-                from += 2;
-                continue;
-            }
-            if ((word & three_mask) == three_bytes) {
-                uint32 const u = three(word);
-                if (is_plain_three(u)) {
-                    *to++ = static_cast<char16_t>(u);
-                    from += 3;
-                    word >>= 24;
-                    uint32 const next = three(word);
-                    if ((word & three_mask) == three_bytes && is_plain_three(next)) {
-                        *to++ = static_cast<char16_t>(next);
-                        from += 3;
-                    }
-                    continue;
-                }
-            }
-            if (plain != 0)
-                continue; // the rest of the sequence may lie behind the word
-            *to++ = decode_any(from, end, validate);
-        }
+        to = decode_words(from, end, to, validate);
         // Short texts, and the ends of others, one by one.
         for (auto const * const stop = to + step; to != stop && std::size_t(end - from) < step && from != end;)
             *to++ = decode_any(from, end, validate);

@@ -17,13 +17,13 @@ uint32 GetOEMCP();
 /// Calls `page` for each installed page with its number as decimal text, until it returns false.
 bool EnumSystemCodePagesA(std::function<bool(char const *)> const & page);
 
-/// Converts `count` bytes and gives the number of units.
+/// Converts `count` bytes and returns the number of units.
 /// - With a capacity of 0 nothing is stored, and the result is what would be needed.
 /// - 0 is a failure: nothing to convert or an unknown page (87), or more units than fit, or than 32 bits count (122).
 /// - Bytes that mean nothing come out as units of their own value in a page of single bytes, else as U+FFFD.
 uint32 MultiByteToWideChar(uint32 page, char const * from, uint32 count, char16_t * to, uint32 capacity);
 
-/// Converts `count` units and gives the number of bytes, as above.
+/// Converts `count` units and returns the number of bytes, as above.
 /// - A unit that the page lacks becomes `default_character`, one byte, or a question mark if that is null. Then
 ///   `used_default`, if it is not null, is set to true, and to false otherwise.
 /// - UTF-8 lacks only lone surrogates, which become U+FFFD instead.

@@ -4,7 +4,7 @@
 
 namespace platform {
 
-/// The value of an environment variable; false if it is not set. `getenv` gives it in the ANSI page.
+/// The value of an environment variable; false if it is not set. `getenv` returns it in the ANSI page.
 bool _wgetenv(char const * name, wide_string & value);
 bool getenv(char const * name, narrow_string & value);
 

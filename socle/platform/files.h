@@ -102,7 +102,7 @@ struct WIN32_FILE_ATTRIBUTE_DATA {
     uint64 ftLastWriteTime;
 };
 
-/// The bits, and the times that GetFileTime gives, in one question; opens nothing. False if there is nothing.
+/// The bits, and the times that GetFileTime returns, in one question; opens nothing. False if there is nothing.
 bool GetFileAttributesExW(wide_string const & path, WIN32_FILE_ATTRIBUTE_DATA & data);
 
 /// Sets read-only, hidden, system, archive and temporary; the other bits are passed over.

@@ -4,8 +4,6 @@
 
 namespace stream {
 
-// The class does not count itself among those that lend: what a member holds says nothing of where it ends.
-
 multi_input::~multi_input() = default;
 
 uint64 multi_input::size() const { return all_ones; }

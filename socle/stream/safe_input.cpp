@@ -4,7 +4,6 @@ namespace stream {
 
 namespace {
 
-// The class does not count itself among those that lend: a block in memory would hide where the source ends.
 void check(bool whole) {
     if (!whole)
         throw exception("unexpected end of file", "stream::safe_input");
