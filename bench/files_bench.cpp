@@ -1,5 +1,6 @@
 // Single bytes and lines of a file of 64 MiB, and copies of one of 256 MiB, all in the system's cache.
 
+#include "bench/lines_data.h"
 #include "bench/rows.h"
 #include "bench/scratch.h"
 #include "socle/io/fork_input.h"
@@ -23,13 +24,7 @@ uint32 const size = bench::sized(64u << 20);
 uint32 const copy_size = bench::sized(256u << 20);
 
 std::string const & text_file() {
-    static std::string const path = [] {
-        std::string lines;
-        for (unsigned i = 0; lines.size() < size; ++i)
-            lines += std::string(40 + i * 2654435761u % 41, static_cast<char>('a' + i % 26)) + "\n";
-        lines.resize(size);
-        return bench::scratch::folder().file("lines", lines);
-    }();
+    static std::string const path = bench::scratch::folder().file("lines", bench::lines_of(size));
     return path;
 }
 

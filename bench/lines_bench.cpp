@@ -1,5 +1,6 @@
 // Lines of about 60 bytes, and copies, in memory.
 
+#include "bench/lines_data.h"
 #include "bench/rows.h"
 #include "socle/stream/array_input.h"
 #include "socle/stream/array_output.h"
@@ -23,13 +24,7 @@ uint32 const block = 64 << 10;
 uint32 const size = bench::sized(16u << 20) / block * block;
 
 std::string const & text() {
-    static std::string const made = [] {
-        std::string lines;
-        for (unsigned i = 0; lines.size() < size; ++i)
-            lines += std::string(40 + i * 2654435761u % 41, static_cast<char>('a' + i % 26)) + "\n";
-        lines.resize(size);
-        return lines;
-    }();
+    static std::string const made = bench::lines_of(size);
     return made;
 }
 

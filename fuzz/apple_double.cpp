@@ -2,16 +2,16 @@
 
 #include "fuzz/support/apple_double.h"
 #include "fuzz/support/feed.h"
-#include "fuzz/support/sources.h"
 #include "socle/nio/apple_double_internal.h"
 #include "socle/stream/vector_input.h"
+#include "tests/support/memory_sources.h"
 
 namespace {
 
 void compare(std::string_view file, uint32 id) {
     byte_vector const bytes = fuzz::vector_of(file);
     stream::vector_input memory(bytes);
-    fuzz::unlent plain(file);
+    support::unlent plain(file);
     uint32 wanted = 7, first = 7, second = 7, room = 0;
     bool const found = fuzz::find_entry(file, id, wanted, room);
     fuzz::check(nio::apple_double::find_entry(memory, id, first) == found && first == wanted);
@@ -23,7 +23,7 @@ void compare(std::string_view file, uint32 id) {
 void fuzz::run(std::string_view input) {
     compare(input, nio::apple_double::finder_info_id);
     if (input.size() > 29)
-        compare(input, big_number(input, 26, 4));
+        compare(input, static_cast<uint32>(number_at(input, 26, 4, true)));
 
     // Our own head, with what follows it and with bytes of it changed.
     auto const head = nio::apple_double::head({});

@@ -20,7 +20,8 @@ public:
         done = static_cast<uint32>(std::min<std::size_t>(size, bytes_.size() - at_));
         std::memcpy(buffer, bytes_.data() + at_, done);
         if (at_ == data_end_ && done == 20)
-            data_end_ = at_ + 20 + number(at_ + 16, 4) + std::min<uint64>(number(at_ + 8, 8), bytes_.size());
+            data_end_ = at_ + 20 + fuzz::number_at(bytes_, at_ + 16, 4)
+                        + std::min<uint64>(fuzz::number_at(bytes_, at_ + 8, 8), bytes_.size());
         at_ += done;
         return true;
     }
@@ -28,13 +29,6 @@ public:
     [[noreturn]] void fail(char const * message) override { throw std::runtime_error(message); }
 
 private:
-    uint64 number(std::size_t at, int size) const {
-        uint64 value = 0;
-        for (int i = size; i-- > 0;)
-            value = value << 8 | static_cast<unsigned char>(bytes_[at + std::size_t(i)]);
-        return value;
-    }
-
     std::string_view bytes_;
     std::size_t at_ = 0;
     uint64 data_end_ = 0;

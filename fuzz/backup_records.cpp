@@ -16,6 +16,7 @@ namespace {
 
 using namespace platform;
 using fuzz::check;
+using fuzz::number_at;
 
 struct contents {
     narrow_string data;
@@ -75,17 +76,11 @@ private:
     mutable std::map<wide_string, posix::descriptor_guard> streams_;
 };
 
-uint64 number(std::string_view bytes, std::size_t at, std::size_t size) {
-    uint64 value = 0;
-    while (size-- > 0)
-        value = value << 8 | static_cast<unsigned char>(bytes[at + size]);
-    return value;
-}
-
 /// What the sequence makes of a file, and why it is not taken to its end.
 uint32 restore(std::string_view sequence, contents & file) {
     while (sequence.size() >= 20) {
-        uint64 const kind = number(sequence, 0, 4), size = number(sequence, 8, 8), name_size = number(sequence, 16, 4);
+        uint64 const kind = number_at(sequence, 0, 4), size = number_at(sequence, 8, 8),
+                     name_size = number_at(sequence, 16, 4);
         if (kind == 0 || kind > 10 || size > uint64{std::numeric_limits<int64>::max()} || name_size > 1024
             || name_size % 2 != 0)
             return ERROR_INVALID_DATA;

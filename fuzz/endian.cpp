@@ -1,12 +1,12 @@
 /// Integers in a stated byte order, over memory, over a source that lends nothing, and over a buffer.
 
 #include "fuzz/support/feed.h"
-#include "fuzz/support/sources.h"
 #include "socle/stream/buffered_input.h"
 #include "socle/stream/endian_input.h"
 #include "socle/stream/endian_output.h"
 #include "socle/stream/vector_input.h"
 #include "socle/stream/vector_output.h"
+#include "tests/support/memory_sources.h"
 
 #include <bit>
 
@@ -58,7 +58,7 @@ template <class Input, class Output>
 void run(std::string_view widths, std::string_view data, bool big) {
     byte_vector const bytes = fuzz::vector_of(data);
     stream::vector_input memory(bytes);
-    fuzz::unlent plain(data), beneath(data);
+    support::unlent plain(data), beneath(data);
     stream::buffered_input buffer(beneath, 5);
     Input readers[] = {Input(memory), Input(plain), Input(buffer)};
     byte_vector written;

@@ -8,16 +8,12 @@
 #include "socle/nio/file.h"
 #include "socle/nio/filesystem_exception.h"
 #include "socle/nio/fork_names.h"
-#include "socle/platform/host.h"
+#include "tests/support/ntfs_folder.h"
 
 #include <array>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 
 namespace {
 
-namespace fs = std::filesystem;
 using fuzz::check;
 using info_bytes = std::array<unsigned char, 32>;
 
@@ -25,51 +21,6 @@ constexpr std::string_view block_head("AFP\0\0\0\1\0\0\0\0\0\0\0\0\0", 16);
 constexpr std::size_t block_size = 60;
 
 std::string bytes_of(info_bytes const & info) { return {info.begin(), info.end()}; }
-
-/// A folder on a disk that keeps extended attributes, which is a volume with named streams then. One serves all inputs,
-/// each of which leaves it empty.
-class scratch {
-public:
-    scratch() {
-        for (fs::path const & place : {fs::temp_directory_path(), fs::path("/var/tmp")}) {
-            if (attached_)
-                break;
-            fs::remove_all(folder_);
-            std::string pattern = (place / "socle_fuzz_XXXXXX").string();
-            check(mkdtemp(pattern.data()) != nullptr);
-            folder_ = pattern;
-            attached_ = platform::attach_volume('N', pattern, "NTFS") == 0;
-        }
-    }
-    scratch(scratch const &) = delete;
-    scratch & operator=(scratch const &) = delete;
-    ~scratch() {
-        if (attached_)
-            platform::detach_volume('N');
-        std::error_code ignored;
-        fs::remove_all(folder_, ignored);
-    }
-
-    bool attached() const { return attached_; }
-
-    void clear() const {
-        if (attached_)
-            nio::unlink(u"N:\\f", true);
-        nio::unlink(path("g"), true);
-    }
-    void write(char const * name, std::string_view bytes) const {
-        std::ofstream(folder_ / name, std::ios::binary) << bytes;
-    }
-    std::string read(char const * name) const {
-        std::ifstream in(folder_ / name, std::ios::binary);
-        return std::string(std::istreambuf_iterator<char>(in), {});
-    }
-    wide_string path(char const * name) const { return platform::from_host((folder_ / name).string()); }
-
-private:
-    fs::path folder_;
-    bool attached_ = false;
-};
 
 info_bytes loaded(wide_string const & path) {
     nio::item item(path);
@@ -157,9 +108,11 @@ void fuzz::run(std::string_view input) {
     auto const given = in.bytes(in.byte() % 33u);
     std::copy(given.begin(), given.end(), info.begin());
     std::string const bytes(in.rest());
-    static scratch const folder;
+    static ntfs_folder const folder; // one serves all inputs, each of which leaves it empty
     if (folder.attached())
         block(bytes, info);
     sidecar(folder, bytes, info);
-    folder.clear();
+    if (folder.attached())
+        nio::unlink(u"N:\\f", true);
+    nio::unlink(folder.path("g"), true);
 }

@@ -12,12 +12,10 @@
 #include "socle/nio/file.h"
 #include "socle/nio/filesystem_exception.h"
 #include "socle/nio/move.h"
-#include "socle/platform/host.h"
+#include "tests/support/scratch.h"
 
 #include <cctype>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <map>
 #include <vector>
 
@@ -25,6 +23,8 @@ namespace {
 
 namespace fs = std::filesystem;
 using fuzz::check;
+using fuzz::refusal;
+using fuzz::refuses;
 
 enum class kind { file, folder, link };
 
@@ -32,9 +32,6 @@ struct node {
     kind what;
     std::string bytes = {};
 };
-
-/// What the operation has to refuse by throwing.
-struct refusal {};
 
 constexpr auto join = [](std::string const & folder, std::string const & leaf) {
     return folder.empty() ? leaf : folder + '/' + leaf;
@@ -266,22 +263,12 @@ private:
     }
 };
 
-class scratch {
+class world {
 public:
-    scratch() {
-        std::string pattern = (fs::temp_directory_path() / "socle_fuzz_XXXXXX").string();
-        check(mkdtemp(pattern.data()) != nullptr);
-        folder_ = pattern;
+    world() {
         fs::create_directories(folder_ / "top");
         fs::create_directory(folder_ / "elsewhere");
-        std::ofstream(folder_ / "elsewhere" / "kept") << "kept";
-        root_ = platform::from_host((folder_ / "top").string());
-    }
-    scratch(scratch const &) = delete;
-    scratch & operator=(scratch const &) = delete;
-    ~scratch() {
-        std::error_code ignored;
-        fs::remove_all(folder_, ignored);
+        files_.write("elsewhere/kept", "kept");
     }
 
     void step(fuzz::feed & in) {
@@ -431,20 +418,10 @@ private:
     /// Both are refused, or both are done.
     template <class Act, class Expect>
     static void same(Act act, Expect expect) {
-        bool refused = false, wanted_refused = false;
-        try {
-            expect();
-        } catch (refusal const &) {
-            wanted_refused = true;
-        }
-        try {
-            act();
-        } catch (io::exception const &) {
-            refused = true;
-        } catch (nio::filesystem_exception const &) {
-            refused = true;
-        }
-        check(refused == wanted_refused);
+        bool const wanted_refused = refuses<refusal>(expect);
+        bool by_nio = false;
+        bool const by_io = refuses<io::exception>([&] { by_nio = refuses<nio::filesystem_exception>(act); });
+        check((by_io || by_nio) == wanted_refused);
     }
 
     void link(std::string const & path) {
@@ -636,8 +613,9 @@ private:
         check(fs::file_size(folder_ / "elsewhere" / "kept") == 4);
     }
 
-    fs::path folder_;
-    wide_string root_;
+    scratch files_{(fs::temp_directory_path() / "socle_fuzz_XXXXXX").string()};
+    fs::path folder_ = files_.folder();
+    wide_string root_ = files_.path("top");
     model model_;
 };
 
@@ -645,7 +623,7 @@ private:
 
 void fuzz::run(std::string_view input) {
     feed in(input);
-    scratch folder;
+    world folder;
     for (int steps = 0; steps < 60 && !in.empty(); ++steps)
         folder.step(in);
 }

@@ -2,7 +2,6 @@
 /// it holds or counts.
 
 #include "fuzz/support/feed.h"
-#include "fuzz/support/sources.h"
 #include "socle/stream/array_input.h"
 #include "socle/stream/buffered_input.h"
 #include "socle/stream/counted_input.h"
@@ -13,6 +12,7 @@
 #include "socle/stream/safe_input.h"
 #include "socle/stream/vector_input.h"
 #include "socle/stream/vector_output.h"
+#include "tests/support/memory_sources.h"
 
 #include <bit>
 #include <memory>
@@ -22,12 +22,11 @@
 namespace {
 
 using fuzz::check;
+using fuzz::refusal;
+using fuzz::refuses;
 
 enum class bottom { vector, array, whole, drops, series, random, count };
 enum class layer { filter, direct, counted, limited, safe, big, little, buffered, count };
-
-/// What a stream of the stack throws.
-struct refusal {};
 
 // The model. Every layer is told in single steps, from the bottom, index 0, up.
 
@@ -302,8 +301,8 @@ private:
         case bottom::vector: return std::make_unique<stream::vector_input>(vector_);
         case bottom::array:
             return std::make_unique<stream::array_input>(bytes_.data(), static_cast<uint32>(bytes_.size()));
-        case bottom::whole: return std::make_unique<fuzz::unlent>(bytes_);
-        case bottom::drops: return std::make_unique<fuzz::drops>(bytes_);
+        case bottom::whole: return std::make_unique<support::unlent>(bytes_);
+        case bottom::drops: return std::make_unique<support::drops>(bytes_);
         case bottom::random: return std::make_unique<seekable>(bytes_);
         default: break;
         }
@@ -374,17 +373,8 @@ private:
     template <class Act, class Expect>
     void same(Act act, Expect expect) {
         decltype(expect()) wanted{}, got{};
-        bool refused = false, wanted_refused = false;
-        try {
-            wanted = expect();
-        } catch (refusal const &) {
-            wanted_refused = true;
-        }
-        try {
-            got = act();
-        } catch (stream::exception const &) {
-            refused = true;
-        }
+        bool const wanted_refused = refuses<refusal>([&] { wanted = expect(); });
+        bool const refused = refuses<stream::exception>([&] { got = act(); });
         check(refused == wanted_refused && got == wanted);
     }
 

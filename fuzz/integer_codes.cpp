@@ -2,10 +2,10 @@
 
 #include "socle/nio/integer_codes.h"
 #include "fuzz/support/feed.h"
-#include "fuzz/support/sources.h"
 #include "socle/any/integers.h"
 #include "socle/stream/vector_input.h"
 #include "socle/stream/vector_output.h"
+#include "tests/support/memory_sources.h"
 
 #include <bit>
 
@@ -49,8 +49,8 @@ int64 plain_p2(byte_vector const & bytes, std::size_t & at) {
 void decode(std::string_view input) {
     byte_vector const bytes = fuzz::vector_of(input);
     stream::vector_input memory(bytes);
-    fuzz::unlent plain(input);
-    fuzz::drops drops(input);
+    support::unlent plain(input);
+    support::drops drops(input);
     std::size_t at = 0;
     while (at < bytes.size()) {
         int64 const expected = plain_wz(bytes, at);
@@ -61,7 +61,7 @@ void decode(std::string_view input) {
     check(nio::read_wz(memory) == 0);
 
     stream::vector_input bit_memory(bytes);
-    fuzz::drops bit_plain(input);
+    support::drops bit_plain(input);
     stream::binary_input fast(bit_memory), slow(bit_plain);
     for (at = 0; at < 8 * bytes.size();) {
         int64 const expected = plain_p2(bytes, at);

@@ -1,12 +1,12 @@
 /// Lines of both families, over sources that lend much, little and nothing.
 
 #include "fuzz/support/feed.h"
-#include "fuzz/support/sources.h"
 #include "socle/nio/buffered_input.h"
 #include "socle/nio/strings.h"
 #include "socle/stream/buffered_input.h"
 #include "socle/stream/line_input.h"
 #include "socle/stream/vector_input.h"
+#include "tests/support/memory_sources.h"
 
 #include <vector>
 
@@ -43,7 +43,7 @@ uint32 const no_line = 0xFFFFFFFF;
 void stream_lines(std::string_view data, std::string_view sizes) {
     byte_vector const bytes = fuzz::vector_of(data);
     stream::vector_input memory(bytes);
-    fuzz::drops plain(data), beneath(data);
+    support::drops plain(data), beneath(data);
     stream::buffered_input buffer(beneath, 4);
     stream::line_input readers[] = {stream::line_input(memory), stream::line_input(plain), stream::line_input(buffer)};
     std::size_t at = 0;
@@ -76,7 +76,7 @@ void stream_lines(std::string_view data, std::string_view sizes) {
 void nio_lines(std::string_view data, std::string_view sizes) {
     byte_vector const bytes = fuzz::vector_of(data);
     stream::vector_input memory(bytes);
-    fuzz::drops plain(data), beneath(data);
+    support::drops plain(data), beneath(data);
     nio::buffered_input buffer(beneath, 4);
     nio::input * const sources[] = {&memory, &plain, &buffer};
     std::size_t at = 0;

@@ -1,12 +1,12 @@
 /// The records of the Macintosh file system, and the header of a sidecar with Finder data.
 
 #include "fuzz/support/feed.h"
-#include "fuzz/support/sources.h"
 #include "socle/io/exception.h"
 #include "socle/io/info_header_internal.h"
 #include "socle/io/mac/attributes.h"
 #include "socle/stream/vector_input.h"
 #include "socle/stream/vector_output.h"
+#include "tests/support/memory_sources.h"
 
 namespace {
 
@@ -25,7 +25,7 @@ template <class Record>
 void record(std::string_view input, std::size_t zeros, std::size_t zeros_end, bool strict) {
     byte_vector const bytes = fuzz::vector_of(input);
     stream::vector_input memory(bytes);
-    fuzz::unlent plain(input);
+    support::unlent plain(input);
     Record first, second;
     bool refused[2] = {};
     stream::input * const sources[] = {&memory, &plain};

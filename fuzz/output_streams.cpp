@@ -2,7 +2,6 @@
 /// counts. What buffers hold counts as written; it has to be there when they are gone.
 
 #include "fuzz/support/feed.h"
-#include "fuzz/support/sources.h"
 #include "socle/stream/array_output.h"
 #include "socle/stream/buffered_output.h"
 #include "socle/stream/counted_output.h"
@@ -10,6 +9,7 @@
 #include "socle/stream/multi_output.h"
 #include "socle/stream/text_output.h"
 #include "socle/stream/vector_output.h"
+#include "tests/support/memory_sources.h"
 
 #include <memory>
 #include <optional>
@@ -255,7 +255,7 @@ private:
     void copy(narrow_string const & data) {
         if (!fits(data.size()) || !counts_all() || data.empty())
             return;
-        fuzz::unlent source(data);
+        support::unlent source(data);
         top().copy_from(source);
         model_.copy(data);
     }

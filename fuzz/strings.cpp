@@ -2,12 +2,12 @@
 
 #include "socle/nio/strings.h"
 #include "fuzz/support/feed.h"
-#include "fuzz/support/sources.h"
 #include "socle/basic/exception.h"
 #include "socle/nio/buffered_input.h"
 #include "socle/nio/encoding.h"
 #include "socle/stream/vector_input.h"
 #include "socle/stream/vector_output.h"
+#include "tests/support/memory_sources.h"
 
 namespace {
 
@@ -17,7 +17,7 @@ using fuzz::check;
 void read(fuzz::feed ways, std::string_view data) {
     byte_vector const bytes = fuzz::vector_of(data);
     stream::vector_input memory(bytes);
-    fuzz::unlent plain(data), beneath(data);
+    support::unlent plain(data), beneath(data);
     nio::buffered_input buffer(beneath, 4);
     nio::input * const sources[] = {&memory, &plain, &buffer};
     std::size_t at = 0;

@@ -67,7 +67,7 @@ std::string filtered(std::string const & sequence, uint32 size, int n = 0) {
     return all;
 }
 
-TEST(BackupFilter, LeavesOutWhatIsKeptByOtherMeans) {
+TEST(backup_filter, leaves_out_what_is_kept_by_other_means) {
     std::string const note = record(4, ":note:$DATA", "remember"), rights = record(3, "", "rights");
     std::string const long_name = record(4, ":" + std::string(200, 'n'), std::string(1000, 'd'));
     struct {
@@ -88,7 +88,7 @@ TEST(BackupFilter, LeavesOutWhatIsKeptByOtherMeans) {
             EXPECT_EQ(filtered(c.sequence, size), c.result) << size;
 }
 
-TEST(BackupFilter, SaysWhereASequenceIsBroken) {
+TEST(backup_filter, says_where_a_sequence_is_broken) {
     std::string const good = record(4, ":note", "data");
     for (std::size_t length = 1; length < good.size(); ++length) {
         auto const result = filtered(good.substr(0, length), 64);
@@ -104,7 +104,7 @@ TEST(BackupFilter, SaysWhereASequenceIsBroken) {
         EXPECT_EQ(filtered(good, 64, n), failures[n - 1]);
 }
 
-TEST(AppleDouble, HasAHeadWithTwoEntries) {
+TEST(apple_double, has_a_head_with_two_entries) {
     auto const head = nio::apple_double::head({1, 2});
     std::string const own(head.begin(), head.end());
     EXPECT_EQ(own, std::string("\0\5\x16\7\0\2\0\0"

@@ -14,7 +14,7 @@ struct copying {
     std::vector<uint32> asked, written;
 };
 
-TEST(Blocks, CopyAsksAndWritesInBlocks) {
+TEST(blocks, copy_asks_and_writes_in_blocks) {
     copying const table[] = {
         {"nothing", 30, 0, 64, 0, {}, {}},
         {"one short block ends it", 30, 100, 64, 30, {64}, {30}},
@@ -32,7 +32,7 @@ TEST(Blocks, CopyAsksAndWritesInBlocks) {
     }
 }
 
-TEST(Blocks, SkipReadsWhatItDropsAndFillAlwaysArrives) {
+TEST(blocks, skip_reads_what_it_drops_and_fill_always_arrives) {
     support::fragment_source from({"abcdef"});
     EXPECT_EQ(nio::skip(from, 4, 3), 4u);
     EXPECT_EQ(from.asked, (std::vector<uint32>{3, 1}));
@@ -46,7 +46,7 @@ TEST(Blocks, SkipReadsWhatItDropsAndFillAlwaysArrives) {
     EXPECT_EQ(to.data, std::string(65537, 'f'));
 }
 
-TEST(Blocks, TotalsPassThirtyTwoBits) {
+TEST(blocks, totals_pass_thirty_two_bits) {
     nio::infinite_input zeros('\0');
     nio::infinite_output nowhere;
     uint64 const count = (uint64(1) << 32) + 5;
@@ -60,7 +60,7 @@ TEST(Blocks, TotalsPassThirtyTwoBits) {
     EXPECT_EQ(nowhere.tell(), 9u);
 }
 
-TEST(Blocks, ALyingSourceIsNotBelieved) {
+TEST(blocks, a_lying_source_is_not_believed) {
     struct liar : nio::input {
         uint32 read(char * buffer, uint32 count) override {
             std::fill_n(buffer, count, 'l');

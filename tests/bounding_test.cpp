@@ -23,7 +23,7 @@ using support::recording_target;
 using support::rest;
 using support::text;
 
-TEST(CountedInput, CountsWhatIsReadFromMemoryAndNotWhatFails) {
+TEST(counted_input, counts_what_is_read_from_memory_and_not_what_fails) {
     byte_vector const data = bytes("abcde");
     stream::vector_input source(data);
     stream::counted_input in(source, 100);
@@ -39,7 +39,7 @@ TEST(CountedInput, CountsWhatIsReadFromMemoryAndNotWhatFails) {
     EXPECT_EQ(refused.tell(), 5u);
 }
 
-TEST(CountedOutput, CountsWritesAndNotTexts) {
+TEST(counted_output, counts_writes_and_not_texts) {
     byte_vector data(4);
     stream::vector_output target(data);
     stream::counted_output out(target, 7);
@@ -58,7 +58,7 @@ TEST(CountedOutput, CountsWritesAndNotTexts) {
     EXPECT_EQ(refused.tell(), 0u);
 }
 
-TEST(LimitedInput, CountsWhatWasAskedFor) {
+TEST(limited_input, counts_what_was_asked_for) {
     fragment_source source({"abc", "defgh"});
     stream::limited_input in(source, 9);
     char block[8];
@@ -79,7 +79,7 @@ TEST(LimitedInput, CountsWhatWasAskedFor) {
     EXPECT_EQ(memory.tell(), 3u);
 }
 
-TEST(LimitedInput, SeeksWithinItsLimit) {
+TEST(limited_input, seeks_within_its_limit) {
     struct seekable : fragment_source {
         using fragment_source::fragment_source;
         bool seek(uint64 where) override {
@@ -101,7 +101,7 @@ TEST(LimitedInput, SeeksWithinItsLimit) {
     EXPECT_EQ(fixed.consumed(), 0u);
 }
 
-TEST(SafeInput, ThrowsAtTheEnd) {
+TEST(safe_input, throws_at_the_end) {
     byte_vector const data = bytes("abcd");
     stream::vector_input source(data);
     stream::safe_input in(source);
@@ -124,7 +124,7 @@ struct open_infinite : stream::infinite_input {
     using infinite_input::_copy;
 };
 
-TEST(Infinite, GivesZerosAndTakesEverything) {
+TEST(infinite, gives_zeros_and_takes_everything) {
     open_infinite in;
     char block[3] = {1, 2, 3};
     EXPECT_EQ(in.read(block, 3), 3u);

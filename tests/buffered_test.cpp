@@ -28,7 +28,7 @@ struct callers_input : stream::buffered_input {
     using buffered_input::refill;
 };
 
-TEST(BufferedInput, ReadsAheadAndGivesBack) {
+TEST(buffered_input, reads_ahead_and_gives_back) {
     byte_vector const data = support::pattern(100);
     stream::vector_input source(data);
     char block[64];
@@ -56,7 +56,7 @@ TEST(BufferedInput, ReadsAheadAndGivesBack) {
     EXPECT_EQ(rest(source), text({data.begin() + 78, data.end()}));
 }
 
-TEST(BufferedInput, AsksTheStreamBeneathAtMostOnce) {
+TEST(buffered_input, asks_the_stream_beneath_at_most_once) {
     fragment_source source({"abc", "de", "fghij"});
     stream::buffered_input in(source, 8);
     char block[16];
@@ -69,7 +69,7 @@ TEST(BufferedInput, AsksTheStreamBeneathAtMostOnce) {
     EXPECT_EQ(rest(in), "ghij");
 }
 
-TEST(BufferedInput, CopiesByteByByteForACallersClass) {
+TEST(buffered_input, copies_byte_by_byte_for_a_callers_class) {
     fragment_source source({"abc", "defgh"});
     callers_input in(source, 4);
     recording_target out;
@@ -84,7 +84,7 @@ TEST(BufferedInput, CopiesByteByByteForACallersClass) {
     EXPECT_EQ(rest(in), "0123456");
 }
 
-TEST(BufferedInput, DoesNotBelieveALiar) {
+TEST(buffered_input, does_not_believe_a_liar) {
     support::lying_source liar;
     stream::buffered_input in(liar, 8);
     EXPECT_EQ(in.read(), 'l');
@@ -125,7 +125,7 @@ void exercise(stream::input & in, byte_vector const & data, uint32 seed, Act che
     }
 }
 
-TEST(BufferedInput, LosesNothingWhenTheStreamBeneathFails) {
+TEST(buffered_input, loses_nothing_when_the_stream_beneath_fails) {
     byte_vector const data = support::pattern(300);
     for (int n = 1; n <= 300; ++n) {
         stream::vector_input memory(data);
@@ -150,7 +150,7 @@ TEST(BufferedInput, LosesNothingWhenTheStreamBeneathFails) {
     EXPECT_EQ(memory.tell(), 2u);
 }
 
-TEST(BufferedOutput, HoldsSmallWritesAndPassesLargeOnes) {
+TEST(buffered_output, holds_small_writes_and_passes_large_ones) {
     recording_target target;
     stream::buffered_output out(target, 4);
     out.write("ab", 2);
@@ -180,7 +180,7 @@ TEST(BufferedOutput, HoldsSmallWritesAndPassesLargeOnes) {
     EXPECT_EQ(out.tell(), 20u);
 }
 
-TEST(BufferedOutput, ResizesThroughWhatItHolds) {
+TEST(buffered_output, resizes_through_what_it_holds) {
     byte_vector vector = bytes("..");
     {
         stream::vector_output target(vector, 2);
@@ -208,7 +208,7 @@ TEST(BufferedOutput, ResizesThroughWhatItHolds) {
     EXPECT_EQ(target.data.size(), 5u);
 }
 
-TEST(BufferedOutput, LosesNothingAndRepeatsNothingWhenTheStreamBeneathFails) {
+TEST(buffered_output, loses_nothing_and_repeats_nothing_when_the_stream_beneath_fails) {
     int failed = 0;
     for (int n = 1; n <= 60; ++n) {
         recording_target target(n);
@@ -247,7 +247,7 @@ TEST(BufferedOutput, LosesNothingAndRepeatsNothingWhenTheStreamBeneathFails) {
     stream::buffered_output(refusing, 8).write("lost without a word", 4);
 }
 
-TEST(Buffered, IntegersTakeTheSamePathsAsSingleCalls) {
+TEST(buffered, integers_take_the_same_paths_as_single_calls) {
     // Wherever the value lies against the end of the buffer, the calls beneath are those of single bytes.
     for (uint32 size = 1; size < 12; ++size) {
         for (uint32 lead = 0; lead < 12; ++lead) {

@@ -31,7 +31,7 @@ struct series : stream::multi_input {
     std::size_t at = 0;
 };
 
-TEST(MultiInput, ReadsASeriesAsOne) {
+TEST(multi_input, reads_a_series_as_one) {
     for (std::vector<std::string> const & members :
          {std::vector<std::string>{"ab", "", "cde"}, {"", "", "abcde"}, {"a", "b", "c", "d", "e"}}) {
         series single(members), block(members), skipping(members);
@@ -67,12 +67,7 @@ struct files : stream::multi_output {
         targets.emplace_back(std::exchange(failing, 0));
         under(targets.back());
     }
-    std::string written_to_all() const {
-        std::string all;
-        for (auto const & target : targets)
-            all += target.data + "|";
-        return all;
-    }
+    std::string written_to_all() const { return support::joined(targets); }
     std::vector<uint64> limits;
     std::deque<recording_target> targets;
     int failing;
@@ -81,7 +76,7 @@ struct files : stream::multi_output {
 
 std::string const run_out = "stream::multi_output: I have run out of files to write";
 
-TEST(MultiOutput, FillsEachTarget) {
+TEST(multi_output, fills_each_target) {
     struct {
         std::vector<uint64> limits;
         std::vector<std::string> writes;
@@ -107,7 +102,7 @@ TEST(MultiOutput, FillsEachTarget) {
     }
 }
 
-TEST(MultiOutput, RunsOutOfFilesForGood) {
+TEST(multi_output, runs_out_of_files_for_good) {
     files out({4, 4});
     EXPECT_EQ(raised([&] { out.write("123456789", 9); }), run_out);
     EXPECT_EQ(out.written_to_all(), "1234|5678|");
@@ -118,7 +113,7 @@ TEST(MultiOutput, RunsOutOfFilesForGood) {
     EXPECT_THROW(out.write(narrow_string("x")), stream::exception);
 }
 
-TEST(MultiOutput, ALimitMayFallBelowWhatIsWritten) {
+TEST(multi_output, a_limit_may_fall_below_what_is_written) {
     files out({10, 10});
     out.write("abcd", 4);
     out.limit(2);
@@ -130,7 +125,7 @@ TEST(MultiOutput, ALimitMayFallBelowWhatIsWritten) {
     EXPECT_EQ(raised([&] { out.write('g'); }), run_out);
 }
 
-TEST(MultiOutput, LosesNothingWhenATargetFails) {
+TEST(multi_output, loses_nothing_when_a_target_fails) {
     std::string const data = "abcdefghijklmnopqrstuvwxyz";
     for (int n = 1; n <= 8; ++n) {
         files out({7, 7, 7, 7}, n);

@@ -60,7 +60,7 @@ void agrees_with_host(uint32 page, std::string const & name, std::string const &
     ASSERT_EQ(decoded(page, ours), wide_string(1, unit)) << page;
 }
 
-TEST(CodePages, AgreeWithTheHost) {
+TEST(code_pages, agree_with_the_host) {
     std::map<uint32, std::string> const named = {{10000, "MACINTOSH"},
                                                  {10007, "MAC-CYRILLIC"},
                                                  {10017, "MAC-UK"},
@@ -94,7 +94,7 @@ TEST(CodePages, AgreeWithTheHost) {
     }
 }
 
-TEST(CodePages, DoubleBytesAgreeWithTheHost) {
+TEST(code_pages, double_bytes_agree_with_the_host) {
     for (uint32 const page : {932u, 936u, 949u, 950u}) {
         for (int first = 0x81; first < 0xFF; ++first) {
             for (int second = 0x40; second < 0xFF; ++second)
@@ -107,7 +107,7 @@ TEST(CodePages, DoubleBytesAgreeWithTheHost) {
     }
 }
 
-TEST(CodePages, SayWhatThePageLacks) {
+TEST(code_pages, say_what_the_page_lacks) {
     bool used = false;
     EXPECT_EQ(encoded(1252, u"a\x20AC\x0416z", &used, "_"), "a\x80_z");
     EXPECT_TRUE(used);
@@ -117,7 +117,7 @@ TEST(CodePages, SayWhatThePageLacks) {
     EXPECT_EQ(encoded(1252, u"\x0081\x009D"), "\x81\x9D");
 }
 
-TEST(CodePages, Utf8HasRealPairs) {
+TEST(code_pages, utf8_has_real_pairs) {
     struct {
         std::string bytes;
         wide_string units;
@@ -142,7 +142,7 @@ TEST(CodePages, Utf8HasRealPairs) {
     EXPECT_FALSE(used);
 }
 
-TEST(CodePages, StayWithinTheCapacity) {
+TEST(code_pages, stay_within_the_capacity) {
     std::string const text(40, 'x');
     wide_string const accented = wide_string(20, u'x') + u"\xE9\x20AC" + wide_string(20, u'x');
     for (uint32 capacity = 1; capacity < 50; ++capacity) {
@@ -158,7 +158,7 @@ TEST(CodePages, StayWithinTheCapacity) {
     }
 }
 
-TEST(CodePages, RefuseWhatTheyDoNotKnow) {
+TEST(code_pages, refuse_what_they_do_not_know) {
     for (uint32 const page : {0u, 1u, 37u, 1200u, 99999u}) {
         char16_t unit = u'a';
         char byte = 'a';
@@ -172,7 +172,7 @@ TEST(CodePages, RefuseWhatTheyDoNotKnow) {
     EXPECT_EQ(MultiByteToWideChar(1252, "", 0, nullptr, 0), 0u);
 }
 
-TEST(CodePages, FollowTheLanguage) {
+TEST(code_pages, follow_the_language) {
     struct {
         char const * locale;
         uint32 ansi, oem;

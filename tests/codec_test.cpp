@@ -20,7 +20,7 @@ wide_string decoded(narrow_string const & bytes, bool validate) {
     return out;
 }
 
-TEST(Utf8, DecodesWhatItKnowsAndMarksTheRest) {
+TEST(utf8, decodes_what_it_knows_and_marks_the_rest) {
     struct {
         narrow_string bytes;
         wide_string valid, any;
@@ -66,7 +66,7 @@ wide_string plain_decode(narrow_string const & bytes, bool validate) {
     return out;
 }
 
-TEST(Utf8, RoundTripsEveryUnitAndAnyBytes) {
+TEST(utf8, round_trips_every_unit_and_any_bytes) {
     wide_string all;
     for (unsigned unit = 0; unit < 0x10000; ++unit) {
         wide_string const one(1, static_cast<char16_t>(unit));
@@ -94,7 +94,7 @@ TEST(Utf8, RoundTripsEveryUnitAndAnyBytes) {
     }
 }
 
-TEST(Codec, FollowsItsSelector) {
+TEST(codec, follows_its_selector) {
     EXPECT_EQ(nio::encode(u"\x20AC\x0416", 1252), "\x80_");
     EXPECT_EQ(nio::encode(u"\x20AC\x0416", 1251), "\x88\xC6");
     EXPECT_EQ(nio::encode(u"\x20AC", -3), "\xE2\x82\xAC");
@@ -117,7 +117,7 @@ TEST(Codec, FollowsItsSelector) {
     EXPECT_EQ(nio::decode("a\0"s, 1252), u"a\0"s);
 }
 
-TEST(Codec, TranslateLeavesNoOther) {
+TEST(codec, translate_leaves_no_other) {
     wide_string text = u"a_b";
     nio::translate(text, u'a', u'b');
     EXPECT_EQ(text, u"b__");
@@ -125,7 +125,7 @@ TEST(Codec, TranslateLeavesNoOther) {
     EXPECT_EQ(text, u"b__");
 }
 
-TEST(Fields, AreWrittenInOneBlockEach) {
+TEST(fields, are_written_in_one_block_each) {
     recording_target empty;
     nio::write_string(empty, "", 0, 0);
     nio::write_c(empty, u"\x20AC", -3);
@@ -133,14 +133,14 @@ TEST(Fields, AreWrittenInOneBlockEach) {
     EXPECT_EQ(empty.data, "\xE2\x82\xAC\0"s);
 }
 
-TEST(Fields, MayEndWithTheirSource) {
+TEST(fields, may_end_with_their_source) {
     fragment_source in({"ab\0\xC3\xA9"s});
     EXPECT_EQ(nio::read_c(in, -3), u"ab");
     EXPECT_EQ(nio::read_c(in, -3), u"\xE9");
     EXPECT_EQ(nio::read_c(in, -3), u"");
 }
 
-TEST(Fields, NeedRoomForTheirBytes) {
+TEST(fields, need_room_for_their_bytes) {
     fragment_source in({"ab\ncd"});
     char storage[8];
     basic::buffer<char> fixed(storage, 8);

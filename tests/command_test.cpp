@@ -38,7 +38,7 @@ narrow_string refusal(command::line & line) {
     return "nothing raised";
 }
 
-TEST(CommandLine, DigestsOptionsAndParameters) {
+TEST(command_line, digests_options_and_parameters) {
     struct row {
         arguments given;
         bool toggle;
@@ -63,7 +63,7 @@ TEST(CommandLine, DigestsOptionsAndParameters) {
     }
 }
 
-TEST(CommandLine, FurtherKinds) {
+TEST(command_line, further_kinds) {
     program run({"-c=yes", "--size=4294967295"});
     EXPECT_FALSE(run.letter.found());
     run.line.digest();
@@ -72,7 +72,7 @@ TEST(CommandLine, FurtherKinds) {
     EXPECT_EQ(run.size(), 0xFFFFFFFFu);
 }
 
-TEST(CommandLine, RefusesWhatIsNotDeclared) {
+TEST(command_line, refuses_what_is_not_declared) {
     for (char const * argument : {"-", "--", "-5", "--INT=1", "--in", "-x=y=z", "-=1"}) {
         program run({"-i=4", argument, "-i=5"});
         EXPECT_EQ(refusal(run.line), "unknown parameter \"" + narrow_string(argument) + '"');
@@ -80,7 +80,7 @@ TEST(CommandLine, RefusesWhatIsNotDeclared) {
     }
 }
 
-TEST(CommandLine, RequiredOptionsOfTheProgramsOwn) {
+TEST(command_line, required_options_of_the_programs_own) {
     struct flag : command::element {
         using element::element;
         void parse(narrow_string const &) override { found(true); }
@@ -99,7 +99,7 @@ TEST(CommandLine, RequiredOptionsOfTheProgramsOwn) {
     }
 }
 
-TEST(CommandLine, RepeatsAndCopies) {
+TEST(command_line, repeats_and_copies) {
     program run({"-b", "x"});
     run.line.digest();
     command::option<bool> const copy = run.toggle;
@@ -122,7 +122,7 @@ narrow_string shown(command::line const & line) {
     return testing::internal::GetCapturedStdout();
 }
 
-TEST(CommandLine, ShowsTheOptionsToTheColumn) {
+TEST(command_line, shows_the_options_to_the_column) {
     EXPECT_EQ(shown(command::line(0, nullptr)), "\nList of supported options for tool:\nthere are no options\n");
     program run({});
     command::option<bool> wide(run.line, "--a-name-wider-than-its-field", false, "wide");

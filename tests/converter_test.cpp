@@ -10,7 +10,7 @@ struct row {
     narrow_string bytes;
 };
 
-TEST(Converter, WalksThePagesUntilOneHoldsTheText) {
+TEST(converter, walks_the_pages_until_one_holds_the_text) {
     check_in_locale("ru_RU.UTF-8", [] {
         any::converter const converter(437, 1253);
         for (auto const & [text, done, bytes] : {
@@ -31,7 +31,7 @@ TEST(Converter, WalksThePagesUntilOneHoldsTheText) {
     });
 }
 
-TEST(Converter, TakesTheSystemsPages) {
+TEST(converter, takes_the_systems_pages) {
     check_in_locale("ru_RU", [] {
         any::converter const converter;
         EXPECT_EQ(converter.ansi_page(), 1251);
@@ -43,7 +43,7 @@ TEST(Converter, TakesTheSystemsPages) {
     });
 }
 
-TEST(Converter, DropsZerosAtTheEndAlone) {
+TEST(converter, drops_zeros_at_the_end_alone) {
     any::converter const converter(1252, 932);
     for (auto const & [text, done, bytes] : {row{u"", true, ""}, row{wide_string(3, u'\0'), true, ""},
                                              row{{u'a', u'\0', u'b', u'\0', u'\0'}, true, {'a', '\0', 'b'}}}) {
@@ -55,7 +55,7 @@ TEST(Converter, DropsZerosAtTheEndAlone) {
     }
 }
 
-TEST(Converter, ToUnicodeTakesAnyBytes) {
+TEST(converter, to_unicode_takes_any_bytes) {
     any::converter const converter(1252, 932);
     for (bool const ansi : {true, false}) {
         wide_string result = u"what stood there";
@@ -75,7 +75,7 @@ TEST(Converter, ToUnicodeTakesAnyBytes) {
     EXPECT_EQ(converter.from_unicode(units, true), every.substr(0, 255));
 }
 
-TEST(Converter, UnknownPages) {
+TEST(converter, unknown_pages) {
     check_in_locale("C", [] {
         any::converter const unknown(-1, 65001);
         wide_string wide = u"what stood there";

@@ -12,7 +12,7 @@ byte_vector bytes(narrow_string const & text) { return {text.begin(), text.end()
 
 void feed(crc_16 & crc, byte_vector const & data) { crc.update(data.data(), static_cast<uint32>(data.size())); }
 
-TEST(Crc, TableAndWorkedValues) {
+TEST(crc, table_and_worked_values) {
     using algorithm::crc::crc_table;
     EXPECT_EQ(crc_table[0], 0x0000u);
     EXPECT_EQ(crc_table[1], 0x1021u);
@@ -30,7 +30,7 @@ TEST(Crc, TableAndWorkedValues) {
     EXPECT_EQ(crc.result(), (byte_vector{0x31, 0xC3}));
 }
 
-TEST(Crc, FinishesOnceUntilReset) {
+TEST(crc, finishes_once_until_reset) {
     crc_16 crc;
     crc.hook(1, 2);
     feed(crc, bytes("123456789"));
@@ -49,7 +49,7 @@ TEST(Crc, FinishesOnceUntilReset) {
     EXPECT_EQ(crc.result(), (byte_vector{0x58, 0xE5}));
 }
 
-TEST(Crc, BlocksOfAnyLengthGiveTheStateOfSingleBytes) {
+TEST(crc, blocks_of_any_length_give_the_state_of_single_bytes) {
     byte_vector data(100);
     std::iota(data.begin(), data.end(), static_cast<unsigned char>(0xB7));
     for (uint32 split = 0; split <= 40; ++split)

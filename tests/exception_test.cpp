@@ -13,7 +13,7 @@
 
 namespace {
 
-TEST(QpException, TextIsCutToItsArray) {
+TEST(qp_exception, text_is_cut_to_its_array) {
     struct row {
         char const * given;
         narrow_string kept;
@@ -27,7 +27,7 @@ TEST(QpException, TextIsCutToItsArray) {
     }
 }
 
-TEST(UnException, CarriesItsWordsAndNothingElse) {
+TEST(un_exception, carries_its_words_and_nothing_else) {
     stream::exception const e("message", "origin");
     EXPECT_EQ(e.message(), "message");
     EXPECT_EQ(e.origin(), "origin");
@@ -48,7 +48,7 @@ std::type_info const & thrown(std::function<void()> const & action) {
     return typeid(void);
 }
 
-TEST(ClonedException, ClonesAsItselfAndRaisesByTheTable) {
+TEST(cloned_exception, clones_as_itself_and_raises_by_the_table) {
     qpthr::QpUserException const user(3, "text");
     un::exception const un("m", "o");
     stream::exception const stream("m", "o");
@@ -80,7 +80,7 @@ TEST(ClonedException, ClonesAsItselfAndRaisesByTheTable) {
     }
 }
 
-TEST(ClonedException, AssignmentCopiesEveryField) {
+TEST(cloned_exception, assignment_copies_every_field) {
     io::exception target("a", "b", 1);
     target = io::exception("message", "origin", 2);
     EXPECT_EQ(target.message(), "message");
@@ -88,7 +88,7 @@ TEST(ClonedException, AssignmentCopiesEveryField) {
     EXPECT_EQ(target.error(), 2);
 }
 
-TEST(BasicException, IsALineOfItsOwn) {
+TEST(basic_exception, is_a_line_of_its_own) {
     static_assert(!std::is_base_of_v<std::exception, nio::exception>);
     static_assert(!std::is_polymorphic_v<nio::exception>);
     try {

@@ -16,7 +16,7 @@ using support::recording_target;
 using support::rest;
 using support::text;
 
-TEST(FilterInput, KeepsWhatIsGivenBackAndDirectHandsItDown) {
+TEST(filter_input, keeps_what_is_given_back_and_direct_hands_it_down) {
     fragment_source source({"abcdef"});
     stream::filter_input filter(source);
     stream::direct_input lower(source), direct;
@@ -35,7 +35,7 @@ TEST(FilterInput, KeepsWhatIsGivenBackAndDirectHandsItDown) {
     EXPECT_EQ(direct.size(), 6u);
 }
 
-TEST(Filter, WithoutAStreamReadsAsEndedAndRaisesOnWriting) {
+TEST(filter, without_a_stream_reads_as_ended_and_raises_on_writing) {
     stream::direct_input in;
     char block[4];
     EXPECT_EQ(in.read(), -1);
@@ -70,7 +70,7 @@ struct noting : stream::filter_output {
     char name;
 };
 
-TEST(FilterOutput, FlushesThroughFromTheTop) {
+TEST(filter_output, flushes_through_from_the_top) {
     recording_target bottom;
     std::string page;
     noting c(bottom, page, 'c'), b(c, page, 'b'), a(b, page, 'a');
@@ -100,7 +100,7 @@ struct two : one {
     explicit two(stream::input & s) : filter_input(s), one(s) {}
 };
 
-TEST(Filter, CopiesAndAssignsTheSharedPartOnce) {
+TEST(filter, copies_and_assigns_the_shared_part_once) {
     fragment_source first({"abc"}), second({"uvw"});
     stream::big_endian_input reader(first);
     stream::endian_input & as_endian = reader;
@@ -134,7 +134,7 @@ TEST(Filter, CopiesAndAssignsTheSharedPartOnce) {
 
 char const eight[] = "\x12\x34\x56\x78\x9A\xBC\xDE\xF0";
 
-TEST(Endian, ACallersSourceIsAskedAsPromised) {
+TEST(endian, a_callers_source_is_asked_as_promised) {
     fragment_source blocks({std::string(eight, 8)}), singles({std::string(eight, 8)});
     stream::little_endian_input(blocks).read32();
     EXPECT_EQ(blocks.asked, (std::vector<uint32>{4}));
@@ -163,7 +163,7 @@ TEST(Endian, ACallersSourceIsAskedAsPromised) {
     EXPECT_EQ(in.singles, 4);
 }
 
-TEST(Endian, WritesEachWidth) {
+TEST(endian, writes_each_width) {
     std::string const big = "\xAB\x12\x34\x12\x34\x56\x12\x34\x56\x78\x12\x34\x56\x78\x9A\xBC\xDE\xF0";
     std::string const little = "\xAB\x34\x12\x56\x34\x12\x78\x56\x34\x12\xF0\xDE\xBC\x9A\x78\x56\x34\x12";
     auto const expect = [](auto out_over, std::string const & expected) {

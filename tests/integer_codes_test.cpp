@@ -74,7 +74,7 @@ int64 model_read_p2(bit_input & in) {
     return static_cast<int64>(x - 1);
 }
 
-TEST(Wz, KnownCodes) {
+TEST(wz, known_codes) {
     struct row {
         int64 value;
         byte_vector code;
@@ -93,7 +93,7 @@ TEST(Wz, KnownCodes) {
     }
 }
 
-TEST(Wz, ReadsWhatNoWriterMakes) {
+TEST(wz, reads_what_no_writer_makes) {
     struct row {
         byte_vector code;
         int64 value;
@@ -106,7 +106,7 @@ TEST(Wz, ReadsWhatNoWriterMakes) {
         EXPECT_EQ(from_wz(code), value) << code.size();
 }
 
-TEST(P2, KnownCodes) {
+TEST(p2, known_codes) {
     struct row {
         int64 value;
         byte_vector code;
@@ -130,7 +130,7 @@ TEST(P2, KnownCodes) {
     EXPECT_EQ(p2({0, 1, 2}), (byte_vector{0x02 | 0x04 << 2 | (0x0D << 5 & 0xFF), 0x0D >> 3}));
 }
 
-TEST(Codes, ReadInBlocksAsByteByByteAndBitByBit) {
+TEST(codes, read_in_blocks_as_byte_by_byte_and_bit_by_bit) {
     std::mt19937 random(3);
     for (unsigned round = 0; round < 4000; ++round) {
         std::vector<char> data(random() % 60);
@@ -167,7 +167,7 @@ TEST(Codes, ReadInBlocksAsByteByByteAndBitByBit) {
     }
 }
 
-TEST(Codes, WriteInBlocksAsByteByByteAndBitByBit) {
+TEST(codes, write_in_blocks_as_byte_by_byte_and_bit_by_bit) {
     std::mt19937_64 random(4);
     auto const succeeds = [](auto const & work) {
         try {
@@ -197,7 +197,7 @@ TEST(Codes, WriteInBlocksAsByteByByteAndBitByBit) {
     }
 }
 
-TEST(BitInput, AsksForBytesOnlyWhenTheirBitsAreWanted) {
+TEST(bit_input, asks_for_bytes_only_when_their_bits_are_wanted) {
     stream::array_input in("\xA5\x0F\xFF\x80\x01", 5);
     bit_input bits(in);
     EXPECT_EQ(bits.peek(0), 0);
@@ -221,7 +221,7 @@ TEST(BitInput, AsksForBytesOnlyWhenTheirBitsAreWanted) {
     EXPECT_EQ(bits.get_bit(), -1);
 }
 
-TEST(BitInput, GoesOnSayingThatTheEndIsMet) {
+TEST(bit_input, goes_on_saying_that_the_end_is_met) {
     stream::array_input in("\x03", 1);
     bit_input bits(in);
     bits.drop(3);
@@ -236,7 +236,7 @@ TEST(BitInput, GoesOnSayingThatTheEndIsMet) {
     EXPECT_EQ(nio::read_p2(bits), 0);
 }
 
-TEST(BitOutput, HoldsBackUpTo31Bits) {
+TEST(bit_output, holds_back_up_to_31_bits) {
     byte_vector bytes;
     stream::vector_output out(bytes);
     bit_output bits(out);

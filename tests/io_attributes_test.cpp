@@ -2,7 +2,8 @@
 
 #include "socle/io/exception.h"
 #include "socle/io/item.h"
-#include "support/scratch.h"
+#include "tests/support/raised.h"
+#include "tests/support/scratch.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -11,15 +12,7 @@ using namespace std::string_literals;
 
 namespace {
 
-/// The exception that a call throws, as `origin: message: error`, or nothing.
-std::string thrown(auto && call) {
-    try {
-        call();
-        return "";
-    } catch (io::exception const & e) {
-        return e.origin() + ": " + e.message().substr(0, e.message().find(" \"")) + ": " + std::to_string(e.error());
-    }
-}
+using support::raised_with_code;
 
 uint64 const seconds = 3000000000;
 uint64 const file_time = (seconds + 9561628800) * 10000000;
@@ -173,7 +166,7 @@ TEST_F(disk, a_sidecar_that_holds_no_header_is_as_good_as_none) {
     ASSERT_EQ(mkfifo(files.host("f.info").c_str(), 0600), 0);
     int const writer = open(files.host("f.info").c_str(), O_RDWR); // a reader would wait now
     expect_plain("pipe");
-    EXPECT_EQ(thrown([&] { io::attributes().apply(path("f"), 1); }), "io::fork: cannot create: 5");
+    EXPECT_EQ(raised_with_code([&] { io::attributes().apply(path("f"), 1); }), "io::fork: cannot create: 5");
     close(writer);
 }
 
@@ -202,11 +195,11 @@ TEST_F(disk, failures_say_what_could_not_be_done) {
         SCOPED_TRACE(row.name);
         io::attributes set;
         set.read_only = true;
-        EXPECT_EQ(thrown([&] { set.load(path(row.name), row.type); }), row.load);
+        EXPECT_EQ(raised_with_code([&] { set.load(path(row.name), row.type); }), row.load);
         EXPECT_TRUE(set.created.present() && set.modified.present());
         EXPECT_FALSE(set.read_only.value());
         EXPECT_EQ(set.win32.present(), row.name[1] == 0); // what was there is in the set
-        EXPECT_EQ(thrown([&] { set.apply(path(row.name), row.type); }), row.apply);
+        EXPECT_EQ(raised_with_code([&] { set.apply(path(row.name), row.type); }), row.apply);
     }
     EXPECT_FALSE(files.exists("nowhere"));
     EXPECT_FALSE(files.exists("missing"));
@@ -224,7 +217,7 @@ TEST_F(disk, names_go_to_the_system_in_the_narrow_form_too) {
         EXPECT_EQ(loaded(name, 1).created.value().mac_time(), seconds << 16);
     }
     files.write("\xE6\x97\xA5", "x");
-    EXPECT_NE(thrown([&] { loaded("\xE6\x97\xA5", 0); }), "");
+    EXPECT_NE(raised_with_code([&] { loaded("\xE6\x97\xA5", 0); }), "");
     io::wide_calls = true;
 }
 

@@ -3,13 +3,13 @@
 #include "socle/io/file.h"
 #include "socle/platform/host.h"
 #include "socle/platform/posix/host/host_calls.h"
+#include "tests/support/raised.h"
 #include "tests/support/scratch.h"
 
 #include <gtest/gtest.h>
 
 #include <cerrno>
 #include <cstdlib>
-#include <functional>
 #include <string_view>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -20,14 +20,7 @@ namespace fs = std::filesystem;
 
 any::path path_in(scratch const & folder, std::string const & name) { return {folder.path(name), true}; }
 
-std::string raised(std::function<void()> const & act) {
-    try {
-        act();
-    } catch (io::exception const & e) {
-        return e.origin() + ": " + e.message().substr(0, e.message().find(" \""));
-    }
-    return "nothing";
-}
+std::string raised(auto && call) { return support::raised_as<io::exception>(call); }
 
 std::string shown(io::directory & folder) {
     std::string names;

@@ -3,22 +3,15 @@
 #include "socle/io/fork_input.h"
 #include "socle/io/fork_output.h"
 #include "socle/nio/file.h"
-#include "support/scratch.h"
+#include "tests/support/raised.h"
+#include "tests/support/scratch.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
 
 namespace {
 
-/// The exception that a call throws, as `origin: message: error`, without path and text; or nothing.
-std::string thrown(auto && call) {
-    try {
-        call();
-        return "";
-    } catch (io::exception const & e) {
-        return e.origin() + ": " + e.message().substr(0, e.message().find(" \"")) + ": " + std::to_string(e.error());
-    }
-}
+using support::raised_with_code;
 
 /// Runs a test with names in both forms.
 struct disk : testing::TestWithParam<bool> {
@@ -81,7 +74,7 @@ TEST_P(disk, make_unique_counts_before_the_first_full_stop) {
     };
     for (auto const & row : cases) {
         io::item item(path(row.name));
-        std::string const error = thrown([&] { EXPECT_EQ(item.make_unique(row.tries), row.changed); });
+        std::string const error = raised_with_code([&] { EXPECT_EQ(item.make_unique(row.tries), row.changed); });
         EXPECT_EQ(error.substr(0, row.error.size()), row.error);
         EXPECT_EQ(item.path().leaf().str(true), row.leaf);
     }
@@ -92,10 +85,10 @@ TEST_P(disk, moves_leave_side_forks_and_never_replace) {
     files.write("a.rsrc", "r");
     files.write("b", "b");
     io::file a = file("a");
-    EXPECT_EQ(thrown([&] { a.move(path("b")); }), "io::item: cannot move/rename to: 183");
+    EXPECT_EQ(raised_with_code([&] { a.move(path("b")); }), "io::item: cannot move/rename to: 183");
     EXPECT_EQ(a.path().leaf(), u"b");
     a.path() = path("a");
-    EXPECT_EQ(thrown([&] { a.rename(any::string(u"b")); }), "io::item: cannot rename to: 183");
+    EXPECT_EQ(raised_with_code([&] { a.rename(any::string(u"b")); }), "io::item: cannot rename to: 183");
     a.path() = path("a");
     a.rename(any::string(u"c"));
     EXPECT_EQ(files.read("c") + files.read("a.rsrc") + files.read("b"), "arb");
@@ -124,12 +117,12 @@ TEST_P(disk, create_mends_a_name_that_cannot_be_made) {
 
     files.write("s_t.rsrc", "old"); // the name itself is free
     io::file side(raw(u"s?t"));
-    EXPECT_EQ(thrown([&] { side.rsrc_fork().create(true); }), "io::fork: cannot create: 80");
+    EXPECT_EQ(raised_with_code([&] { side.rsrc_fork().create(true); }), "io::fork: cannot create: 80");
     EXPECT_EQ(side.path().leaf(), u"s?t");
     EXPECT_EQ(files.read("s_t.rsrc"), "old");
 
     io::file there = file("x_y");
-    EXPECT_EQ(thrown([&] { there.create(false); }), "io::fork: cannot create: 80");
+    EXPECT_EQ(raised_with_code([&] { there.create(false); }), "io::fork: cannot create: 80");
     EXPECT_FALSE(there.create(true));
     there.data_fork().close(true);
     EXPECT_EQ(files.read("x_y"), "");
@@ -137,7 +130,7 @@ TEST_P(disk, create_mends_a_name_that_cannot_be_made) {
 
     io::file lost(any::path(files.path("no/folder?"), true) + any::string(u"a?"));
     any::path const before = lost.path();
-    EXPECT_EQ(thrown([&] { lost.create(false); }), "io::fork: cannot create: 3");
+    EXPECT_EQ(raised_with_code([&] { lost.create(false); }), "io::fork: cannot create: 3");
     EXPECT_EQ(lost.path().full_string(), before.full_string());
 }
 
@@ -168,15 +161,15 @@ TEST_P(disk, a_closed_fork_answers_without_opening) {
         fork.close(true);
         char byte = 0;
         EXPECT_EQ(fork.read(&byte, 0), 0u);
-        EXPECT_EQ(thrown([&] { fork.read(&byte, 1); }), "io::fork: cannot read from: 6");
-        EXPECT_EQ(thrown([&] { fork.write(&byte, 1); }), "io::fork: cannot write to: 6");
-        EXPECT_EQ(thrown([&] { fork.open(); }), error);
+        EXPECT_EQ(raised_with_code([&] { fork.read(&byte, 1); }), "io::fork: cannot read from: 6");
+        EXPECT_EQ(raised_with_code([&] { fork.write(&byte, 1); }), "io::fork: cannot write to: 6");
+        EXPECT_EQ(raised_with_code([&] { fork.open(); }), error);
         fork.close(true);
     }
     EXPECT_EQ(files.read("f"), "four");
-    EXPECT_EQ(thrown([&] { file("missing").data_fork().open_rw(); }), "io::fork: cannot open_rw: 2");
-    EXPECT_EQ(thrown([&] { file("missing").data_fork().unlink(true); }), "io::fork: cannot delete: 2");
-    EXPECT_EQ(thrown([&] { file("missing").unlink(true); }), "");
+    EXPECT_EQ(raised_with_code([&] { file("missing").data_fork().open_rw(); }), "io::fork: cannot open_rw: 2");
+    EXPECT_EQ(raised_with_code([&] { file("missing").data_fork().unlink(true); }), "io::fork: cannot delete: 2");
+    EXPECT_EQ(raised_with_code([&] { file("missing").unlink(true); }), "");
 }
 
 TEST_P(disk, resize_keeps_the_position_within_the_fork) {
@@ -191,10 +184,10 @@ TEST_P(disk, resize_keeps_the_position_within_the_fork) {
     }
     io::file second(f);
     EXPECT_FALSE(second.data_fork().descriptor().valid());
-    EXPECT_EQ(thrown([&] { second.data_fork().open_rw(); }), "io::fork: cannot open_rw: 32");
+    EXPECT_EQ(raised_with_code([&] { second.data_fork().open_rw(); }), "io::fork: cannot open_rw: 32");
     fork.close(true);
     fork.open();
-    EXPECT_EQ(thrown([&] { fork.resize(1); }), "io::fork: cannot resize: 5");
+    EXPECT_EQ(raised_with_code([&] { fork.resize(1); }), "io::fork: cannot resize: 5");
     fork.unlink(true);
     EXPECT_FALSE(f.exists());
 }
@@ -265,7 +258,7 @@ TEST(forks, take_the_standard_streams) {
     EXPECT_EQ(wide.read(bytes, 2), 2u);
     wide.close();
     close(STDIN_FILENO);
-    EXPECT_EQ(thrown([&] { file.data_fork().open_stdin(); }).substr(0, 27), "io::fork: cannot open stdin");
+    EXPECT_EQ(raised_with_code([&] { file.data_fork().open_stdin(); }).substr(0, 27), "io::fork: cannot open stdin");
     dup2(before, STDIN_FILENO);
     close(before);
 }

@@ -18,7 +18,7 @@ struct callers_lines : stream::line_input {
     using line_input::line_input;
 };
 
-TEST(LineInput, CutsLinesForACallersClassToo) {
+TEST(line_input, cuts_lines_for_a_callers_class_too) {
     struct {
         std::string data, lines, in_fours;
     } const table[] = {
@@ -47,7 +47,7 @@ TEST(LineInput, CutsLinesForACallersClassToo) {
     }
 }
 
-TEST(LineInput, ReadsNothingWhereNothingFits) {
+TEST(line_input, reads_nothing_where_nothing_fits) {
     fragment_source source({"\nab"});
     stream::line_input in(source);
     char line[1] = {'*'};
@@ -59,7 +59,7 @@ TEST(LineInput, ReadsNothingWhereNothingFits) {
     EXPECT_TRUE(source.asked.empty());
 }
 
-TEST(LineInput, StandsBetweenTheTwoBytesOfAPair) {
+TEST(line_input, stands_between_the_two_bytes_of_a_pair) {
     byte_vector const data = bytes("ab\r\ncd");
     stream::vector_input memory(data);
     stream::line_input in(memory);
@@ -71,7 +71,7 @@ TEST(LineInput, StandsBetweenTheTwoBytesOfAPair) {
     EXPECT_EQ(in.read_line(), "cd");
 }
 
-TEST(TextOutput, TurnsLineEnds) {
+TEST(text_output, turns_line_ends) {
     struct {
         int mode;
         char const * data;
@@ -106,7 +106,7 @@ TEST(TextOutput, TurnsLineEnds) {
     }
 }
 
-TEST(XmlOutput, WritesADocument) {
+TEST(xml_output, writes_a_document) {
     recording_target target;
     stream::xml_output xml(target, "doc", "doc.xsd", 1);
     xml.begin();

@@ -30,7 +30,7 @@ Record from(byte_vector const & data) {
     return record;
 }
 
-TEST(OsType, IsMadeOfTextsAndNumbers) {
+TEST(os_type, is_made_of_texts_and_numbers) {
     struct {
         os_type type;
         uint32 value;
@@ -50,7 +50,7 @@ TEST(OsType, IsMadeOfTextsAndNumbers) {
     }
 }
 
-TEST(OsType, AShortStreamIsAnErrorOnlyIfAskedFor) {
+TEST(os_type, a_short_stream_is_an_error_only_if_asked_for) {
     uint32 const lenient[] = {0xFFFFFFFF, 0x41FFFFFF, 0x4142FFFF, 0x414243FF};
     for (uint32 length = 0; length < 4; ++length) {
         os_type type("keep");
@@ -70,7 +70,7 @@ std::unique_ptr<un::structure> fresh() {
 
 std::string const zeros(16, '\0');
 
-TEST(MacRecords, WriteWhatTheyReadAndStandBehindIt) {
+TEST(mac_records, write_what_they_read_and_stand_behind_it) {
     struct {
         std::unique_ptr<un::structure> (*fresh)();
         std::string initial;
@@ -87,7 +87,8 @@ TEST(MacRecords, WriteWhatTheyReadAndStandBehindIt) {
         auto const record = row.fresh();
         EXPECT_TRUE(record->valid());
         EXPECT_EQ(support::text(written(*record)), row.initial);
-        auto source = support::dripping(support::bytes("<" + row.bytes + ">"));
+        std::string const bytes = "<" + row.bytes + ">";
+        support::drops source(bytes);
         EXPECT_EQ(source.read(), '<');
         EXPECT_EQ(record->read(source, true), row.bytes.size());
         EXPECT_EQ(source.read(), '>');
@@ -95,7 +96,7 @@ TEST(MacRecords, WriteWhatTheyReadAndStandBehindIt) {
     }
 }
 
-TEST(MacRecords, HaveTheirMembersInPlace) {
+TEST(mac_records, have_their_members_in_place) {
     auto const place = from<point>({0xFF, 0xFE, 1, 2});
     EXPECT_EQ(place.v, -2);
     EXPECT_EQ(place.h, 0x102);
@@ -124,7 +125,7 @@ TEST(MacRecords, HaveTheirMembersInPlace) {
     EXPECT_EQ(folder.extended.put_away_folder_id, 0x0C0D0E0Fu);
 }
 
-TEST(MacRecords, NumbersBehindTheEndHaveAllBitsSet) {
+TEST(mac_records, numbers_behind_the_end_have_all_bits_set) {
     for (std::size_t length = 0; length < 4; ++length) {
         auto const place = from<point>(byte_vector(length));
         EXPECT_EQ(place.v, length < 2 ? -1 : 0);
@@ -141,7 +142,7 @@ TEST(MacRecords, NumbersBehindTheEndHaveAllBitsSet) {
     EXPECT_EQ(from<extended_folder_info>(byte_vector(6)).reserved2, 0xFFFF);
 }
 
-TEST(MacRecords, ErrorsOfTheStreamPassThrough) {
+TEST(mac_records, errors_of_the_stream_pass_through) {
     byte_vector const data(16);
     stream::vector_input beneath(data);
     support::failing_source source(beneath, 3);
@@ -153,7 +154,7 @@ TEST(MacRecords, ErrorsOfTheStreamPassThrough) {
     EXPECT_EQ(target.writes, (std::vector<uint32>{4}));
 }
 
-TEST(MacRecords, TellTheirSizeWithoutAnObject) {
+TEST(mac_records, tell_their_size_without_an_object) {
     char const sizes[] = {os_type::fixed_size(), point::fixed_size(), rect::fixed_size()};
     EXPECT_EQ(std::string(sizes, 3), "\4\4\x8");
     uint32 const & constant = info::info_size; // bound to the exported object

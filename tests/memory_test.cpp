@@ -21,7 +21,7 @@ struct open_array_input : stream::array_input {
 
 uint64 const too_much = uint64(1) << 32;
 
-TEST(MemoryInput, StartsAnywhereAndEndsWithTheBlock) {
+TEST(memory_input, starts_anywhere_and_ends_with_the_block) {
     char const data[] = "abcdef";
     byte_vector const vector = bytes("abcdef");
     struct {
@@ -42,7 +42,7 @@ TEST(MemoryInput, StartsAnywhereAndEndsWithTheBlock) {
     }
 }
 
-TEST(MemoryInput, SkipsNoMoreThanThirtyTwoBits) {
+TEST(memory_input, skips_no_more_than_thirty_two_bits) {
     stream::array_input none(nullptr, 0);
     EXPECT_EQ(raised([&] { none.skip(too_much); }),
               "stream::array_input: cannot skip more than the maximum array size");
@@ -54,7 +54,7 @@ TEST(MemoryInput, SkipsNoMoreThanThirtyTwoBits) {
     EXPECT_EQ(in.skip(too_much - 1), 3u);
 }
 
-TEST(MemoryInput, CopiesOutOfAnArrayStayInPlace) {
+TEST(memory_input, copies_out_of_an_array_stay_in_place) {
     open_array_input in("abcdef", 6, 2);
     recording_target out;
     EXPECT_EQ(in._copy(out, 3), 3u);
@@ -72,7 +72,7 @@ TEST(MemoryInput, CopiesOutOfAnArrayStayInPlace) {
     EXPECT_EQ(raised([&] { beyond._copy(out, 1); }), too_far);
 }
 
-TEST(MemoryInput, CopyToLeavesAVectorButEmptiesAnArray) {
+TEST(memory_input, copy_to_leaves_a_vector_but_empties_an_array) {
     byte_vector const vector = bytes("abc");
     stream::vector_input in(vector, 1);
     stream::array_input array("abc", 3, 1);
@@ -84,7 +84,7 @@ TEST(MemoryInput, CopyToLeavesAVectorButEmptiesAnArray) {
     EXPECT_EQ(out.data, "bcbcbc");
 }
 
-TEST(MemoryInput, AVectorMayChangeUnderItsStream) {
+TEST(memory_input, a_vector_may_change_under_its_stream) {
     byte_vector vector = bytes("abcdef");
     stream::vector_input in(vector);
     EXPECT_EQ(in.read(), 'a');
@@ -99,7 +99,7 @@ TEST(MemoryInput, AVectorMayChangeUnderItsStream) {
     EXPECT_EQ(in.tell(), 2u);
 }
 
-TEST(MemoryInput, AssignmentTakesThePlaceAndTheBytesGivenBack) {
+TEST(memory_input, assignment_takes_the_place_and_the_bytes_given_back) {
     stream::array_input one("abc", 3), two("uvwxyz", 6, 1);
     EXPECT_EQ(two.read(), 'v');
     EXPECT_EQ(one.read(), 'a');
@@ -110,7 +110,7 @@ TEST(MemoryInput, AssignmentTakesThePlaceAndTheBytesGivenBack) {
     EXPECT_EQ(one.size(), 6u);
 }
 
-TEST(ArrayOutput, StoresWhatFits) {
+TEST(array_output, stores_what_fits) {
     std::string memory(6, '.');
     stream::array_output out(memory.data(), 6, 2);
     std::string const full = "stream::array_output: cannot write past the end of a fixed-size buffer";
@@ -132,7 +132,7 @@ TEST(ArrayOutput, StoresWhatFits) {
     EXPECT_EQ(memory, "..0000");
 }
 
-TEST(ArrayOutput, CopiesASourceThatFits) {
+TEST(array_output, copies_a_source_that_fits) {
     std::string memory(6, '.');
     stream::array_output out(memory.data(), 6, 2);
     std::string const too_large = "stream::array_output: input stream is too large to copy into the array";
@@ -152,7 +152,7 @@ TEST(ArrayOutput, CopiesASourceThatFits) {
     EXPECT_EQ(raised([&] { out.copy_from(source); }), too_large);
 }
 
-TEST(VectorOutput, OverwritesThenGrows) {
+TEST(vector_output, overwrites_then_grows) {
     byte_vector vector = bytes("abcde");
     stream::vector_output out(vector);
     out.write('0');
@@ -171,7 +171,7 @@ TEST(VectorOutput, OverwritesThenGrows) {
                                         10));
 }
 
-TEST(VectorOutput, StartsPastTheEnd) {
+TEST(vector_output, starts_past_the_end) {
     byte_vector vector = bytes("ab");
     stream::vector_output block(vector, 4);
     block.write("xy", 2);
@@ -188,7 +188,7 @@ TEST(VectorOutput, StartsPastTheEnd) {
                                         13));
 }
 
-TEST(VectorOutput, CopyGrowsFromTheEnd) {
+TEST(vector_output, copy_grows_from_the_end) {
     byte_vector vector = bytes("abcdef");
     stream::vector_output out(vector, 2);
     byte_vector const data = bytes("123");
@@ -203,7 +203,7 @@ TEST(VectorOutput, CopyGrowsFromTheEnd) {
     EXPECT_EQ(vector.size(), 9u);
 }
 
-TEST(VectorOutput, TakesBlocksFromItsOwnVector) {
+TEST(vector_output, takes_blocks_from_its_own_vector) {
     byte_vector vector = bytes("abc");
     vector.shrink_to_fit();
     stream::vector_output out(vector, 3);
@@ -216,7 +216,7 @@ TEST(VectorOutput, TakesBlocksFromItsOwnVector) {
     EXPECT_EQ(text(vector), "aabcacabcabc");
 }
 
-TEST(VectorOutput, ResizesTheVectorButNotBelowThePosition) {
+TEST(vector_output, resizes_the_vector_but_not_below_the_position) {
     byte_vector vector(10, 'x');
     stream::vector_output out(vector, 4);
     EXPECT_EQ(raised([&] { out.resize(3); }), "stream::vector_output: I do not truncate the stream");

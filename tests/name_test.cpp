@@ -15,7 +15,7 @@ any::name named(wide_string const & text, char16_t separator = u'/') {
     return name;
 }
 
-TEST(Name, Fragments) {
+TEST(name, fragments) {
     struct row {
         wide_string text;
         fragments pieces;
@@ -49,7 +49,7 @@ TEST(Name, Fragments) {
     EXPECT_EQ(named(u"a\\b/c", any::name::default_separator).leaf(), u"b/c");
 }
 
-TEST(Name, IteratorsStep) {
+TEST(name, iterators_step) {
     any::name name = named(u"first/second");
     any::name const other = name;
     auto it = name.fragment_begin();
@@ -69,7 +69,7 @@ TEST(Name, IteratorsStep) {
     EXPECT_EQ(any::name::null.fragment_begin(), copy);
 }
 
-TEST(Name, AddLeaf) {
+TEST(name, add_leaf) {
     any::name name = named(u"a");
     name.add_leaf(u"");
     EXPECT_EQ(name.get_ucs2(), u"a");
@@ -86,7 +86,7 @@ TEST(Name, AddLeaf) {
     EXPECT_EQ(empty.leaf(), u"d") << "the separator came along";
 }
 
-TEST(Name, Encodings) {
+TEST(name, encodings) {
     check_in_locale("en_US", [] {
         any::name name(u'/');
         name.set_ansi("x/\xE9\x80");

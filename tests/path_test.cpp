@@ -8,7 +8,7 @@ using elements = std::vector<any::string>;
 
 elements of(any::path const & path) { return {path.begin(), path.end()}; }
 
-TEST(Path, Cuts) {
+TEST(path, cuts) {
     struct row {
         wide_string text;
         elements cut;
@@ -27,7 +27,7 @@ TEST(Path, Cuts) {
     EXPECT_EQ(of(any::path(u"a/./b", false)), (elements{u"a", u".", u"b"}));
 }
 
-TEST(Path, CutsAtTheSeparatorsGiven) {
+TEST(path, cuts_at_the_separators_given) {
     any::path path(u"a/b:c", u":", true);
     EXPECT_EQ(of(path), (elements{u"a/b", u"c"}));
     EXPECT_EQ(path.full_string(), u"a/b:c");
@@ -48,7 +48,7 @@ TEST(Path, CutsAtTheSeparatorsGiven) {
     EXPECT_EQ((path + any::path(u"r/s", true)).full_string(), u"p:q:r:s");
 }
 
-TEST(Path, Leaf) {
+TEST(path, leaf) {
     struct row {
         char16_t const * leaf;
         char16_t const * name;
@@ -61,7 +61,7 @@ TEST(Path, Leaf) {
     }
 }
 
-TEST(Path, AddsAndDrops) {
+TEST(path, adds_and_drops) {
     any::path path;
     path.add_leaf(u"");
     EXPECT_EQ(of(path), elements{u""});
@@ -89,7 +89,7 @@ TEST(Path, AddsAndDrops) {
     EXPECT_TRUE(any::path::null.empty());
 }
 
-TEST(Path, TakesItsOwnElements) {
+TEST(path, takes_its_own_elements) {
     any::path const start(u"a long name that is stored apart/another such long name.txt", true);
     elements const both = of(start);
     any::path path = start;
@@ -115,7 +115,7 @@ TEST(Path, TakesItsOwnElements) {
     EXPECT_EQ(*path.begin(), both[0]);
 }
 
-TEST(Path, Order) {
+TEST(path, order) {
     elements const sorted = {u"", u"A", u"a", u"a/b", u"a b", u"b"};
     for (std::size_t i = 0; i < sorted.size(); ++i)
         for (std::size_t k = 0; k < sorted.size(); ++k)

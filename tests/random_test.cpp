@@ -15,7 +15,7 @@ struct run {
     uint32 last;
 };
 
-TEST(JavaGenerator, DrawsWhatTheJavaPlatformDraws) {
+TEST(java_generator, draws_what_the_java_platform_draws) {
     java_generator generator(7);
     for (auto const & [seed, words, last] : {
              run{0, {0xBB20B460, 0xD4D95138, 0x3D93CB7A, 0x9B3970BE}, 0x09F5B5D7},
@@ -40,7 +40,7 @@ TEST(JavaGenerator, DrawsWhatTheJavaPlatformDraws) {
     }
 }
 
-TEST(JavaGenerator, FillsWithTheBytesOfItsWords) {
+TEST(java_generator, fills_with_the_bytes_of_its_words) {
     java_generator generator(7);
     generator.seed(0);
     byte_vector bytes(8, 0xEE);
@@ -49,7 +49,7 @@ TEST(JavaGenerator, FillsWithTheBytesOfItsWords) {
     EXPECT_EQ(generator.next_word(), 0x3D93CB7Au) << "the rest of the last word is dropped";
 }
 
-TEST(JavaGenerator, TakesItsFirstStateAsItComes) {
+TEST(java_generator, takes_its_first_state_as_it_comes) {
     java_generator generator(0xFFFF'0000'0000'0001);
     EXPECT_EQ(generator.state(), 0xFFFF'0000'0000'0001u);
     generator.next(1);

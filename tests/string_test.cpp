@@ -8,7 +8,7 @@
 
 namespace {
 
-TEST(String, Forms) {
+TEST(string, forms) {
     any::string text(u"abc");
     EXPECT_EQ(text.str(true), "abc");
     EXPECT_STREQ(text.cstr(false), "abc");
@@ -26,7 +26,7 @@ TEST(String, Forms) {
     EXPECT_EQ(text.str(true), narrow_string("a\0b", 3));
 }
 
-TEST(String, TakesEveryForm) {
+TEST(string, takes_every_form) {
     unsigned char const counted[] = {3, 'a', '\0', 'b', 'c'};
     EXPECT_EQ(any::string(counted, true), (wide_string{u'a', u'\0', u'b'}));
     EXPECT_EQ(any::string(narrow_string("a\0b", 3), true), (wide_string{u'a', u'\0', u'b'}));
@@ -39,14 +39,14 @@ TEST(String, TakesEveryForm) {
     EXPECT_EQ(text, u"abc");
 }
 
-TEST(String, FoldsWhatNoPageHolds) {
+TEST(string, folds_what_no_page_holds) {
     any::string const text(wide_string{0xD83D, 0x0100, u'A', 0x7F, 0x1F, u' ', 0x3F, 0x80, u'\0'});
     EXPECT_EQ(text.str(true), "9AA\x7F"
                               "f ?AA");
     EXPECT_EQ(text.str(false), text.str(true));
 }
 
-TEST(String, PagesDiffer) {
+TEST(string, pages_differ) {
     check_in_locale("en_US", [] {
         EXPECT_EQ(any::string("\xE9", true), u"\xE9");
         EXPECT_EQ(any::string("\xE9", false), u"\x398");
@@ -55,7 +55,7 @@ TEST(String, PagesDiffer) {
     });
 }
 
-TEST(String, ComparesWithoutCase) {
+TEST(string, compares_without_case) {
     any::string const text(u"Ab");
     EXPECT_EQ(text.ci_wstr(), any::string(u"aB").ci_wstr());
     EXPECT_EQ(wide_string(text.ci_wstr().c_str()), u"Ab");
@@ -79,7 +79,7 @@ bool match_by_steps(any::string const & text, any::string const & pattern) {
     return true;
 }
 
-TEST(PatternMatch, TextsAndPatterns) {
+TEST(pattern_match, texts_and_patterns) {
     wide_string const zero(1, u'\0');
     struct row {
         wide_string text, pattern;
@@ -103,7 +103,7 @@ TEST(PatternMatch, TextsAndPatterns) {
         EXPECT_EQ(any::string(text).pattern_match(pattern), fits) << testing::PrintToString(pattern);
 }
 
-TEST(PatternMatch, LeavesThePatternsBytes) {
+TEST(pattern_match, leaves_the_patterns_bytes) {
     any::string const pattern(u"a*b");
     narrow_string const & bytes = pattern.str(true);
     pattern.pstr(true);
@@ -113,7 +113,7 @@ TEST(PatternMatch, LeavesThePatternsBytes) {
     EXPECT_EQ(bytes, "a*b");
 }
 
-TEST(PatternMatch, ShortCutsChangeNothing) {
+TEST(pattern_match, short_cuts_change_nothing) {
     for (char const * const locale : {"en_US", "ja_JP", "he_IL", "vi_VN", "zh_CN"}) {
         check_in_locale(locale, [] {
             // U+30BD and U+8868 end in the byte of "\" in Japanese; several of these no single page holds.

@@ -94,7 +94,7 @@ int64 local_minus_gmt(int64 seconds) {
     return static_cast<int64>(value.file_time() - from_unix(seconds)) / static_cast<int64>(second);
 }
 
-TEST(Time, WorkedValuesOfTheFirstDayOf2001) {
+TEST(time, worked_values_of_the_first_day_of_2001) {
     in_zone const utc("UTC");
     struct row {
         time::format_type format;
@@ -116,7 +116,7 @@ TEST(Time, WorkedValuesOfTheFirstDayOf2001) {
     }
 }
 
-TEST(Time, SetsAndReadsWithinItsWidths) {
+TEST(time, sets_and_reads_within_its_widths) {
     struct row {
         time::format_type from;
         uint64 number;
@@ -155,7 +155,7 @@ TEST(Time, SetsAndReadsWithinItsWidths) {
     EXPECT_TRUE(value.is_local());
 }
 
-TEST(Time, TakesEveryDosWord) {
+TEST(time, takes_every_dos_word) {
     in_zone const utc("UTC");
     for (uint32 word = 0; word <= 0xFFFF; ++word) {
         time value;
@@ -176,7 +176,7 @@ TEST(Time, TakesEveryDosWord) {
     }
 }
 
-TEST(Time, DosTimeIsLocalAndEven) {
+TEST(time, dos_time_is_local_and_even) {
     in_zone const utc("UTC");
     struct row {
         int64 seconds;
@@ -238,7 +238,7 @@ void agrees_with_the_host(char const * name, int64 standard) {
     }
 }
 
-TEST(Time, AgreesWithTheHostAwayFromAChange) {
+TEST(time, agrees_with_the_host_away_from_a_change) {
     agrees_with_the_host("Europe/Berlin", hour);
     agrees_with_the_host("Europe/Dublin", 0);
     agrees_with_the_host("America/New_York", -5 * hour);
@@ -247,7 +247,7 @@ TEST(Time, AgreesWithTheHostAwayFromAChange) {
     agrees_with_the_host("UTC", 0);
 }
 
-TEST(Time, NearAChangeTheHourFollowsTheLocalTimeTakenForGmt) {
+TEST(time, near_a_change_the_hour_follows_the_local_time_taken_for_gmt) {
     struct row {
         char const * zone;
         int64 today;
@@ -282,7 +282,7 @@ TEST(Time, NearAChangeTheHourFollowsTheLocalTimeTakenForGmt) {
     EXPECT_EQ(value.file_time(), from_unix(midnight(2024, 3, 31) + hour));
 }
 
-TEST(Time, MovesTheMacintoshValueByStandardTime) {
+TEST(time, moves_the_macintosh_value_by_standard_time) {
     in_zone const new_york("America/New_York");
     any::time value(3061152000, time::format_mac_seconds);
     value.to_local();
@@ -309,7 +309,7 @@ TEST(Time, MovesTheMacintoshValueByStandardTime) {
     EXPECT_EQ(unmoved.get(time::format_mac_seconds), 3061152000u);
 }
 
-TEST(Calendar, GoesFrom1601AsFarAsItsFields) {
+TEST(calendar, goes_from_1601_as_far_as_its_fields) {
     platform::SYSTEMTIME date;
     EXPECT_FALSE(platform::FileTimeToSystemTime(uint64{1} << 63, date));
     ASSERT_TRUE(platform::FileTimeToSystemTime(126227808004980736 + 86400 * second, date));
@@ -335,7 +335,7 @@ TEST(Calendar, GoesFrom1601AsFarAsItsFields) {
     }
 }
 
-TEST(Timer, SumsUpTheStretchesInWhichItRuns) {
+TEST(timer, sums_up_the_stretches_in_which_it_runs) {
     host_clocks const clocks;
     host_clocks::counter = 1000;
     un::timer timer;
@@ -374,7 +374,7 @@ TEST(Timer, SumsUpTheStretchesInWhichItRuns) {
     EXPECT_EQ(stopped.ms(), 0u);
 }
 
-TEST(Timer, LeavesOutTheTimeBetweenItsTwoReadings) {
+TEST(timer, leaves_out_the_time_between_its_two_readings) {
     host_clocks const clocks;
     un::timer timer;
     host_clocks::tick = 10;
@@ -382,7 +382,7 @@ TEST(Timer, LeavesOutTheTimeBetweenItsTwoReadings) {
     EXPECT_EQ(timer.units(), 10u);
 }
 
-TEST(TimerSource, TakesTheLowBitsOfTheCounter) {
+TEST(timer_source, takes_the_low_bits_of_the_counter) {
     host_clocks const clocks;
     host_clocks::counter = 0x7FED'CBA9'8765'4321;
     EXPECT_EQ(algorithm::random::timer_source().bits(32), 0x8765'4321u);
@@ -390,7 +390,7 @@ TEST(TimerSource, TakesTheLowBitsOfTheCounter) {
     EXPECT_EQ(algorithm::random::java_generator().state(), 0x8765'4321u);
 }
 
-TEST(Timer, ReportsACounterThatFails) {
+TEST(timer, reports_a_counter_that_fails) {
     host_clocks const clocks;
     un::timer timer;
     host_clocks::counter += 9;

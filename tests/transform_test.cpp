@@ -16,7 +16,7 @@ using support::raised;
 using support::recording_target;
 using support::text;
 
-TEST(Transform, RefusesToWork) {
+TEST(transform, refuses_to_work) {
     stream::transform none;
     fragment_source source({"a"});
     recording_target target;
@@ -26,7 +26,7 @@ TEST(Transform, RefusesToWork) {
               "stream::transform: partial stream processing is not implemented");
 }
 
-TEST(Copier, MovesInBlocks) {
+TEST(copier, moves_in_blocks) {
     struct {
         uint32 size;
         uint64 count;
@@ -69,7 +69,7 @@ TEST(Copier, MovesInBlocks) {
     EXPECT_EQ(stream::copier().buffer_size(), 65536u);
 }
 
-TEST(Copier, CopiesWithinOneArrayAsThroughItsBlock) {
+TEST(copier, copies_within_one_array_as_through_its_block) {
     for (bool const lent : {false, true}) {
         byte_vector data = support::pattern(60);
         auto * const bytes = reinterpret_cast<char *>(data.data());
@@ -85,7 +85,7 @@ TEST(Copier, CopiesWithinOneArrayAsThroughItsBlock) {
     }
 }
 
-TEST(Copier, StopsWhereAStreamFails) {
+TEST(copier, stops_where_a_stream_fails) {
     auto const data = support::pattern(50);
     for (int n = 1; n <= 7; ++n) {
         for (bool const source_fails : {true, false}) {

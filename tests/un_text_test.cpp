@@ -12,7 +12,7 @@ namespace {
 
 using tokens = std::vector<narrow_string>;
 
-TEST(Digits, EveryByteInEveryRadix) {
+TEST(digits, every_byte_in_every_radix) {
     narrow_string const lower = "0123456789abcdefghijklmnopqrstuvwxyz";
     narrow_string const upper = "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZ";
     for (int const radix : {-1, 0, 1, 2, 9, 10, 11, 16, 36, 37, 300}) {
@@ -28,7 +28,7 @@ TEST(Digits, EveryByteInEveryRadix) {
     }
 }
 
-TEST(Digits, ReadTakesHexadecimalDigitsInAnyRadix) {
+TEST(digits, read_takes_hexadecimal_digits_in_any_radix) {
     struct row {
         char const * text;
         int radix;
@@ -41,7 +41,7 @@ TEST(Digits, ReadTakesHexadecimalDigitsInAnyRadix) {
         EXPECT_EQ(un::read(text, radix), value) << text << " in " << radix;
 }
 
-TEST(Digits, WriteFillsToItsWidth) {
+TEST(digits, write_fills_to_its_width) {
     struct row {
         uint64 value;
         int radix;
@@ -58,7 +58,7 @@ TEST(Digits, WriteFillsToItsWidth) {
         EXPECT_EQ(un::write(value, radix, width), text) << value << " in " << radix;
 }
 
-TEST(Parser, NumbersFollowTheRadix) {
+TEST(parser, numbers_follow_the_radix) {
     un::parser parser("42g1 z7", 0);
     EXPECT_EQ(parser.number(10), 42u);
     EXPECT_EQ(parser.number(10), 0u);
@@ -76,7 +76,7 @@ TEST(Parser, NumbersFollowTheRadix) {
     EXPECT_TRUE(parser.eos());
 }
 
-TEST(Parser, EndsTheScan) {
+TEST(parser, ends_the_scan) {
     un::parser blanks("   ", 0);
     blanks.skip_through(" ");
     EXPECT_TRUE(blanks.eos());
@@ -93,7 +93,7 @@ TEST(Parser, EndsTheScan) {
     EXPECT_EQ(beyond.position(), 4u);
 }
 
-TEST(Tokenizer, CutsOneOfItsOwnTokens) {
+TEST(tokenizer, cuts_one_of_its_own_tokens) {
     un::tokenizer cut("1:2:3,4:5", ",");
     cut.init(cut[0], ":");
     EXPECT_EQ(cut, (tokens{"1", "2", "3"}));

@@ -4,7 +4,7 @@
 
 namespace {
 
-TEST(Utf8Coder, Encodes) {
+TEST(utf8_coder, encodes) {
     struct row {
         wide_string text;
         narrow_string bytes;
@@ -25,7 +25,7 @@ TEST(Utf8Coder, Encodes) {
     }
 }
 
-TEST(Utf8Coder, DecodesWhatIsMalformedByteByByte) {
+TEST(utf8_coder, decodes_what_is_malformed_byte_by_byte) {
     struct row {
         narrow_string bytes;
         wide_string text;
@@ -49,7 +49,7 @@ TEST(Utf8Coder, DecodesWhatIsMalformedByteByByte) {
     }
 }
 
-TEST(Utf8Coder, EveryUnitReturnsToItself) {
+TEST(utf8_coder, every_unit_returns_to_itself) {
     auto const returns = [](wide_string const & text) {
         narrow_string const bytes = any::utf8_coder::encode(text);
         return any::utf8_coder::encoded_size(text) == bytes.size() && bytes.find('\0') == bytes.npos

@@ -17,7 +17,7 @@ using support::failure;
 using support::fragment_source;
 using support::recording_target;
 
-TEST(Buffer, KnowsWhetherItMayBeResized) {
+TEST(buffer, knows_whether_it_may_be_resized) {
     basic::buffer<uint16> own(3);
     for (uint32 i = 0; i < 3; ++i)
         own[i] = static_cast<uint16>(i + 1);
@@ -57,7 +57,7 @@ struct series : nio::multi_input {
     std::size_t at = 0;
 };
 
-TEST(WideMultiInput, ReadsAcrossSources) {
+TEST(wide_multi_input, reads_across_sources) {
     series in({"abc", "", "defg"});
     char block[10];
     EXPECT_EQ(in.read(block, 0), 0u);
@@ -80,18 +80,13 @@ struct files : nio::multi_output {
             target(&targets.back());
         }
     }
-    std::string written_to_all() const {
-        std::string all;
-        for (auto const & piece : targets)
-            all += piece.data + "|";
-        return all;
-    }
+    std::string written_to_all() const { return support::joined(targets); }
     std::vector<uint64> limits;
     std::deque<recording_target> targets;
     int failing;
 };
 
-TEST(WideMultiOutput, FillsEachPieceAndRunsOut) {
+TEST(wide_multi_output, fills_each_piece_and_runs_out) {
     files out({10, 10, 0, 10});
     out.write("0123456789", 10);
     EXPECT_EQ(out.targets.size(), 1u);
@@ -115,7 +110,7 @@ TEST(WideMultiOutput, FillsEachPieceAndRunsOut) {
     EXPECT_EQ(narrowed.written_to_all(), "abc|de|");
 }
 
-TEST(WideMultiOutput, CanGoOnAfterATargetFailed) {
+TEST(wide_multi_output, can_go_on_after_a_target_failed) {
     std::string const data = "abcdefghijklmnop";
     for (int n = 1; n <= 4; ++n) {
         files out({5, 5, 5, 5}, n);
@@ -129,7 +124,7 @@ TEST(WideMultiOutput, CanGoOnAfterATargetFailed) {
     }
 }
 
-TEST(WideBufferedInput, RefillsOrPassesBy) {
+TEST(wide_buffered_input, refills_or_passes_by) {
     fragment_source source({std::string(300, 'x')});
     source.skip(10);
     nio::buffered_input in(source, 100);
@@ -147,10 +142,10 @@ TEST(WideBufferedInput, RefillsOrPassesBy) {
     EXPECT_EQ(in.tell(), 300u);
 }
 
-TEST(WideBufferedInput, StaysTrueOverAnySource) {
-    auto const data = support::pattern(500);
+TEST(wide_buffered_input, stays_true_over_any_source) {
+    auto const data = support::text(support::pattern(500));
     for (uint32 seed = 0; seed < 300; ++seed) {
-        auto drops = support::dripping(data);
+        support::drops drops(data);
         support::failing_source source(drops, static_cast<int>(seed % 40));
         nio::buffered_input in(source, seed % 13);
         std::mt19937 random(seed);
@@ -167,7 +162,7 @@ TEST(WideBufferedInput, StaysTrueOverAnySource) {
             }
             ASSERT_EQ(in.tell(), got.size()) << seed;
         }
-        EXPECT_EQ(got, support::text(data)) << seed;
+        EXPECT_EQ(got, data) << seed;
     }
     support::lying_source liar;
     nio::buffered_input in(liar, 8);
@@ -177,7 +172,7 @@ TEST(WideBufferedInput, StaysTrueOverAnySource) {
     EXPECT_EQ(in.tell(), 6u);
 }
 
-TEST(WideBufferedOutput, HoldsWhatFits) {
+TEST(wide_buffered_output, holds_what_fits) {
     recording_target target;
     {
         nio::buffered_output out(target, 100);
@@ -201,7 +196,7 @@ TEST(WideBufferedOutput, HoldsWhatFits) {
     EXPECT_EQ(target.data.back(), 'z');
 }
 
-TEST(WideBufferedOutput, LosesNothingWhenTheTargetFails) {
+TEST(wide_buffered_output, loses_nothing_when_the_target_fails) {
     for (int n = 1; n < 40; ++n) {
         recording_target target(n);
         std::string taken;

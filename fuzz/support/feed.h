@@ -79,6 +79,28 @@ private:
     std::string_view left_;
 };
 
+/// The number in `size` bytes at `at`, the low byte first, or the high one if `big`.
+inline uint64 number_at(std::string_view bytes, std::size_t at, std::size_t size, bool big = false) {
+    uint64 value = 0;
+    for (std::size_t i = 0; i < size; ++i)
+        value = value << 8 | static_cast<unsigned char>(bytes[at + (big ? i : size - 1 - i)]);
+    return value;
+}
+
+/// What a model throws where the library has to refuse.
+struct refusal {};
+
+/// Whether a call throws a `Refusal`.
+template <class Refusal>
+bool refuses(auto && act) {
+    try {
+        act();
+    } catch (Refusal const &) {
+        return true;
+    }
+    return false;
+}
+
 /// How much is handed over in a turn: each byte of `sizes` says so by one less, turn by turn; 4096 if there are none.
 inline uint32 block_size(std::string_view sizes, std::size_t turn) {
     return sizes.empty() ? 4096 : static_cast<unsigned char>(sizes[turn % sizes.size()]) + 1u;

@@ -52,10 +52,8 @@ void prepare_forks(place const & where) {
 
 void prepare_streams(place const & where) {
     where.here.write("n/f", "data");
-    for (char const * const name : {"note", "AFP_Resource"}) {
-        nio::file stream(u"N:\\f:" + platform::from_host(name), 4);
-        stream.write(name, 4);
-    }
+    put_stream(u"N:\\f:note", "note");
+    put_stream(u"N:\\f:AFP_Resource", "AFP_");
     give_finder_info(u"N:\\f", true);
 }
 

@@ -1,6 +1,7 @@
 #include "tests/faults/frame.h"
 
 #include "socle/nio/exception.h"
+#include "socle/nio/file.h"
 #include "socle/nio/filesystem_exception.h"
 #include "socle/platform/directories.h"
 #include "socle/platform/errors.h"
@@ -96,6 +97,11 @@ uncounted::uncounted()
 uncounted::~uncounted() {
     posix::host::fault = fault_;
     allocations_left = allocations_;
+}
+
+void put_stream(wide_string const & path, std::string const & bytes) {
+    nio::file file(path, 4);
+    file.write(bytes.data(), static_cast<uint32>(bytes.size()));
 }
 
 void check(bool good, char const * what) {

@@ -155,11 +155,6 @@ bool apply_info(wide_string const & path, bool allow_ntfs) {
     return nio::attributes(item).finder_info == set.finder_info;
 }
 
-void put_stream(wide_string const & path, std::string const & bytes) {
-    nio::file file(path, 4);
-    file.write(bytes.data(), static_cast<uint32>(bytes.size()));
-}
-
 void prepare_streams(place const & where) {
     where.here.write("n/f", "data");
     where.here.write("n/g", "other");

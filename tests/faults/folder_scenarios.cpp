@@ -120,10 +120,8 @@ bool move_by_io(place const & where, wide_string const & target) {
 
 void prepare_streams(place const & where) {
     where.here.write("n/f", bytes);
-    for (auto const & [name, text] : {std::pair(u":note", "remember"), {u":AFP_Resource", "resources"}}) {
-        nio::file stream(u"N:\\f" + wide_string(name), 4);
-        stream.write(text, 8);
-    }
+    put_stream(u"N:\\f:note", "remember");
+    put_stream(u"N:\\f:AFP_Resource", "resource");
 }
 
 bool move_streams(wide_string target) { return !nio::move(u"N:\\f", target, true); }

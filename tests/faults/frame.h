@@ -75,6 +75,9 @@ private:
     int allocations_;
 };
 
+/// Makes a stream of a file, in place of one that is there.
+void put_stream(wide_string const & path, std::string const & bytes);
+
 /// Fails the test from within a scenario, whose calls are not counted then.
 void check(bool good, char const * what);
 

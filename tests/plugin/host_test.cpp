@@ -80,7 +80,7 @@ std::exception_ptr caught(plugin_throw_entry * plugin_throw, char const * class_
     return nullptr;
 }
 
-TEST(Plugin, ThrowsEveryClassToItsHostAndGoes) {
+TEST(plugin, throws_every_class_to_its_host_and_goes) {
     int unloads = 0;
     for (int load = 1; load <= 100 && !HasFailure(); ++load) {
         ASSERT_EQ(open(RTLD_NOW | RTLD_NOLOAD), nullptr) << "still loaded from before";

@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <stdexcept>
 #include <string>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -14,8 +15,9 @@
 class scratch {
 public:
     explicit scratch(std::string pattern = "/var/tmp/socle_test_XXXXXX") {
-        if (mkdtemp(pattern.data()))
-            folder_ = std::filesystem::canonical(pattern);
+        if (!mkdtemp(pattern.data()))
+            throw std::runtime_error("no folder can be made for " + pattern);
+        folder_ = std::filesystem::canonical(pattern);
     }
     scratch(scratch const &) = delete;
     scratch & operator=(scratch const &) = delete;

@@ -2,11 +2,14 @@
 
 #include "socle/stream/filter_input.h"
 #include "socle/stream/filter_output.h"
+#include "tests/support/memory_sources.h"
+#include "tests/support/raised.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cstring>
+#include <deque>
 #include <numeric>
 #include <string>
 #include <vector>
@@ -30,16 +33,8 @@ inline byte_vector pattern(std::size_t count) {
     return data;
 }
 
-/// Origin and words of the `stream::exception` that `act` throws.
-template <class Act>
-std::string raised(Act act) {
-    try {
-        act();
-    } catch (stream::exception const & e) {
-        return e.origin() + ": " + e.message();
-    }
-    return "nothing";
-}
+/// The `stream::exception` that a call throws.
+std::string raised(auto && call) { return raised_as<stream::exception>(call); }
 
 /// Reads to the end with single bytes.
 inline std::string rest(stream::input & source) {
@@ -100,18 +95,6 @@ private:
     std::size_t offset_ = 0;
     uint64 given_ = 0;
 };
-
-/// A fragment source that drips: 1, 2, 3 and 7 bytes in turn.
-inline fragment_source dripping(byte_vector const & data) {
-    std::vector<std::string> drops;
-    for (std::size_t at = 0, turn = 0; at < data.size(); ++turn) {
-        static std::size_t const sizes[] = {1, 2, 3, 7};
-        std::size_t const size = std::min(sizes[turn % 4], data.size() - at);
-        drops.emplace_back(data.begin() + long(at), data.begin() + long(at + size));
-        at += size;
-    }
-    return fragment_source(drops);
-}
 
 /// Passes everything on, but its `n`-th call throws before it does anything; 0 for never.
 class failing_source : public stream::filter_input {
@@ -181,6 +164,14 @@ private:
 
     int left_;
 };
+
+/// What each target has, behind each a bar.
+inline std::string joined(std::deque<recording_target> const & targets) {
+    std::string all;
+    for (auto const & target : targets)
+        all += target.data + "|";
+    return all;
+}
 
 /// `size` bytes without memory: each is the low byte of its position divided by 3.
 class huge_source : public stream::input {
