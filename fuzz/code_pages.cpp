@@ -43,9 +43,22 @@ wide_string decoded(uint32 page, narrow_string const & bytes) {
     return result;
 }
 
+/// Whether UTF-8, which does not tell, lacks some of a text: a lone surrogate.
+bool lacks_some(wide_string const & text) {
+    for (std::size_t i = 0; i < text.size(); ++i)
+        if ((text[i] & 0xF800) == 0xD800) {
+            if (text[i] >= 0xDC00 || i + 1 == text.size() || (text[i + 1] & 0xFC00) != 0xDC00)
+                return true;
+            ++i;
+        }
+    return false;
+}
+
 narrow_string encoded(uint32 page, wide_string const & text, char const * other, bool & used) {
+    bool * const told = page == CP_UTF8 ? nullptr : &used;
+    used = page == CP_UTF8 && lacks_some(text);
     auto const convert = [&](char * to, uint32 room) {
-        return WideCharToMultiByte(page, text.data(), static_cast<uint32>(text.size()), to, room, other, &used);
+        return WideCharToMultiByte(page, text.data(), static_cast<uint32>(text.size()), to, room, other, told);
     };
     uint32 const needed = convert(nullptr, 0);
     bool const first_used = used;

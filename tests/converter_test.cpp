@@ -21,6 +21,9 @@ TEST(converter, walks_the_pages_until_one_holds_the_text) {
                  row{u"\x3042", true, "\x82\xA0"},      // by 932
                  row{u"\x3042\x104", false, ""},        // each by a page, but both by none
                  row{u"\xD83D\xDE00", false, ""},
+                 row{u"\x431\x2321", true, "\xC2\x9B"}, // by 20866
+                 row{u"\xCA\x5D0", false, ""},          // no page has both
+                 row{u"\x3042\xFF", false, ""},
              }) {
             narrow_string result = "what stood there";
             EXPECT_EQ(converter.from_unicode(text, result, true), done) << bytes;
@@ -83,8 +86,8 @@ TEST(converter, unknown_pages) {
         EXPECT_EQ(wide, u"");
         EXPECT_EQ(unknown.to_unicode("a", true), u"");
         EXPECT_EQ(unknown.from_unicode(u"abc\x20AC", true), "abc\x80") << "by the pages listed";
-        EXPECT_EQ(unknown.from_unicode(u"\x3042.", false), "\xE3\x81\x82.") << "two bytes a unit are enough";
-        EXPECT_EQ(unknown.from_unicode(u"\x3042", false), "\x82\xA0") << "three bytes do not fit";
+        EXPECT_EQ(unknown.to_unicode("\xE3\x81\x82", false), u"\x3042");
+        EXPECT_EQ(unknown.from_unicode(u"\x3042.", false), "\x82\xA0.") << "UTF-8 does not tell what it lacks";
     });
 }
 
