@@ -1,4 +1,5 @@
 #include "socle/platform/environment.h"
+#include "socle/platform/errors.h"
 #include "socle/platform/shell_link_reader.h"
 #include "socle/platform/shell_links.h"
 #include "tests/support/scratch.h"
@@ -144,6 +145,10 @@ TEST(shell_link, files) {
         EXPECT_EQ(target, u"as it was") << name;
     }
     wide_string target;
+    platform::SetLastError(4711);
+    EXPECT_TRUE(platform::ResolveShellLink(platform::from_host(TEST_DATA "/links/nonascii.lnk"), target));
+    EXPECT_TRUE(platform::ResolveShellLink(platform::from_host(TEST_DATA "/links/local_ascii.lnk"), target));
+    EXPECT_EQ(platform::GetLastError(), 4711u) << "which success leaves alone";
     EXPECT_TRUE(platform::ResolveShellLink(platform::from_host(TEST_DATA "/links/nonascii.lnk"), target));
     EXPECT_EQ(target, u"C:\\socle\\Gr\xf6\xdf\x65 \xe9t\xe9.txt");
 }

@@ -4,7 +4,11 @@
 
 namespace platform {
 
+// An empty text is not converted: the calls would take it for a failure.
+
 wide_string from_ansi(std::string_view bytes) {
+    if (bytes.empty())
+        return {};
     uint32 const page = GetACP();
     uint32 const count = static_cast<uint32>(bytes.size());
     wide_string text(MultiByteToWideChar(page, bytes.data(), count, nullptr, 0), u'\0');
@@ -13,6 +17,8 @@ wide_string from_ansi(std::string_view bytes) {
 }
 
 narrow_string to_ansi(std::u16string_view text) {
+    if (text.empty())
+        return {};
     uint32 const page = GetACP();
     uint32 const count = static_cast<uint32>(text.size());
     narrow_string bytes(WideCharToMultiByte(page, text.data(), count, nullptr, 0, nullptr, nullptr), '\0');
