@@ -1,4 +1,5 @@
 #include "socle/platform/errors.h"
+#include "socle/platform/file_times.h"
 #include "socle/platform/files.h"
 #include "socle/platform/host.h"
 #include "tests/support/scratch.h"
@@ -192,7 +193,9 @@ TEST_F(platform_files, refuse_what_the_handle_is_not_for) {
                  [&] { return WriteFile(file, &byte, 1, done); }, [&] { return ReadFile(file, &byte, 1, done); },
                  [&] { return SetFilePointer(file, 0, FILE_CURRENT, value); }, [&] { return SetEndOfFile(file); },
                  [&] { return FlushFileBuffers(file); }, [&] { return GetFileSize(file, value); },
-                 [&] { return GetFileType(file) != 0; }, [&] { return CloseHandle(file); }}) {
+                 [&] { return GetFileTime(file, value, value); }, [&] { return SetFileTime(file, &value, nullptr); },
+                 [&] { return SetFileTime(file, nullptr, &value); }, [&] { return GetFileType(file) != 0; },
+                 [&] { return CloseHandle(file); }}) {
             SetLastError(0);
             EXPECT_FALSE(use());
             EXPECT_EQ(GetLastError(), 6u);

@@ -74,6 +74,10 @@ uint32 set_created(narrow_string const & path, uint64 units) {
 }
 
 uint32 set_times(int file, uint64 const * created, uint64 const * modified) {
+    // By its path, a handle that is not open would be a missing file.
+    struct stat status {};
+    if (host::fstat(file, &status) != 0)
+        return code_of(errno);
     narrow_string const path = path_of(file);
     if (created != nullptr) {
         if (uint32 const code = set_created(path, *created))
