@@ -1,7 +1,11 @@
 #include "socle/stream/array_output.h"
+#include "socle/stream/buffered_input.h"
+#include "socle/stream/buffered_output.h"
 #include "socle/stream/direct_input.h"
 #include "socle/stream/endian_input.h"
 #include "socle/stream/endian_output.h"
+#include "socle/stream/line_input.h"
+#include "socle/stream/safe_input.h"
 #include "socle/stream/vector_input.h"
 #include "socle/stream/vector_output.h"
 #include "tests/support/streams.h"
@@ -33,6 +37,55 @@ TEST(filter_input, keeps_what_is_given_back_and_direct_hands_it_down) {
     EXPECT_EQ(rest(filter), "xYZcdef");
     EXPECT_THROW(filter.seek(0), stream::exception);
     EXPECT_EQ(direct.size(), 6u);
+}
+
+template <class Filter>
+auto beneath(auto & stream) {
+    return &Filter(stream).under();
+}
+
+TEST(filter, stands_on_a_filter_of_another_class_and_copies_its_own) {
+    fragment_source source({"abcdef"});
+    stream::buffered_input ahead(source, 4);
+    stream::direct_input direct(ahead);
+    struct inheriting : stream::big_endian_input {
+        using big_endian_input::big_endian_input;
+    } reader(direct);
+    stream::line_input lines(source);
+    for (auto const & [found, expected] : std::initializer_list<std::pair<stream::input *, stream::input *>>{
+             {beneath<stream::filter_input>(ahead), &ahead},
+             {beneath<stream::filter_input>(direct), &direct},
+             {beneath<stream::direct_input>(ahead), &ahead},
+             {beneath<stream::direct_input>(reader), &reader},
+             {beneath<stream::direct_input>(lines), &lines},
+             {beneath<stream::big_endian_input>(reader), &reader},
+             {beneath<stream::little_endian_input>(reader), &reader},
+             {beneath<stream::safe_input>(reader), &reader},
+             {beneath<stream::direct_input>(direct), &ahead}, // a copy, like the rest
+             {beneath<inheriting>(reader), &direct},
+             {beneath<stream::line_input>(lines), &source},
+             {beneath<stream::filter_input>(std::as_const(ahead)), &source},
+         })
+        EXPECT_EQ(found, expected);
+    EXPECT_EQ(ahead.read(), 'a');
+    EXPECT_EQ(rest(reader), "bcdef");
+
+    recording_target target;
+    stream::buffered_output low(target, 8);
+    struct handing_down : stream::filter_output {
+        explicit handing_down(stream::buffered_output & stream) : filter_output(stream) {}
+        handing_down(handing_down const & other) : output(other), filter_output(other) {}
+    } mid(low);
+    stream::big_endian_output numbers(mid);
+    EXPECT_EQ(&mid.under(), &low);
+    EXPECT_EQ(&numbers.under(), &mid);
+    EXPECT_EQ(beneath<handing_down>(mid), &low);
+    EXPECT_EQ(beneath<stream::filter_output>(numbers), &numbers);
+    EXPECT_EQ(beneath<stream::big_endian_output>(numbers), &mid);
+    low.write('a');
+    numbers.write16(0x6263);
+    low.flush();
+    EXPECT_EQ(target.data, "abc");
 }
 
 TEST(filter, without_a_stream_reads_as_ended_and_raises_on_writing) {

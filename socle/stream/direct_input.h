@@ -11,6 +11,8 @@ public:
     direct_input() = default;
     /// Wraps `stream`, which has to outlive it.
     explicit direct_input(input & stream);
+    template <derived_filter<direct_input> Stream>
+    explicit direct_input(Stream & stream) : direct_input(static_cast<input &>(stream)) {}
     direct_input(direct_input const &) = default;
     direct_input & operator=(direct_input const &) = default;
     ~direct_input() override;

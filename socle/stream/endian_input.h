@@ -16,6 +16,8 @@ class SOCLE_API endian_input : public direct_input {
 public:
     /// Wraps `stream`, which has to outlive it.
     explicit endian_input(input & stream);
+    template <derived_filter<endian_input> Stream>
+    explicit endian_input(Stream & stream) : endian_input(static_cast<input &>(stream)) {}
     endian_input(endian_input const &) = default;
     endian_input & operator=(endian_input const &) = default;
     ~endian_input() override;
@@ -55,6 +57,8 @@ class SOCLE_API big_endian_input : public endian_input {
 public:
     /// Wraps `stream`, which has to outlive it.
     explicit big_endian_input(input & stream);
+    template <derived_filter<big_endian_input> Stream>
+    explicit big_endian_input(Stream & stream) : big_endian_input(static_cast<input &>(stream)) {}
     big_endian_input(big_endian_input const &) = default;
     big_endian_input & operator=(big_endian_input const &) = default;
     ~big_endian_input() override;
@@ -76,6 +80,8 @@ class SOCLE_API little_endian_input : public endian_input {
 public:
     /// Wraps `stream`, which has to outlive it.
     explicit little_endian_input(input & stream);
+    template <derived_filter<little_endian_input> Stream>
+    explicit little_endian_input(Stream & stream) : little_endian_input(static_cast<input &>(stream)) {}
     little_endian_input(little_endian_input const &) = default;
     little_endian_input & operator=(little_endian_input const &) = default;
     ~little_endian_input() override;

@@ -10,6 +10,8 @@ class SOCLE_API endian_output : public filter_output {
 public:
     /// Wraps `stream`, which has to outlive it.
     explicit endian_output(output & stream);
+    template <derived_filter<endian_output> Stream>
+    explicit endian_output(Stream & stream) : endian_output(static_cast<output &>(stream)) {}
     endian_output(endian_output const &) = default;
     endian_output & operator=(endian_output const &) = default;
     ~endian_output() override;
@@ -48,6 +50,8 @@ class SOCLE_API big_endian_output : public endian_output {
 public:
     /// Wraps `stream`, which has to outlive it.
     explicit big_endian_output(output & stream);
+    template <derived_filter<big_endian_output> Stream>
+    explicit big_endian_output(Stream & stream) : big_endian_output(static_cast<output &>(stream)) {}
     big_endian_output(big_endian_output const &) = default;
     big_endian_output & operator=(big_endian_output const &) = default;
     ~big_endian_output() override;
@@ -69,6 +73,8 @@ class SOCLE_API little_endian_output : public endian_output {
 public:
     /// Wraps `stream`, which has to outlive it.
     explicit little_endian_output(output & stream);
+    template <derived_filter<little_endian_output> Stream>
+    explicit little_endian_output(Stream & stream) : little_endian_output(static_cast<output &>(stream)) {}
     little_endian_output(little_endian_output const &) = default;
     little_endian_output & operator=(little_endian_output const &) = default;
     ~little_endian_output() override;

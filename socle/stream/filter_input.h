@@ -1,6 +1,7 @@
 #pragma once
 
 #include "socle/stream/input.h"
+#include "socle/stream/internal/derived_filter.h"
 
 namespace stream {
 
@@ -9,12 +10,17 @@ namespace stream {
 ///
 /// Bytes given back stay in the filter: the underlying stream knows nothing of them. `seek` throws, whatever the
 /// underlying stream could do. Without an underlying stream it reads as ended, at position 0.
+///
+/// The constructor of a filter wraps any stream but one declared as exactly the filter's own class, which it copies, as
+/// it does a const one; `under(stream)` wraps any.
 class SOCLE_API filter_input : public virtual input {
 public:
     filter_input() = default;
     /// Wraps `stream`, which has to outlive it.
     explicit filter_input(input & stream);
-    /// The copy wraps the same underlying stream. To wrap another filter of the same class, use `under()`.
+    template <derived_filter<filter_input> Stream>
+    explicit filter_input(Stream & stream) : filter_input(static_cast<input &>(stream)) {}
+    /// The copy wraps the same underlying stream.
     filter_input(filter_input const &) = default;
     filter_input & operator=(filter_input const &) = default;
     ~filter_input() override;

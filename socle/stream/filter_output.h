@@ -1,5 +1,6 @@
 #pragma once
 
+#include "socle/stream/internal/derived_filter.h"
 #include "socle/stream/output.h"
 
 namespace stream {
@@ -9,12 +10,17 @@ namespace stream {
 ///
 /// `seek` throws, and `size()` is the position. Without an underlying stream the position is 0, closing and flushing do
 /// nothing more, and everything else throws "there is no stream beneath".
+///
+/// The constructor of a filter wraps any stream but one declared as exactly the filter's own class, which it copies, as
+/// it does a const one; `under(stream)` wraps any.
 class SOCLE_API filter_output : public virtual output {
 public:
     filter_output() = default;
     /// Wraps `stream`, which has to outlive it.
     explicit filter_output(output & stream);
-    /// The copy wraps the same underlying stream. To wrap another filter of the same class, use `under()`.
+    template <derived_filter<filter_output> Stream>
+    explicit filter_output(Stream & stream) : filter_output(static_cast<output &>(stream)) {}
+    /// The copy wraps the same underlying stream.
     filter_output(filter_output const &) = default;
     filter_output & operator=(filter_output const &) = default;
     ~filter_output() override;

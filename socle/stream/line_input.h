@@ -13,6 +13,8 @@ class SOCLE_API line_input : public direct_input {
 public:
     /// Wraps `stream`, which has to outlive it.
     explicit line_input(input & stream);
+    template <derived_filter<line_input> Stream>
+    explicit line_input(Stream & stream) : line_input(static_cast<input &>(stream)) {}
     line_input(line_input const &) = default;
     line_input & operator=(line_input const &) = default;
     ~line_input() override;

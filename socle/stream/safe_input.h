@@ -10,6 +10,8 @@ class SOCLE_API safe_input : public direct_input {
 public:
     /// Wraps `stream`, which has to outlive it.
     explicit safe_input(input & stream);
+    template <derived_filter<safe_input> Stream>
+    explicit safe_input(Stream & stream) : safe_input(static_cast<input &>(stream)) {}
     safe_input(safe_input const &) = default;
     safe_input & operator=(safe_input const &) = default;
     ~safe_input() override;
