@@ -1,5 +1,8 @@
 #include "socle/stream/array_input.h"
 #include "socle/stream/array_output.h"
+#include "socle/stream/buffered_output.h"
+#include "socle/stream/copier.h"
+#include "socle/stream/text_output.h"
 #include "socle/stream/vector_input.h"
 #include "socle/stream/vector_output.h"
 #include "tests/support/streams.h"
@@ -214,6 +217,36 @@ TEST(vector_output, takes_blocks_from_its_own_vector) {
     stream::vector_output overlapping(vector, 1);
     overlapping.write(reinterpret_cast<char const *>(vector.data()), 4);
     EXPECT_EQ(text(vector), "aabcacabcabc");
+
+    // Whatever lies between, also where it cuts the block, or writes something else first.
+    struct in_pieces : stream::filter_output {
+        using filter_output::filter_output;
+        using filter_output::write;
+        void write(char const * data, uint32 count) override { output::write(data, count); }
+    };
+    auto const expect_copy = [](std::string const & copy, auto make) {
+        for (bool const whole : {true, false}) {
+            byte_vector memory = bytes("a\nb\n");
+            memory.shrink_to_fit();
+            stream::vector_output bottom(memory, 4);
+            auto target = make(bottom);
+            stream::vector_input source(memory);
+            if (whole)
+                source.copy_to(*target);
+            else
+                stream::copier(2).process(source, *target, 4);
+            target->flush();
+            EXPECT_EQ(text(memory), "a\nb\n" + copy);
+        }
+    };
+    expect_copy("a\nb\n", [](auto & to) { return std::make_unique<stream::filter_output>(to); });
+    expect_copy("a\r\nb\r\n", [](auto & to) { return std::make_unique<stream::text_output>(to, 3); });
+    expect_copy("a\nb\n", [](auto & to) { return std::make_unique<in_pieces>(to); });
+    expect_copy("...a\nb\n", [](auto & to) {
+        auto buffered = std::make_unique<stream::buffered_output>(to, 4);
+        buffered->write("...", 3);
+        return buffered;
+    });
 }
 
 TEST(vector_output, resizes_the_vector_but_not_below_the_position) {

@@ -1,6 +1,7 @@
 #include "socle/stream/vector_input.h"
 
 #include "socle/nio/in_blocks_internal.h"
+#include "socle/nio/lending_internal.h"
 #include "socle/stream/copy_in_order_internal.h"
 #include "socle/stream/output.h"
 
@@ -34,10 +35,15 @@ uint64 vector_input::_skip(uint64 count) {
 }
 
 uint64 vector_input::_copy_to(output & target) {
-    // The length is taken once, so that a target which appends to this very vector comes to an end.
-    uint64 const length = rest().size();
-    nio::in_blocks(rest().data(), length, [&](char const * data, uint32 count) { target.write(data, count); });
-    return length;
+    auto here = rest();
+    std::vector<char> copy;
+    if (!nio::lending::apart(target, here)) {
+        // The target may change this very vector while it writes.
+        copy.assign(here.begin(), here.end());
+        here = copy;
+    }
+    nio::in_blocks(here.data(), here.size(), [&](char const * data, uint32 count) { target.write(data, count); });
+    return here.size();
 }
 
 uint64 vector_input::_tell() const { return index_; }

@@ -23,8 +23,8 @@ protected:
     int _read() override;
     /// Skips. Throws "cannot skip more than the maximum vector size" if `count` needs more than 32 bits.
     uint64 _skip(uint64 count) override;
-    /// Writes everything from the position to the end in one block. This stream does not move: the bytes stay to be
-    /// read.
+    /// Writes everything from the position to the end in one block, as it is before: `target` may change the vector.
+    /// This stream does not move: the bytes stay to be read.
     uint64 _copy_to(output & target) override;
     /// The index of the next byte.
     uint64 _tell() const override;

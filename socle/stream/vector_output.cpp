@@ -13,6 +13,13 @@ namespace {
 
 [[noreturn]] void fail(char const * message) { throw exception(message, "stream::vector_output"); }
 
+/// Whether a block begins in the memory of `vector`.
+bool inside(byte_vector const & vector, char const * data) {
+    std::less<char const *> const before;
+    auto const * const first = reinterpret_cast<char const *>(vector.data());
+    return !before(data, first) && before(data, first + vector.size());
+}
+
 } // namespace
 
 vector_output::vector_output(byte_vector & vector, uint32 start) : vector_(vector), index_(start) {}
@@ -31,18 +38,15 @@ void vector_output::write(char byte) {
 void vector_output::write(char const * data, uint32 count) {
     if (count == 0)
         return;
-    auto const * from = reinterpret_cast<unsigned char const *>(data);
     if (index_ + count > vector_.size()) {
         // A block inside the vector moves with it.
-        std::less<unsigned char const *> const before;
-        unsigned char const * const first = vector_.data();
-        bool const inside = !before(from, first) && before(from, first + vector_.size());
-        auto const offset = inside ? from - first : 0;
+        bool const own = inside(vector_, data);
+        auto const offset = own ? data - reinterpret_cast<char const *>(vector_.data()) : 0;
         vector_.resize(index_ + count);
-        if (inside)
-            from = vector_.data() + offset;
+        if (own)
+            data = reinterpret_cast<char const *>(vector_.data()) + offset;
     }
-    std::memmove(vector_.data() + index_, from, count);
+    std::memmove(vector_.data() + index_, data, count);
     index_ += count;
 }
 
@@ -67,7 +71,7 @@ void vector_output::resize(uint64 new_size) {
         vector_.resize(new_size);
 }
 
-bool vector_output::_apart(std::span<char const>) const { return _ours(); }
+bool vector_output::_apart(std::span<char const> data) const { return _ours() && !inside(vector_, data.data()); }
 
 bool vector_output::_ours() const { return typeid(*this) == typeid(vector_output); }
 
