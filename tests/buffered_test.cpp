@@ -84,6 +84,23 @@ TEST(buffered_input, copies_byte_by_byte_for_a_callers_class) {
     EXPECT_EQ(rest(in), "0123456");
 }
 
+TEST(buffered_input, gives_a_single_byte_back_through_the_block_form) {
+    struct upper_case : stream::buffered_input {
+        using buffered_input::buffered_input;
+        using buffered_input::unread;
+        void unread(char const * data, uint32 count) override {
+            std::string raised(data, count);
+            std::transform(raised.begin(), raised.end(), raised.begin(), [](char c) { return char(c - 32); });
+            buffered_input::unread(raised.data(), count);
+        }
+    };
+    fragment_source source({"bc"});
+    upper_case in(source, 4);
+    in.read();
+    in.unread('a');
+    EXPECT_EQ(rest(in), "Ac");
+}
+
 TEST(buffered_input, does_not_believe_a_liar) {
     support::lying_source liar;
     stream::buffered_input in(liar, 8);
@@ -254,8 +271,7 @@ TEST(buffered, integers_take_the_same_paths_as_single_calls) {
             recording_target fast_target, slow_target;
             {
                 stream::buffered_output fast(fast_target, size), slow(slow_target, size);
-                stream::filter_output between; // lends nothing
-                between.under(slow);
+                stream::filter_output between(slow); // lends nothing
                 for (stream::output * out :
                      {static_cast<stream::output *>(&fast), static_cast<stream::output *>(&between)}) {
                     out->fill(lead, '.');

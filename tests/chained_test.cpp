@@ -125,6 +125,29 @@ TEST(multi_output, a_limit_may_fall_below_what_is_written) {
     EXPECT_EQ(raised([&] { out.write('g'); }), run_out);
 }
 
+TEST(multi_output, a_target_that_is_called_for_early_starts_empty) {
+    files out({10, 4, 4});
+    out.write("abcdef", 6);
+    out.next();
+    EXPECT_EQ(out.written(), 0u);
+    out.write("0123456", 7);
+    EXPECT_EQ(out.written_to_all(), "abcdef|0123|456|");
+    EXPECT_EQ(out.tell(), 13u);
+
+    // A series that fails to go on is asked again.
+    struct : files {
+        using files::files;
+        void next() override {
+            files::next();
+            if (asked == 2)
+                throw failure();
+        }
+    } failing({2, 2, 2});
+    EXPECT_THROW(failing.write("abcd", 4), failure);
+    failing.write("cd", 2);
+    EXPECT_EQ(failing.written_to_all(), "ab||cd|");
+}
+
 TEST(multi_output, loses_nothing_when_a_target_fails) {
     std::string const data = "abcdefghijklmnopqrstuvwxyz";
     for (int n = 1; n <= 8; ++n) {

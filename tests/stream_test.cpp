@@ -38,7 +38,9 @@ TEST(input, what_was_given_back_comes_first) {
     EXPECT_EQ(std::string(block, 8), "12345Zef");
     EXPECT_EQ(in.tell(), 6u);
     in.unread("s", 1);
+    auto const asked = in.asked.size();
     EXPECT_EQ(in.skip(0), 0u);
+    EXPECT_EQ(in.asked.size(), asked);
     EXPECT_EQ(in.skip(3), 3u);
     EXPECT_EQ(in.tell(), 8u);
     in.unread("pq", 2);
@@ -67,7 +69,7 @@ TEST(input, skip_and_copy_end_with_the_source) {
 
 /// A caller's source that can go back, if asked in the right way.
 struct seekable : fragment_source {
-    enum way { goes, refuses, throws_stream, throws_other };
+    enum way { goes, refuses, throws_stream, throws_other, has_no_position };
     explicit seekable(way w) : fragment_source({"abcdef"}), how(w) {}
     bool seek(uint64 where) override {
         sought = where;
@@ -76,6 +78,11 @@ struct seekable : fragment_source {
         if (how == throws_other)
             throw failure();
         return how == goes;
+    }
+    uint64 _tell() const override {
+        if (how == has_no_position)
+            throw stream::exception("no", "test");
+        return fragment_source::_tell();
     }
     way how;
     std::optional<uint64> sought;
@@ -95,6 +102,9 @@ TEST(input, unread_tries_a_callers_seek_first) {
     EXPECT_THROW(in.unread('a'), failure);
     EXPECT_EQ(in.tell(), 1u);
     EXPECT_EQ(in.read(), 'b');
+    in.how = seekable::has_no_position;
+    EXPECT_THROW(in.unread("ZZ", 2), stream::exception);
+    EXPECT_EQ(in.read(), 'c');
 }
 
 TEST(input, copies_have_their_own_bytes_given_back) {

@@ -38,7 +38,7 @@ void buffered_input::unread(char const * data, uint32 count) {
     std::memmove(buffer_.get() + memory_.next, data, count);
 }
 
-void buffered_input::unread(char byte) { buffered_input::unread(&byte, 1); }
+void buffered_input::unread(char byte) { unread(&byte, 1); }
 
 void buffered_input::yield() {
     if (held() == 0)

@@ -63,11 +63,12 @@ void input::unread(char const * data, uint32 count) {
     } else {
         uint64 const held = pending();
         uint64 const length = held + count;
+        uint64 const source = _tell(); // before anything changes, as it may throw
         pushback_.resize(length);
         std::memmove(pushback_.data() + count, pushback_.data() + pushback_pos_, held);
         pushback_size_ = length;
         pushback_pos_ = 0;
-        pushback_at_ = _tell() - length;
+        pushback_at_ = source - length;
     }
     std::memcpy(pushback_.data() + pushback_pos_, data, count);
     memory_.limit = 0;
@@ -77,7 +78,7 @@ void input::unread(char byte) { unread(&byte, 1); }
 
 uint64 input::skip(uint64 count) {
     uint64 const given = std::min(count, pending());
-    if (given > 0) {
+    if (pending() > 0) {
         pass(given);
         if (given == count)
             return count;

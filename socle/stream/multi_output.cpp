@@ -29,12 +29,23 @@ uint64 multi_output::tell() const { return total_; }
 
 uint64 multi_output::size() const { return all_ones; }
 
+void multi_output::under(output & stream) {
+    filter_output::under(stream);
+    written_ = 0;
+}
+
 void multi_output::next() { underlying(nullptr); }
 
-/// Goes to the next target. A series that has ended is not asked again.
+/// Goes to the next target. A series that has ended is not asked again; one that failed is.
 void multi_output::advance() {
-    if (underlying() || !finished_)
-        next();
+    uint64 const written = written_;
+    try {
+        if (underlying() || !finished_)
+            next();
+    } catch (...) {
+        written_ = written;
+        throw;
+    }
     finished_ = !underlying();
     if (finished_)
         throw exception("I have run out of files to write", "stream::multi_output");

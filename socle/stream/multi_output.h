@@ -34,8 +34,12 @@ public:
     /// All ones.
     uint64 size() const override;
 
+    using filter_output::under;
+    /// Makes `stream` the current target, of which nothing is written yet.
+    void under(output & stream) override;
+
     /// Called when the current target is full, to install the following one with `under(stream)` and to set its
-    /// `limit`. By default it installs none, which ends the series.
+    /// `limit`; a caller may call it earlier. By default it installs none, which ends the series.
     virtual void next();
 
 protected:
