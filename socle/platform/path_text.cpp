@@ -24,7 +24,7 @@ std::u16string_view take_name(std::u16string_view & path) {
 }
 
 void add_names(std::u16string_view path, path_text & text) {
-    text.folder = !path.empty() && is_separator(path.back());
+    bool const folder = !path.empty() && is_separator(path.back());
     while (!path.empty()) {
         std::u16string_view const name = take_name(path);
         if (name == u"..") {
@@ -34,7 +34,8 @@ void add_names(std::u16string_view path, path_text & text) {
             text.names.emplace_back(name);
         }
     }
-    text.folder = text.folder && !text.names.empty();
+    if (!text.names.empty())
+        text.folder = folder;
 }
 
 } // namespace
@@ -43,7 +44,7 @@ wide_string path_text::text() const {
     wide_string text = root;
     for (wide_string const & name : names)
         (text += u'\\') += name;
-    return folder || names.empty() ? text + u'\\' : text;
+    return folder || (names.empty() && !is_share()) ? text + u'\\' : text;
 }
 
 system_code read_path(std::u16string_view path, working_directory * start, path_text & text) {
@@ -55,9 +56,11 @@ system_code read_path(std::u16string_view path, working_directory * start, path_
     if (path.size() >= 2 && is_separator(path[0]) && is_separator(path[1])) {
         path.remove_prefix(2);
         text.root = u"\\\\";
+        text.folder = !path.empty() && is_separator(path.back());
         text.root += take_name(path);
         if (!path.empty())
             (text.root += u'\\') += take_name(path);
+        text.folder = text.folder || !path.empty();
     } else if (has_drive(path)) {
         text.root = path.substr(0, 2);
         path.remove_prefix(2);

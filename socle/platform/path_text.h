@@ -12,7 +12,7 @@ namespace platform {
 struct path_text {
     wide_string root; // `C:`, or the start of a share with the server's and its own name
     std::vector<wide_string> names;
-    bool folder = false; // whether a separator stood behind the last name
+    bool folder = false; // whether a separator stood behind the last name, or behind the share if there is none
 
     bool is_share() const { return root.front() == u'\\'; }
     wide_string text() const;
