@@ -199,6 +199,7 @@ TEST(io_item, scans_and_moves) {
     EXPECT_EQ(file.size(), 10u);
     EXPECT_EQ(none.size(), all_ones);
     EXPECT_EQ(file.parent().path().full_string(), tree.path().full_string());
+    EXPECT_EQ(io::item(any::path(u"a/b/c", u"/", true)).parent().path().full_string(), u"a/b");
     file.move(io::directory(path_in(folder, "d/empty")));
     EXPECT_TRUE(folder.exists("d/empty/a"));
     EXPECT_EQ(raised([&] { file.move(io::directory(path_in(folder, "none"))); }), "io::item: cannot move to");

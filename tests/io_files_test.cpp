@@ -192,6 +192,30 @@ TEST_P(disk, resize_keeps_the_position_within_the_fork) {
     EXPECT_FALSE(f.exists());
 }
 
+TEST_P(disk, forks_of_a_caller_see_the_calls_that_are_told) {
+    struct watched : io::data_fork {
+        using data_fork::data_fork;
+        void write(char const * data, uint32 count) override {
+            calls += 'w';
+            data_fork::write(data, count);
+        }
+        void close(bool report) override {
+            calls += 'c';
+            data_fork::close(report);
+        }
+        std::string calls;
+    };
+    io::file f = file("f");
+    watched fork(f);
+    fork.unlink(false);
+    EXPECT_EQ(fork.calls, "");
+    fork.create(false);
+    io::fork_output(fork).write(narrow_string());
+    io::fork_output(fork).write(narrow_string("text"));
+    fork.unlink(true);
+    EXPECT_EQ(fork.calls, "wwc");
+}
+
 TEST_P(disk, fork_streams_seek_instead_of_reading) {
     io::file f = file("f");
     auto & fork = f.rsrc_fork();

@@ -243,6 +243,7 @@ TEST(nio_directory, shows_no_sidecars) {
     EXPECT_TRUE((other++)->ends_with(u"\\.x"));
     EXPECT_TRUE((++it) == directory.end());
     EXPECT_TRUE(nio::directory(folder.path("none")).begin() == directory.end());
+    EXPECT_TRUE(nio::directory().begin() == directory.end());
 }
 
 TEST(nio_directory, has_room_for_temporary_ones) {

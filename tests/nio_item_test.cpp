@@ -25,6 +25,7 @@ protected:
 TEST_F(nio_item, fork_names_by_text) {
     EXPECT_EQ(nio::ufs_name(u"dir\\a"), u"dir\\._a");
     EXPECT_EQ(nio::ufs_name(u"a"), u"._a");
+    EXPECT_EQ(nio::ufs_name(u"C:\\dir/a"), u"C:\\dir/._a");
     EXPECT_EQ(nio::ntfs_rsrc_name(u"d\\a"), u"d\\a:AFP_Resource");
     EXPECT_EQ(nio::ntfs_info_name(u"d\\a"), u"d\\a:AFP_AfpInfo");
     EXPECT_TRUE(nio::is_ntfs_rsrc_name(u":AFP_Resource"));

@@ -2,7 +2,6 @@
 
 #include "socle/io/item.h"
 
-#include <cstddef>
 #include <iterator>
 #include <memory>
 
@@ -64,7 +63,7 @@ class SOCLE_API directory::iterator {
 public:
     using iterator_category = std::input_iterator_tag;
     using value_type = item;
-    using difference_type = std::ptrdiff_t;
+    using difference_type = int;
     using pointer = item *;
     using reference = item &;
 

@@ -163,7 +163,8 @@ void fork::flush(bool report) {
 }
 
 void fork::unlink(bool report) {
-    close(false);
+    if (descriptor_.valid())
+        close(false);
     if (!platform::DeleteFileW(system_name(fork_name())) && report)
         raise("cannot delete");
 }

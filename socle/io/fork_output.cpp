@@ -1,6 +1,6 @@
 #include "socle/io/fork_output.h"
 
-#include <algorithm>
+#include "socle/nio/in_blocks_internal.h"
 
 namespace io {
 
@@ -11,9 +11,7 @@ fork_output::~fork_output() = default;
 void fork_output::write(char const * data, uint32 count) { fork_.write(data, count); }
 
 void fork_output::write(narrow_string const & text) {
-    constexpr std::size_t most = 0x40000000;
-    for (std::size_t at = 0; at < text.size(); at += most)
-        fork_.write(text.data() + at, static_cast<uint32>(std::min(most, text.size() - at)));
+    nio::in_blocks(text.data(), text.size(), [this](char const * data, uint32 count) { fork_.write(data, count); });
 }
 
 void fork_output::write(char byte) { fork_.write(&byte, 1); }

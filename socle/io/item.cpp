@@ -163,7 +163,11 @@ uint64 item::size() {
     }
 }
 
-io::directory item::parent() const { return io::directory(path_.parent()); }
+io::directory item::parent() const {
+    any::path above(path_);
+    above.to_parent();
+    return io::directory(above);
+}
 
 any::path item::temp_name(io::directory const & folder) {
     any::path path(folder.path());

@@ -76,7 +76,8 @@ public:
 
     /// The length of the data fork: 0 for a folder, all ones for what cannot be opened or is no file.
     uint64 size();
-    /// The parent folder; an item without a name has a parent without one.
+    /// The parent folder, with the same separators; an item without a name has a parent without one. Needs
+    /// `socle/io/directory.h`.
     io::directory parent() const;
 
     /// Creates this item in `folder` under a name made from the clock, and makes it temporary. After 100 attempts that

@@ -146,7 +146,8 @@ bool directory::iterator::operator==(iterator const & other) const { return sear
 
 void directory::iterator::_first(wide_string const & path) {
     directory_ = path;
-    search_->handle = platform::FindFirstFileW(path + u"\\*", search_->data);
+    // An empty path is no directory, where `\*` would search the root.
+    search_->handle = platform::FindFirstFileW(path.empty() ? path : path + u"\\*", search_->data);
     while (search_->handle && _trivial())
         _succ();
     show();

@@ -44,7 +44,7 @@ public:
 };
 
 /// Goes through the entries of a directory in the order of the system. "." and "..", and sidecars, names that begin
-/// with "._", do not show. A directory that cannot be searched has no entries.
+/// with "._", do not show. A directory that cannot be searched has no entries, nor has an empty path.
 ///
 /// A copy shows the same entry, but goes on from the start of the directory.
 class SOCLE_API directory::iterator {

@@ -41,7 +41,7 @@ wide_string fork_name(wide_string const & path, wide_string const & stream_name,
 
 wide_string ufs_name(wide_string const & path) {
     wide_string name = path;
-    return name.insert(path.rfind(u'\\') + 1, u"._");
+    return name.insert(path.find_last_of(u"\\/") + 1, u"._");
 }
 
 wide_string ntfs_rsrc_name(wide_string const & path) { return wide_string(path).append(rsrc_stream); }
