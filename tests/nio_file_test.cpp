@@ -383,10 +383,10 @@ TEST(nio_attributes, change_only_the_information_of_a_sidecar) {
     EXPECT_EQ(folder.read("._f").size(), 82u);
     fs::remove(folder.host("._f"));
     ASSERT_EQ(mkfifo(folder.host("._f").c_str(), 0600), 0);
-    set.load(item); // does not wait for a writer
+    EXPECT_EQ(raised([&] { set.load(item); }), "cannot open file"); // and does not wait for a writer
     fs::remove(folder.host("._f"));
     fs::create_directory(folder.host("._f"));
-    set.load(item);
+    EXPECT_EQ(raised([&] { set.load(item); }), "cannot open file");
     set.apply(item, true, false);
 }
 
@@ -409,6 +409,12 @@ TEST(nio_attributes, keep_the_information_in_a_stream) {
     EXPECT_EQ(nio::attributes(file).finder_info[0], 'f');
     set.apply(file, true, false);
     EXPECT_EQ(ntfs.read("._f").size(), 82u);
+    // Read-only comes before the information, which then has no way in.
+    set.read_only = true;
+    set.finder_info.fill('g');
+    EXPECT_EQ(raised([&] { set.apply(file, true, true); }), "cannot write");
+    EXPECT_TRUE(nio::attributes(file).read_only);
+    EXPECT_EQ(nio::attributes(file).finder_info[0], 'f');
 }
 
 } // namespace

@@ -30,13 +30,17 @@ using apple_double::finder_info_size;
 
 char const * chars(apple_double::finder_info const & info) { return reinterpret_cast<char const *>(info.data()); }
 
-/// Whether what `name` leads to is a file, which can hold the information: reading another thing might not come to an
-/// end.
-bool is_info_file(wide_string const & name) {
+/// Whether anything is at `name`. Throws for what may be there, but out of reach, and for a pipe or a device: reading it
+/// might not come to an end.
+bool info_exists(wide_string const & name) {
     uint32 const kind = GetFileAttributesW(name);
-    if (kind == INVALID_FILE_ATTRIBUTES && !nothing_is_there())
-        throw filesystem_exception("cannot open file", name);
-    return kind != INVALID_FILE_ATTRIBUTES && (kind & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_DEVICE)) == 0;
+    if (kind == INVALID_FILE_ATTRIBUTES && nothing_is_there())
+        return false;
+    if (kind != INVALID_FILE_ATTRIBUTES && (kind & FILE_ATTRIBUTE_DEVICE) == 0)
+        return true;
+    if (kind != INVALID_FILE_ATTRIBUTES)
+        SetLastError(ERROR_ACCESS_DENIED);
+    throw filesystem_exception("cannot open file", name);
 }
 
 /// False if there is no information.
@@ -108,7 +112,7 @@ void attributes::load(item & from) {
         mode |= 0110;
 
     wide_string const name = info_name(path, true, true);
-    if (!is_info_file(name))
+    if (!info_exists(name))
         return;
     file info(name, file::mode_read);
     char found[finder_info_size];

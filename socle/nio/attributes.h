@@ -17,8 +17,9 @@ public:
     explicit attributes(item & from);
 
     /// Reads the times, the attribute bits and the Finder information of the item. `finder_info` stays as it is where
-    /// there is none. Throws `nio::filesystem_exception`, "cannot access timestamps", or "cannot open file" for
-    /// information that is there, or may be, but out of reach.
+    /// there is none. Throws `nio::filesystem_exception`, "cannot access timestamps", or, with the times and bits read,
+    /// "cannot open file" for information that is there, or may be, but out of reach, and for a directory or a pipe in
+    /// the place of the sidecar.
     void load(item & from);
 
     /// Sets the item's times, where they are not 0, and its attribute bits. Fails silently where the system refuses.
