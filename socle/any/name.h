@@ -40,7 +40,7 @@ public:
     /// As `set_ansi`; `text` is a byte with the length, and then that many bytes.
     void set_pstr(unsigned char const * text);
 
-    /// The text: all fragments, joined by the separator.
+    /// The text as it stands, with the separators, dots and zero units that are no part of a fragment.
     wide_string get_ucs2() const { return value_; }
     /// The text in the form of `any::utf8_coder`.
     narrow_string get_utf8() const;

@@ -16,7 +16,8 @@ namespace any {
 /// `platform::from_host`.
 class SOCLE_API string : public wide_string {
 public:
-    /// Text that compares without regard to case.
+    /// Text that compares without regard to case. Of its searches `rfind` disregards case as well, `find` only behind
+    /// the first unit that it looks for, and `find_first_of` and its like mind it.
     using ci_string = std::basic_string<char16_t, un::ci_wchar_t_traits>;
 
     string() = default;
@@ -57,6 +58,8 @@ public:
     /// forms, with case:
     /// - The text may go on behind the pattern: "abc" and "a*c" match "abcdef".
     /// - Each piece between stars is searched from the start of the piece before it, so "ab*b" matches "ab".
+    ///
+    /// Throws as `set` does, if the 8-bit form, from the start of a piece on, does not convert back.
     bool pattern_match(string const & pattern) const;
 
 private:

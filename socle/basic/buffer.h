@@ -18,7 +18,7 @@ public:
     /// A static buffer over `size` elements at `storage`, which must outlive it.
     buffer(T * storage, uint32 size) : data_(size > 0 ? storage : nullptr), size_(size), owner_(false) {}
     /// A copy always has an array of its own.
-    buffer(buffer const & other) : buffer(other.size_) { std::copy_n(other.data_, size_, data_); }
+    buffer(buffer const & other) : data_(other.copied(other.size_)), size_(other.size_), owner_(true) {}
     buffer & operator=(buffer const & other) {
         buffer copy(other);
         std::swap(data_, copy.data_);
@@ -47,8 +47,7 @@ public:
             throw std::logic_error("cannot resize a static buffer");
         if (new_size == size_)
             return;
-        T * const moved = allocate(new_size);
-        std::copy_n(data_, std::min(size_, new_size), moved);
+        T * const moved = copied(new_size);
         release();
         data_ = moved;
         size_ = new_size;
@@ -56,6 +55,14 @@ public:
 
 private:
     static T * allocate(uint32 size) { return size > 0 ? new T[size] : nullptr; }
+    /// A new array with as many of the elements as fit.
+    T * copied(uint32 size) const {
+        if (size == 0)
+            return nullptr;
+        T * const copy = new T[size];
+        std::copy_n(data_, std::min(size_, size), copy);
+        return copy;
+    }
     void release() {
         if (owner_)
             delete[] data_;

@@ -58,7 +58,9 @@ public:
 /// no entries.
 ///
 /// "." and ".." do not show; a name in ".rsrc" does not beside the file that it belongs to, and one in ".info" beside
-/// the file or its ".rsrc". A copy shows the same entry, but goes on from the start of the folder.
+/// the file or its ".rsrc". One named just ".rsrc" or ".info" counts as beside the folder itself: it shows in a walk of
+/// the working directory by an empty path alone, and `unlink_children` leaves it. A copy shows the same entry, but goes
+/// on from the start of the folder.
 class SOCLE_API directory::iterator {
 public:
     using iterator_category = std::input_iterator_tag;

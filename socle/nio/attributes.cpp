@@ -30,8 +30,8 @@ using apple_double::finder_info_size;
 
 char const * chars(apple_double::finder_info const & info) { return reinterpret_cast<char const *>(info.data()); }
 
-/// Whether anything is at `name`. Throws for what may be there, but out of reach, and for a pipe or a device: reading it
-/// might not come to an end.
+/// Whether anything is at `name`. Throws for what may be there, but out of reach, and for a pipe or a device: reading
+/// it might not come to an end.
 bool info_exists(wide_string const & name) {
     uint32 const kind = GetFileAttributesW(name);
     if (kind == INVALID_FILE_ATTRIBUTES && nothing_is_there())

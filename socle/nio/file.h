@@ -78,7 +78,8 @@ public:
     /// Whether this is a terminal or another device of characters.
     bool console() const;
 
-    /// Reads up to `size` bytes and returns the number read; 0 at the end of the file. Throws "cannot read".
+    /// Reads up to `size` bytes and returns the number read; 0 at the end of the file. Throws "cannot read": also at
+    /// the end of a pipe, whose writers have gone, with the code 109.
     uint32 read(char * buffer, uint32 size) override;
 
     using channel::write;

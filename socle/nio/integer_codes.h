@@ -27,6 +27,7 @@ SOCLE_API uint32 size_wz(int64 value);
 
 /// Reads one p2 code; the next one starts at the bit after it. The end of the input ends the leading 1 bits, and bits
 /// of x that are missing count as 1, so an empty input is 0. Bits of x beyond the 64th are consumed without effect.
+/// There is no limit to the leading 1 bits, nor to the 0 bits of x: an endless source of either is read for ever.
 SOCLE_API int64 read_p2(bit_input<1, 0, 1> & in);
 /// Writes one p2 code; its last bits stay in `out` until more follow or it is finished. For -1 a single 0 bit is
 /// written, which does not read back as -1.

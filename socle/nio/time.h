@@ -32,8 +32,9 @@ public:
     /// Sets the time from local time; a field out of its range carries into the others.
     void set_dos(uint16 date_word, uint16 time_word);
 
-    /// Converts from GMT to local time by the rules that hold now, with an hour of daylight saving at the dates that
-    /// have it. Within 15 hours of a change the hour can be wrong. Called twice, it converts twice.
+    /// Converts from GMT to local time. The zone's offset and rules of today count for all dates, also for those when
+    /// the zone had others. Daylight saving adds an hour at the dates that have it; within 15 hours of a change that
+    /// hour can be wrong. Called twice, it converts twice.
     void to_local();
     /// Converts from local time to GMT in the same way.
     void to_gmt();

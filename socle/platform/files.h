@@ -19,7 +19,8 @@ constexpr uint32 OPEN_EXISTING = 3;
 
 constexpr uint32 FILE_FLAG_BACKUP_SEMANTICS = 0x2000000;
 
-/// Opens or makes a file, or a named stream as in `N:\f:note`. Nothing waits for a pipe's other end.
+/// Opens or makes a file, or a named stream as in `N:\f:note`, and with it its file if that is missing. Nothing waits
+/// for a pipe's other end.
 ///
 /// - With GENERIC_WRITE it excludes other writers, with GENERIC_READ without FILE_SHARE_WRITE all writers (32). Plain
 ///   readers are never refused.

@@ -9,12 +9,16 @@ namespace platform {
 /// Makes the host folder `folder` the volume of a further drive letter, with the name of a file system; on one called
 /// "NTFS", files have named streams. Call it before other threads start. Returns 0 or a system code: 3 if there is no
 /// such folder, 50 if it cannot keep named streams, 87 for what is no letter, 183 for `C` and letters in use.
+///
+/// Where the host's disk has no streams of its own, the first one makes a hidden folder, `.socle_streams`, at the top
+/// of `folder`, which keeps them all, and marks its file with an extended attribute.
 SOCLE_API uint32 attach_volume(char letter, narrow_string const & folder, narrow_string const & file_system);
 
 /// Detaches the letter; the folder stays as it is. Returns 0, or 3 if the letter was not attached.
 SOCLE_API uint32 detach_volume(char letter);
 
-/// The library's form of a host path, absolute or relative; `to_host` restores every byte of it.
+/// The library's form of a host path, absolute or relative; `to_host` restores every byte of it. An absolute one is a
+/// path on `C:`, also if it lies in the folder of an attached volume.
 SOCLE_API wide_string from_host(narrow_string const & path);
 
 /// The host's path for one of the library's; relative ones stay relative. Empty, with a last error, where the host has

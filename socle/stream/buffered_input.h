@@ -9,9 +9,13 @@ namespace stream {
 /// Reads ahead from the underlying stream, with at most one call per operation. The position is the reader's, not that
 /// of the underlying stream.
 ///
-/// Bytes given back are kept in the buffer. `yield()` and the destructor return unread bytes to the underlying stream;
-/// `close()` does not. What the underlying stream throws passes through; what was read or skipped by then stays read,
-/// as `tell()` shows.
+/// A block read may be short before the end, as the underlying stream may be short and is not asked again; 0 is the
+/// end.
+///
+/// Bytes given back are kept in the buffer. Held bytes stay when `under(stream)` changes the underlying stream, are
+/// read first, and go back to the new one: call `yield()` before. `yield()` and the destructor return unread bytes to
+/// the underlying stream; `close()` does not. What the underlying stream throws passes through; what was read or
+/// skipped by then stays read, as `tell()` shows.
 class SOCLE_API buffered_input : public filter_input {
 public:
     /// Reads ahead in blocks of `size` bytes; 0 counts as 1. Does not read yet.

@@ -10,7 +10,8 @@ namespace stream {
 ///
 /// What the underlying stream throws passes through; bytes that it did not take are still held. The destructor writes
 /// what is held and swallows every failure, so a caller who needs to know of them calls `flush()` first; it does not
-/// flush the underlying stream.
+/// flush the underlying stream. `under(stream)` writes nothing: what is held goes to the new one, unless `flush()`
+/// comes before.
 class SOCLE_API buffered_output : public filter_output {
 public:
     /// Holds up to `size` bytes; 0 counts as 1.

@@ -5,7 +5,8 @@
 namespace stream {
 
 /// Turns the quiet end of a source into an exception: a read or skip that gets less than it asks for throws
-/// "unexpected end of file". What came by then is in the caller's buffer and consumed.
+/// "unexpected end of file". What came by then is in the caller's buffer and consumed. So `copy_to` always throws in
+/// the end, and what came of its last block of 65536 bytes is lost: neither in the target nor left to be read.
 class SOCLE_API safe_input : public direct_input {
 public:
     /// Wraps `stream`, which has to outlive it.
