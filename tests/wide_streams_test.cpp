@@ -41,6 +41,10 @@ TEST(buffer, knows_whether_it_may_be_resized) {
     } catch (std::logic_error const & e) {
         EXPECT_STREQ(e.what(), "cannot resize a static buffer");
     }
+    basic::buffer<char> none(0);
+    copy = none;
+    none.resize(2);
+    EXPECT_EQ(none.size(), 2u);
     copy = fixed;
     EXPECT_TRUE(copy.owner());
     EXPECT_EQ(std::string(copy.data(), copy.size()), "abcd");

@@ -34,12 +34,14 @@ char const * chars(apple_double::finder_info const & info) { return reinterpret_
 /// it might not come to an end.
 bool info_exists(wide_string const & name) {
     uint32 const kind = GetFileAttributesW(name);
-    if (kind == INVALID_FILE_ATTRIBUTES && nothing_is_there())
-        return false;
-    if (kind != INVALID_FILE_ATTRIBUTES && (kind & FILE_ATTRIBUTE_DEVICE) == 0)
-        return true;
-    if (kind != INVALID_FILE_ATTRIBUTES)
+    if (kind == INVALID_FILE_ATTRIBUTES) {
+        if (nothing_is_there())
+            return false;
+    } else {
+        if ((kind & FILE_ATTRIBUTE_DEVICE) == 0)
+            return true;
         SetLastError(ERROR_ACCESS_DENIED);
+    }
     throw filesystem_exception("cannot open file", name);
 }
 

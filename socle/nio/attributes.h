@@ -22,12 +22,14 @@ public:
     /// the place of the sidecar.
     void load(item & from);
 
-    /// Sets the item's times, where they are not 0, and its attribute bits. Fails silently where the system refuses.
+    /// Sets the item's times, where they are not 0, then its attribute bits. Fails silently where the system refuses:
+    /// the time of creation and the bits other than read-only are lost where the host cannot keep them.
     ///
-    /// With `write_info`, it also gets the Finder information: in a stream of the file if `allow_ntfs` and the volume
+    /// With `write_info`, it then gets the Finder information: in a stream of the file if `allow_ntfs` and the volume
     /// has streams, else in the sidecar, which may be made for it under the normalized name of the file. Of a sidecar
-    /// that is there only its Finder information changes, wherever it keeps that. Throws `nio::filesystem_exception`,
-    /// "cannot write" or "cannot create"; "cannot write" also for a sidecar of another kind or without room for the
+    /// that is there only its Finder information changes, wherever it keeps that; a directory in its place is left, and
+    /// the information lost. Throws `nio::filesystem_exception`, "cannot write" or "cannot create"; "cannot write" also
+    /// for a stream of a file that is read-only by then, and for a sidecar of another kind or without room for the
     /// information, which is left as it is.
     void apply(item & to, bool write_info, bool allow_ntfs) const;
 
