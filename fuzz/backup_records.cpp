@@ -32,7 +32,7 @@ public:
             streams_.emplace(name, make(bytes));
     }
 
-    posix::backup_file shown() const { return {data_.get(), "/file", this}; }
+    posix::backup_file shown() const { return {data_.get(), this}; }
 
     contents held() const {
         contents result{bytes_of(data_), {}};
@@ -41,22 +41,23 @@ public:
         return result;
     }
 
-    uint32 locate(narrow_string const &, wide_string const & name, bool create, narrow_string & host) const override {
+    system_code locate(posix::host::at const &, wide_string const & name, bool create,
+                       narrow_string & host) const override {
         auto found = streams_.find(name);
         if (found == streams_.end() && !create)
             return ERROR_FILE_NOT_FOUND;
         if (found == streams_.end())
             found = streams_.emplace(name, make("")).first;
         host = "/proc/self/fd/" + std::to_string(found->second.get());
-        return 0;
+        return {};
     }
-    uint32 list(narrow_string const &, std::vector<wide_string> & names) const override {
+    system_code list(posix::host::at const &, std::vector<wide_string> & names) const override {
         for (auto const & each : streams_)
             names.push_back(each.first);
-        return 0;
+        return {};
     }
-    bool hidden(narrow_string const &) const override { return false; }
-    narrow_string belongings(narrow_string const &) const override { return {}; }
+    bool hides(std::string_view, bool) const override { return false; }
+    narrow_string belongings(posix::host::at const &) const override { return {}; }
 
 private:
     static posix::descriptor_guard make(narrow_string const & bytes) {
@@ -106,21 +107,21 @@ uint32 restore(std::string_view sequence, contents & file) {
     return 0;
 }
 
-uint32 write_all(memory_file const & file, std::string_view sequence, std::string_view sizes) {
+system_code write_all(memory_file const & file, std::string_view sequence, std::string_view sizes) {
     posix::backup_writer writer;
     for (std::size_t turn = 0; !sequence.empty(); ++turn) {
         uint32 const step = fuzz::block_size(sizes, turn);
         auto const block = sequence.substr(0, step);
         uint32 done = 0;
-        uint32 const code = writer.write(file.shown(), block.data(), static_cast<uint32>(block.size()), done);
-        check(code == 0 ? done == block.size() : done <= block.size());
-        if (code != 0) {
+        system_code const code = writer.write(file.shown(), block.data(), static_cast<uint32>(block.size()), done);
+        check(!code ? done == block.size() : done <= block.size());
+        if (code) {
             check(writer.write(file.shown(), block.data(), 1, done) == code && done == 0);
             return code;
         }
         sequence.remove_prefix(block.size());
     }
-    return 0;
+    return {};
 }
 
 narrow_string read_all(memory_file const & file, std::string_view sizes) {
@@ -130,7 +131,7 @@ narrow_string read_all(memory_file const & file, std::string_view sizes) {
         uint32 const size = fuzz::block_size(sizes, turn);
         narrow_string block(size, '\0');
         uint32 done = 0;
-        check(reader.read(file.shown(), block.data(), size, done) == 0 && done <= size);
+        check(!reader.read(file.shown(), block.data(), size, done) && done <= size);
         all.append(block, 0, done);
         if (done < size)
             return all;

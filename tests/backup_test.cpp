@@ -22,7 +22,7 @@ TEST(backup, goes_to_the_file_wherever_it_lies) {
     volume.write("to", "");
     posix::named_streams const & streams = *posix::volume_of_letter(u'N')->streams;
     narrow_string host;
-    ASSERT_EQ(streams.locate(folder / "from", u"note", true, host), 0u);
+    ASSERT_EQ(streams.locate((folder / "from").c_str(), u"note", true, host), 0u);
     std::ofstream(host) << "of the stream";
     int const from = open((folder / "from").c_str(), O_RDONLY);
     int const to = open((folder / "to").c_str(), O_RDWR);
@@ -44,7 +44,7 @@ TEST(backup, goes_to_the_file_wherever_it_lies) {
         EXPECT_TRUE(BackupRead(from, nullptr, 0, got, true, *context));
         EXPECT_EQ(*context, nullptr);
     }
-    ASSERT_EQ(streams.locate(folder / "to", u"note", false, host), 0u);
+    ASSERT_EQ(streams.locate((folder / "to").c_str(), u"note", false, host), 0u);
     EXPECT_EQ(fs::file_size(host), 13u);
 
     EXPECT_FALSE(BackupRead(-1, block, 20, got, false, reading));

@@ -40,14 +40,14 @@ protected:
 
     void write_stream(fs::path const & file, wide_string const & name, std::string const & bytes) const {
         narrow_string host;
-        ASSERT_EQ(streams_->locate(file, name, true, host), 0u);
+        ASSERT_EQ(streams_->locate(file.c_str(), name, true, host), 0u);
         write(host, bytes);
     }
 
     /// What the stream holds, "-" if there is none.
     std::string read_stream(fs::path const & file, wide_string const & name) const {
         narrow_string host;
-        if (streams_->locate(file, name, false, host) != 0)
+        if (streams_->locate(file.c_str(), name, false, host))
             return "-";
         std::ifstream in(host, std::ios::binary);
         return in ? std::string(std::istreambuf_iterator<char>(in), {}) : "-";
@@ -55,7 +55,7 @@ protected:
 
     names list(fs::path const & file) const {
         names found;
-        EXPECT_EQ(streams_->list(file, found), 0u);
+        EXPECT_EQ(streams_->list(file.c_str(), found), 0u);
         return found;
     }
 
@@ -66,14 +66,13 @@ protected:
     }
 
     void remove(fs::path const & file) const {
-        stream_removal removal(*streams_, file);
-        ASSERT_EQ(::remove(file.c_str()), 0);
-        removal.name_removed();
+        auto const remove = fs::is_directory(fs::symlink_status(file)) ? host::rmdir : host::unlink;
+        ASSERT_FALSE(remove_with_streams(streams_.get(), file.c_str(), remove));
     }
 
     void remove_stream(fs::path const & file, wide_string const & name) const {
         narrow_string host;
-        ASSERT_EQ(streams_->locate(file, name, false, host), 0u);
+        ASSERT_EQ(streams_->locate(file.c_str(), name, false, host), 0u);
         EXPECT_EQ(unlink(host.c_str()), 0);
     }
 
@@ -202,10 +201,10 @@ TEST_P(both_stores_test, folders_have_them_too) {
 
 TEST_F(named_streams_test, what_cannot_have_them) {
     narrow_string host;
-    EXPECT_EQ(streams_->locate(path("missing"), u"s", true, host), ERROR_FILE_NOT_FOUND);
-    EXPECT_EQ(streams_->locate(path("missing"), u"s", false, host), ERROR_FILE_NOT_FOUND);
+    EXPECT_EQ(streams_->locate(path("missing").c_str(), u"s", true, host), ERROR_FILE_NOT_FOUND);
+    EXPECT_EQ(streams_->locate(path("missing").c_str(), u"s", false, host), ERROR_FILE_NOT_FOUND);
     ASSERT_EQ(mkfifo(path("pipe").c_str(), 0600), 0);
-    EXPECT_NE(streams_->locate(path("pipe"), u"s", true, host), 0u);
+    EXPECT_NE(streams_->locate(path("pipe").c_str(), u"s", true, host), 0u);
     EXPECT_EQ(list(path("pipe")), names{});
     host::fault = [](char const * call) { return std::string_view(call).ends_with("getxattr") ? ENOTSUP : 0; };
     EXPECT_EQ(list(path("")), names{}) << "where another file system is mounted";
@@ -291,7 +290,7 @@ TEST_F(named_streams_test, a_read_only_copy_shows_them) {
     EXPECT_EQ(read_stream(folder_ / "copy/r", u"note"), "-");
     EXPECT_EQ(read_stream(folder_ / "copy/x copy", u"note"), "-");
     narrow_string place;
-    EXPECT_EQ(streams_->locate(folder_ / "copy/r", u"note", true, place), ERROR_WRITE_PROTECT);
+    EXPECT_EQ(streams_->locate((folder_ / "copy/r").c_str(), u"note", true, place), ERROR_WRITE_PROTECT);
     host::fault = nullptr;
     attach("copy");
     EXPECT_EQ(read_stream(folder_ / "copy/r", u"note"), "renamed");
@@ -305,7 +304,7 @@ TEST_P(both_stores_test, copy_to_another_volume) {
     write(folder_ / "other/file", "data");
     write_stream(path("file"), u"empty", "");
     write_stream(path("file"), u"big", std::string(1'000'000, 'x'));
-    ASSERT_EQ(copy_streams(*streams_, path("file"), *other, folder_ / "other/file"), 0u);
+    ASSERT_EQ(copy_streams(*streams_, path("file").c_str(), *other, (folder_ / "other/file").c_str()), 0u);
     streams_ = std::move(other);
     EXPECT_EQ(list(folder_ / "other/file"), (names{u"big", u"empty"}));
     EXPECT_EQ(read_stream(folder_ / "other/file", u"big").size(), 1'000'000u);
@@ -314,11 +313,13 @@ TEST_P(both_stores_test, copy_to_another_volume) {
 TEST_F(named_streams_test, the_store_is_hidden) {
     write(path("file"), "data");
     narrow_string host;
-    ASSERT_EQ(streams_->locate(path("file"), u"s", true, host), 0u);
-    EXPECT_TRUE(streams_->hidden(host));
-    EXPECT_TRUE(streams_->hidden(path(".socle_streams")));
-    EXPECT_FALSE(streams_->hidden(path(".socle_streams2")));
-    EXPECT_FALSE(streams_->hidden(path("file")));
+    ASSERT_EQ(streams_->locate(path("file").c_str(), u"s", true, host), 0u);
+    std::size_t const volume = path("").native().size() - 1;
+    EXPECT_TRUE(streams_->hides_path(host.substr(volume)));
+    EXPECT_TRUE(streams_->hides_path("/.socle_streams"));
+    EXPECT_FALSE(streams_->hides_path("/.socle_streams2"));
+    EXPECT_FALSE(streams_->hides_path("/sub/.socle_streams"));
+    EXPECT_FALSE(streams_->hides_path("/file"));
 }
 
 // All records of a file, read in pieces of odd size and written to another in others.
@@ -329,8 +330,8 @@ TEST_P(both_stores_test, backup_and_restore) {
     write_stream(path("file"), u"note", "of the stream");
     write_stream(path("file"), u"empty", "");
     write_stream(path("folder/copy"), u"note", "something longer that goes");
-    backup_file const source{open(path("file").c_str(), O_RDONLY), path("file"), streams_.get()};
-    backup_file const target{open(path("folder/copy").c_str(), O_RDWR), path("folder/copy"), streams_.get()};
+    backup_file const source{open(path("file").c_str(), O_RDONLY), streams_.get()};
+    backup_file const target{open(path("folder/copy").c_str(), O_RDWR), streams_.get()};
     std::string records;
     backup_reader reader;
     char piece[7];
@@ -375,7 +376,7 @@ TEST_P(both_stores_test, backup_and_restore) {
 TEST_F(named_streams_test, what_is_no_backup) {
     using namespace std::string_literals;
     write(path("file"), "data");
-    backup_file const file{open(path("file").c_str(), O_RDWR), path("file"), streams_.get()};
+    backup_file const file{open(path("file").c_str(), O_RDWR), streams_.get()};
     std::string const size(8, '\0');
     for (std::string const & record : {
              "\0\0\0\0\0\0\0\0"s + size + "\0\0\0\0"s,

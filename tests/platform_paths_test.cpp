@@ -107,7 +107,7 @@ TEST_F(platform_paths, on_a_volume_get_its_letter_however_they_are_spelled) {
 
     posix::resolved_path resolved;
     ASSERT_EQ(posix::resolve(u"N:\\sub\\deep\\f:note:$data", resolved), 0u);
-    EXPECT_EQ(resolved.host, scratch_.host("vol/sub/deep/f"));
+    EXPECT_EQ(resolved.real, scratch_.host("vol/sub/deep/f"));
     EXPECT_EQ(resolved.stream, u"note");
     EXPECT_EQ(posix::resolve(u"M:\\.socle_streams\\x", resolved), 5u);
     EXPECT_EQ(posix::resolve(u"N:\\f:note", resolved), 123u);

@@ -10,11 +10,14 @@ bool CreateDirectoryW(wide_string const & path);
 /// Removes an empty directory with its named streams, or a link to a directory. 145 if it is not empty, 267 for a file.
 bool RemoveDirectoryW(wide_string const & path);
 
+/// An entry as the search found it. Of its attributes a host may list the kind alone, as GetFileKindW tells it.
 struct WIN32_FIND_DATAW {
+    uint32 dwFileAttributes = 0;
     wide_string cFileName;
 };
 
 struct WIN32_FIND_DATAA {
+    uint32 dwFileAttributes = 0;
     narrow_string cFileName;
 };
 

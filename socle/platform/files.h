@@ -96,6 +96,10 @@ constexpr uint32 FILE_ATTRIBUTE_REPARSE_POINT = 0x400;
 /// INVALID_FILE_ATTRIBUTES if there is nothing; opens nothing.
 uint32 GetFileAttributesW(wide_string const & path);
 
+/// Of these bits only what kind of thing it is: FILE_ATTRIBUTE_DIRECTORY, FILE_ATTRIBUTE_DEVICE, and
+/// FILE_ATTRIBUTE_REPARSE_POINT as well for a link; 0 for a plain file. Cheaper than all the bits.
+uint32 GetFileKindW(wide_string const & path);
+
 struct WIN32_FILE_ATTRIBUTE_DATA {
     uint32 dwFileAttributes;
     /// Of the link's target, like the bits; of the link itself if it dangles.

@@ -1,5 +1,7 @@
 #include "socle/platform/shell_link_reader.h"
 
+#include "socle/basic/internal/byte_order.h"
+
 #include <cstddef>
 #include <optional>
 
@@ -33,10 +35,8 @@ public:
     std::optional<uint32> number(std::size_t at, std::size_t width = 4) const {
         if (at > bytes_.size() || bytes_.size() - at < width)
             return {};
-        uint32 value = 0;
-        for (std::size_t i = 0; i < width; ++i)
-            value |= uint32{static_cast<unsigned char>(bytes_[at + i])} << 8 * i;
-        return value;
+        char const * const bytes = bytes_.data() + at;
+        return width == 2 ? basic::load<uint16>(bytes, false) : basic::load<uint32>(bytes, false);
     }
 
     std::optional<block> part(std::size_t at, std::size_t size) const {

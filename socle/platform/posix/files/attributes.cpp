@@ -1,54 +1,44 @@
-#include "socle/platform/posix/files/attributes.h"
-
+#include "socle/basic/internal/byte_order.h"
 #include "socle/platform/files.h"
-#include "socle/platform/posix/files/file_times.h"
-#include "socle/platform/posix/host/error_codes.h"
+#include "socle/platform/posix/files/operations.h"
 #include "socle/platform/posix/host/extended_attributes.h"
 #include "socle/platform/posix/host/report.h"
-#include "socle/platform/posix/paths/resolve.h"
 
-#include <cerrno>
 #include <charconv>
 
+/// The attribute bits of files. On a mounted NTFS disk they are the disk's own. Elsewhere read-only is the owner's
+/// missing write bit, and a user extended attribute keeps what the host knows nothing of.
 namespace platform {
 
 namespace posix {
 
 namespace {
 
-constexpr char const * disk_attribute = "system.ntfs_attrib";
 /// The kept bits in hexadecimal digits.
 constexpr char const * record_attribute = "user.socle.attributes";
 constexpr uint32 kept_bits =
     FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM | FILE_ATTRIBUTE_ARCHIVE | FILE_ATTRIBUTE_TEMPORARY;
 
-bool disk_bits(narrow_string const & path, uint32 & bits) {
+bool disk_bits(host::at const & file, uint32 & bits) {
     narrow_string value;
-    if (!get_attribute(path, disk_attribute, true, value) || value.size() != 4)
+    if (get_attribute(file, ntfs_bits_attribute, true, value) || value.size() != sizeof bits)
         return false;
-    bits = 0;
-    for (std::size_t i = 4; i-- > 0;)
-        bits = bits << 8 | static_cast<unsigned char>(value[i]);
+    bits = basic::load<uint32>(value.data(), false);
     return true;
 }
 
-int set_disk_bits(narrow_string const & path, uint32 bits) {
-    narrow_string value;
-    for (int shift = 0; shift < 32; shift += 8)
-        value += static_cast<char>(bits >> shift & 0xFF);
-    return set_attribute(path, disk_attribute, value);
-}
-
-int status_of(narrow_string const & path, int flags, struct statx & status) {
-    return host::statx(host::here, path, flags, STATX_TYPE | STATX_MODE | STATX_MTIME | STATX_BTIME, &status);
+host_error set_disk_bits(host::at const & file, uint32 bits) {
+    narrow_string value(sizeof bits, '\0');
+    basic::store(value.data(), bits, false);
+    return set_attribute(file, ntfs_bits_attribute, value);
 }
 
 uint32 default_record(mode_t mode) { return S_ISDIR(mode) ? 0 : FILE_ATTRIBUTE_ARCHIVE; }
 
 /// False if there is none, or it is not ours.
-bool get_record(narrow_string const & path, uint32 & bits) {
+bool get_record(host::at const & file, uint32 & bits) {
     narrow_string text;
-    if (!get_attribute(path, record_attribute, true, text))
+    if (get_attribute(file, record_attribute, true, text))
         return false;
     char const * const end = text.data() + text.size();
     auto const [last, error] = std::from_chars(text.data(), end, bits, 16);
@@ -57,118 +47,173 @@ bool get_record(narrow_string const & path, uint32 & bits) {
 }
 
 /// Hosts that keep none drop it.
-int set_record(narrow_string const & path, uint32 bits, mode_t mode) {
+host_error set_record(host::at const & file, uint32 bits, mode_t mode) {
     uint32 now = default_record(mode);
-    get_record(path, now);
+    get_record(file, now);
     if (now == bits)
-        return 0;
+        return {};
     char digits[8];
-    int const error = set_attribute(path, record_attribute,
-                                    narrow_string(digits, std::to_chars(digits, digits + sizeof digits, bits, 16).ptr));
-    return error == ENOTSUP ? 0 : error;
+    host_error const error = set_attribute(
+        file, record_attribute, narrow_string(digits, std::to_chars(digits, digits + sizeof digits, bits, 16).ptr));
+    return error == ENOTSUP ? host_error() : error;
 }
 
 /// `recorded` tells whether the file may have a record.
-uint32 bits_of(volume const & on, narrow_string const & path, mode_t mode, bool recorded) {
+uint32 bits_of(volume const & on, host::at const & file, mode_t mode, bool recorded) {
     uint32 bits = 0;
     if (S_ISDIR(mode) || S_ISREG(mode)) {
-        if (!on.ntfs_disk || !disk_bits(path, bits)) {
+        if (!on.ntfs_disk || !disk_bits(file, bits)) {
             bits = default_record(mode);
             if (recorded)
-                get_record(path, bits);
+                get_record(file, bits);
         }
         bits &= kept_bits;
-        bits |= is_read_only(on, path, mode) ? FILE_ATTRIBUTE_READONLY : 0;
+        bits |= is_read_only(on, file, mode) ? FILE_ATTRIBUTE_READONLY : 0;
     }
-    if (S_ISDIR(mode))
-        return bits | FILE_ATTRIBUTE_DIRECTORY;
-    if (!S_ISREG(mode) && !S_ISLNK(mode))
-        return FILE_ATTRIBUTE_DEVICE;
+    if (uint32 const kind = kind_of(mode))
+        return bits | kind;
     return bits == 0 ? FILE_ATTRIBUTE_NORMAL : bits;
 }
 
-/// The bits, and the times too if `times` is not null.
-uint32 attributes_at(std::u16string_view path, uint32 & bits, file_times * times) {
-    resolved_path at;
-    if (uint32 const code = resolve(path, at))
-        return code;
-    narrow_string file = at.host_path();
-    struct statx status {};
-    if (status_of(file, AT_SYMLINK_NOFOLLOW, status) != 0)
-        return code_at(file, errno);
-    bool const link = S_ISLNK(status.stx_mode);
-    bool const lost = link && status_of(file, 0, status) != 0;
-    // One question for both records is cheaper than two, but not than one.
-    bool const recorded = times == nullptr || has_attributes(file);
-    bits = lost ? FILE_ATTRIBUTE_ARCHIVE : bits_of(*at.on, file, status.stx_mode, recorded);
-    bits |= link ? FILE_ATTRIBUTE_REPARSE_POINT : 0;
-    if (!at.stream.empty()) {
-        bits &= ~FILE_ATTRIBUTE_DIRECTORY;
-        bits = bits == 0 ? FILE_ATTRIBUTE_NORMAL : bits;
-        narrow_string stream;
-        if (uint32 const code = at.on->streams->locate(at.host, at.stream, false, stream))
-            return code;
-        if (status_of(stream, AT_SYMLINK_NOFOLLOW, status) != 0)
-            return code_of(errno);
-        file = stream;
-    }
-    if (times != nullptr)
-        *times = times_of(file, status, recorded || !at.stream.empty());
-    return 0;
-}
-
-uint32 set_attributes_at(std::u16string_view path, uint32 bits) {
-    resolved_path at;
-    if (uint32 const code = resolve(path, at))
-        return code;
-    narrow_string const file = at.host_path();
-    struct stat status {};
-    if (host::stat(file, &status) != 0)
-        return code_at(file, errno);
-    if (!S_ISDIR(status.st_mode) && !S_ISREG(status.st_mode))
+system_code set_bits(volume const & on, host::at const & file, mode_t mode, uint32 bits) {
+    if (!S_ISDIR(mode) && !S_ISREG(mode))
         return ERROR_NOT_SUPPORTED;
     uint32 now = 0;
-    if (at.on->ntfs_disk && disk_bits(file, now)) {
+    if (on.ntfs_disk && disk_bits(file, now)) {
         constexpr uint32 settable = kept_bits | FILE_ATTRIBUTE_READONLY;
         now = (now & ~(settable | FILE_ATTRIBUTE_NORMAL)) | (bits & settable);
         return code_of(set_disk_bits(file, now != 0 ? now : FILE_ATTRIBUTE_NORMAL));
     }
-    if (int const error = set_record(file, bits & kept_bits, status.st_mode))
+    if (host_error const error = set_record(file, bits & kept_bits, mode))
         return code_of(error);
     bool const read_only = (bits & FILE_ATTRIBUTE_READONLY) != 0;
-    if (read_only == is_read_only(*at.on, file, status.st_mode))
-        return 0;
-    mode_t const mode = status.st_mode & 07777;
+    if (read_only == is_read_only(on, file, mode))
+        return {};
     constexpr mode_t all_write = S_IWUSR | S_IWGRP | S_IWOTH;
-    return host::chmod(file, read_only ? mode & ~all_write : mode | S_IWUSR) == 0 ? 0 : code_at(file, errno);
+    mode = read_only ? mode & ~all_write : mode | S_IWUSR;
+    return last_code_if(host::chmod(file, mode & 07777) != 0);
+}
+
+/// What the host tells of a file, and of the target if it is a link.
+struct file_status {
+    struct statx about {};
+    bool link = false;
+    bool lost = false; // a link without a target, which answers for itself
+
+    mode_t mode() const { return about.stx_mode; }
+};
+
+system_code look_at(resolved_path const & at, unsigned what, file_status & status) {
+    what |= STATX_TYPE;
+    if (host::statx(at.at(), AT_SYMLINK_NOFOLLOW, what, &status.about) != 0)
+        return last_code_at(at);
+    status.link = S_ISLNK(status.mode());
+    status.lost = status.link && host::statx(at.at(), 0, what, &status.about) != 0;
+    if (at.is_folder && !S_ISDIR(status.mode()))
+        return status.lost ? ERROR_FILE_NOT_FOUND : ERROR_PATH_NOT_FOUND;
+    return {};
+}
+
+/// Where the host has the named stream that the path leads to, and what it tells of it.
+system_code find_stream(resolved_path const & at, narrow_string & stream, struct statx & about) {
+    if (system_code const code = at.on->streams->locate(at.at(), at.stream, false, stream))
+        return code;
+    return last_code_if(host::statx(stream, AT_SYMLINK_NOFOLLOW, STATX_TYPE | STATX_MTIME | STATX_BTIME, &about) != 0);
 }
 
 } // namespace
 
-bool is_read_only(volume const & on, narrow_string const & path, mode_t mode) {
+uint32 kind_of(mode_t mode) {
+    if (S_ISDIR(mode))
+        return FILE_ATTRIBUTE_DIRECTORY;
+    return S_ISREG(mode) || S_ISLNK(mode) ? 0 : FILE_ATTRIBUTE_DEVICE;
+}
+
+bool is_read_only(volume const & on, host::at const & file, mode_t mode) {
     uint32 bits = 0;
-    if (on.ntfs_disk && disk_bits(path, bits))
+    if (on.ntfs_disk && disk_bits(file, bits))
         return (bits & FILE_ATTRIBUTE_READONLY) != 0;
     return (mode & S_IWUSR) == 0;
+}
+
+system_code kind_at(resolved_path const & at, uint32 & kind) {
+    file_status status;
+    if (system_code const code = look_at(at, 0, status))
+        return code;
+    kind = kind_of(status.mode()) | (status.link ? FILE_ATTRIBUTE_REPARSE_POINT : 0);
+    if (at.stream.empty())
+        return {};
+    kind &= ~FILE_ATTRIBUTE_DIRECTORY;
+    narrow_string stream;
+    return find_stream(at, stream, status.about);
+}
+
+system_code attributes_at(resolved_path const & at, uint32 & bits, file_times * times) {
+    file_status status;
+    if (system_code const code = look_at(at, STATX_MODE | (times != nullptr ? STATX_MTIME | STATX_BTIME : 0), status))
+        return code;
+    // One question for both records is cheaper than two, but not than one.
+    bool const recorded = times == nullptr || has_attributes(at.at());
+    bits = status.lost ? FILE_ATTRIBUTE_ARCHIVE : bits_of(*at.on, at.at(), status.mode(), recorded);
+    bits |= status.link ? FILE_ATTRIBUTE_REPARSE_POINT : 0;
+    narrow_string stream;
+    if (!at.stream.empty()) {
+        bits &= ~FILE_ATTRIBUTE_DIRECTORY;
+        bits = bits == 0 ? FILE_ATTRIBUTE_NORMAL : bits;
+        if (system_code const code = find_stream(at, stream, status.about))
+            return code;
+    }
+    if (times != nullptr)
+        *times = times_of(stream.empty() ? at.at() : stream, status.about, recorded || !stream.empty());
+    return {};
+}
+
+system_code attributes_at(resolved_path const & at, WIN32_FILE_ATTRIBUTE_DATA & data) {
+    file_times times;
+    system_code const code = attributes_at(at, data.dwFileAttributes, &times);
+    data.ftCreationTime = times.created;
+    data.ftLastWriteTime = times.modified;
+    return code;
+}
+
+system_code set_attributes_of(volume const & on, host::at const & file, uint32 bits) {
+    struct stat status {};
+    if (host::stat(file, &status) != 0)
+        return last_code();
+    return set_bits(on, file, status.st_mode, bits);
+}
+
+system_code set_attributes_at(resolved_path const & at, uint32 bits) {
+    struct stat status {};
+    if (host::stat(at.at(), &status) != 0)
+        return last_code_at(at);
+    if (at.is_folder && !S_ISDIR(status.st_mode))
+        return ERROR_PATH_NOT_FOUND;
+    return set_bits(*at.on, at.at(), status.st_mode, bits);
 }
 
 } // namespace posix
 
 uint32 GetFileAttributesW(wide_string const & path) {
     uint32 bits = 0;
-    return posix::report(posix::attributes_at(path, bits, nullptr)) ? bits : INVALID_FILE_ATTRIBUTES;
+    auto const ask = [&](posix::resolved_path const & at) { return posix::attributes_at(at, bits, nullptr); };
+    return posix::report(posix::with_path(path, ask)) ? bits : INVALID_FILE_ATTRIBUTES;
+}
+
+uint32 GetFileKindW(wide_string const & path) {
+    uint32 kind = 0;
+    auto const ask = [&](posix::resolved_path const & at) { return posix::kind_at(at, kind); };
+    return posix::report(posix::with_path(path, ask)) ? kind : INVALID_FILE_ATTRIBUTES;
 }
 
 bool GetFileAttributesExW(wide_string const & path, WIN32_FILE_ATTRIBUTE_DATA & data) {
-    posix::file_times times;
-    bool const there = posix::report(posix::attributes_at(path, data.dwFileAttributes, &times));
-    data.ftCreationTime = times.created;
-    data.ftLastWriteTime = times.modified;
-    return there;
+    return posix::report(
+        posix::with_path(path, [&](posix::resolved_path const & at) { return posix::attributes_at(at, data); }));
 }
 
 bool SetFileAttributesW(wide_string const & path, uint32 attributes) {
-    return posix::report(posix::set_attributes_at(path, attributes));
+    return posix::report(posix::with_path(
+        path, [&](posix::resolved_path const & at) { return posix::set_attributes_at(at, attributes); }));
 }
 
 } // namespace platform

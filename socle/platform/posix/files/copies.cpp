@@ -1,19 +1,14 @@
 #include "socle/platform/posix/files/copies.h"
 
-#include "socle/platform/errors.h"
 #include "socle/platform/file_times.h"
-#include "socle/platform/files.h"
-#include "socle/platform/host.h"
-#include "socle/platform/posix/host/descriptor.h"
-#include "socle/platform/posix/host/error_codes.h"
+#include "socle/platform/posix/files/operations.h"
+#include "socle/platform/posix/files/renames.h"
 #include "socle/platform/posix/host/extended_attributes.h"
-#include "socle/platform/posix/host/host_calls.h"
+#include "socle/platform/posix/host/hex_id.h"
 #include "socle/platform/posix/streams/stream_owners.h"
 
-#include <array>
 #include <climits>
 #include <new>
-#include <optional>
 #include <sys/file.h>
 #include <vector>
 
@@ -21,124 +16,91 @@ namespace platform::posix {
 
 namespace {
 
-/// Removes a file with its streams.
-int remove_file(volume const & on, narrow_string const & path) {
-    std::optional<stream_removal> streams;
-    if (on.streams)
-        streams.emplace(*on.streams, path);
-    if (host::unlink(path) != 0)
-        return errno;
-    if (streams)
-        streams->name_removed();
-    return 0;
-}
-
 /// Removes a file that is not to stay, with the streams that it has by then.
 class unfinished {
 public:
-    unfinished(volume const & on, narrow_string const & path) : on_(on), path_(path) {}
+    unfinished(resolved_path const & beside, narrow_string const & name) : beside_(beside), name_(name) {}
     unfinished(unfinished const &) = delete;
     unfinished & operator=(unfinished const &) = delete;
     ~unfinished() {
         try {
-            if (!path_.empty())
-                remove_file(on_, path_);
+            if (!name_.empty())
+                static_cast<void>(remove_with_streams(beside_.on->streams.get(), beside_.at(name_), host::unlink));
         } catch (std::bad_alloc const &) {
             // It stays then.
         }
     }
 
-    /// It is `path` now.
-    void renamed(narrow_string && path) noexcept { path_.swap(path); }
-    void keep() { path_.clear(); }
+    /// It is `name` now.
+    void renamed(narrow_string && name) noexcept { name_.swap(name); }
+    void keep() { name_.clear(); }
 
 private:
-    volume const & on_;
-    narrow_string path_;
+    resolved_path const & beside_;
+    narrow_string name_;
 };
 
-narrow_string folder_of(narrow_string const & path) {
-    auto const end = path.rfind('/');
-    return end == 0 ? "/" : path.substr(0, end);
-}
-
-/// A name beside `path` that nobody else has.
-uint32 free_name(narrow_string const & path, narrow_string & name) {
-    std::array<unsigned char, 8> bytes;
-    if (host::getentropy(bytes.data(), bytes.size()) != 0)
-        return code_of(errno);
-    name = path.substr(0, path.rfind('/') + 1) + ".socle_";
-    for (unsigned const byte : bytes) {
-        name += "0123456789abcdef"[byte / 16];
-        name += "0123456789abcdef"[byte % 16];
-    }
-    return 0;
-}
-
 /// The user's own extended attributes. The record of streams belongs to the one file that has it.
-uint32 copy_attributes(narrow_string const & from, narrow_string const & to) {
+system_code copy_attributes(host::at const & from, host::at const & to) {
     std::vector<char> names(65536); // the most that the host gives
     ssize_t const size = host::listxattr(from, names.data(), names.size());
     if (size < 0)
-        return errno == ENOTSUP ? 0 : code_of(errno);
+        return last_code_if(errno != ENOTSUP);
     char const * const end = names.data() + size;
     for (char const * name = names.data(); name < end; name += narrow_string(name).size() + 1) {
         narrow_string const text = name;
         narrow_string value;
         if (!text.starts_with("user.") || text == owner_attribute)
             continue;
-        if (!get_attribute(from, name, true, value)) {
-            if (errno == ENODATA)
-                continue;
-            return code_of(errno);
-        }
-        int const error = set_attribute(to, name, value);
-        if (error == ENOTSUP)
-            return 0; // kept where the host can
-        if (error != 0)
+        host_error error = get_attribute(from, name, true, value);
+        if (error == ENODATA)
+            continue;
+        if (!error && (error = set_attribute(to, name, value)) == ENOTSUP)
+            return {}; // kept where the host can
+        if (error)
             return code_of(error);
     }
-    return 0;
+    return {};
 }
 
-uint32 code_if(bool failed) { return failed ? GetLastError() : 0; }
-
-uint32 copy_all_streams(resolved_path const & from, volume const & on, narrow_string const & path) {
+system_code copy_all_streams(resolved_path const & from, resolved_path const & to, host::at const & copy) {
     std::vector<wide_string> names;
-    uint32 const code = from.on->streams ? from.on->streams->list(from.host, names) : 0;
-    if (code != 0 || names.empty())
+    system_code const code = from.on->streams ? from.on->streams->list(from.at(), names) : system_code();
+    if (code || names.empty())
         return code;
-    return on.streams ? copy_streams(*from.on->streams, from.host, *on.streams, path) : ERROR_NOT_SUPPORTED;
+    return to.on->streams ? copy_streams(*from.on->streams, from.at(), *to.on->streams, copy) : ERROR_NOT_SUPPORTED;
 }
 
-/// Everything but the name, into a file that is open already.
-uint32 copy_all(resolved_path const & from, int source, struct stat const & status, volume const & on,
-                narrow_string const & path, int target) {
+/// Everything but the name, into a file beside `to` that is open already.
+system_code copy_all(resolved_path const & from, int source, struct stat const & status, resolved_path const & to,
+                     narrow_string const & name, int target) {
+    host::at const copy = to.at(name);
     // First, since the streams take the owner and the bits that the file has then.
-    bool const owned = host::chown(path, status.st_uid, status.st_gid) == 0; // as far as the user may
+    bool const owned = host::chown(copy, status.st_uid, status.st_gid) == 0; // as far as the user may
     mode_t const mode = status.st_mode & (owned ? 07777 : 0777);
-    if (host::chmod(path, mode | S_IWUSR) != 0)
-        return code_of(errno);
-    if (uint32 const code = copy_bytes(source, target))
+    if (host::chmod(copy, mode | S_IWUSR) != 0)
+        return last_code();
+    if (system_code const code = copy_bytes(source, target))
         return code;
-    if (uint32 const code = copy_all_streams(from, on, path))
+    if (system_code const code = copy_all_streams(from, to, copy))
         return code;
-    if (uint32 const code = copy_attributes(from.host, path))
+    if (system_code const code = copy_attributes(from.at(), copy))
         return code;
-    if (host::chmod(path, mode) != 0)
-        return code_of(errno);
-    uint32 const bits = GetFileAttributesW(from_host(from.host));
-    if (uint32 const code = code_if(bits == INVALID_FILE_ATTRIBUTES || !SetFileAttributesW(from_host(path), bits)))
+    if (host::chmod(copy, mode) != 0)
+        return last_code();
+    uint32 bits = 0;
+    if (system_code const code = attributes_at(from, bits, nullptr))
+        return code;
+    if (system_code const code = set_attributes_of(*to.on, copy, bits))
         return code;
     uint64 created = 0, modified = 0;
-    bool const timed = GetFileTime(source, created, modified) && SetFileTime(target, &created, &modified);
-    if (uint32 const code = code_if(!timed))
-        return code;
-    return host::fsync(target) == 0 ? 0 : code_of(errno);
+    if (!GetFileTime(source, created, modified) || !SetFileTime(target, &created, &modified))
+        return GetLastError();
+    return last_code_if(host::fsync(target) != 0);
 }
 
 /// Whether the open file is still what it was, and still the one at `path`: somebody may write without asking.
-bool unchanged(int file, struct stat const & before, narrow_string const & path) {
+bool unchanged(int file, struct stat const & before, host::at const & path) {
     struct stat now {};
     struct stat there {};
     return host::fstat(file, &now) == 0 && host::lstat(path, &there) == 0 && there.st_dev == before.st_dev
@@ -147,123 +109,94 @@ bool unchanged(int file, struct stat const & before, narrow_string const & path)
 }
 
 /// Lets a new name in a folder last.
-uint32 sync_folder(narrow_string const & path) {
-    descriptor_guard const folder = open_descriptor(path, O_RDONLY | O_DIRECTORY);
+system_code sync_folder(resolved_path const & at) {
+    descriptor_guard const folder = open_descriptor(at.at(at.beside(".")), O_RDONLY | O_DIRECTORY);
     if (folder.get() < 0)
-        return errno == EACCES ? 0 : code_of(errno); // one that may be written, but not read
-    return host::fsync(folder.get()) == 0 || errno == EINVAL ? 0 : code_of(errno);
+        return last_code_if(errno != EACCES); // one that may be written, but not read
+    return last_code_if(host::fsync(folder.get()) != 0 && errno != EINVAL);
 }
 
-uint32 move_file(resolved_path const & from, resolved_path const & to) {
-    descriptor_guard const source = open_descriptor(from.host, O_RDONLY | O_NOFOLLOW | O_NONBLOCK);
+system_code move_file(resolved_path const & from, resolved_path const & to) {
+    descriptor_guard const source = open_descriptor(from.at(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK);
     if (source.get() < 0)
-        return code_at(from.host, errno);
+        return last_code_at(from);
     // Whoever writes there would write to what is about to go.
     if (host::flock(source.get(), LOCK_SH | LOCK_NB) != 0 && errno == EWOULDBLOCK)
         return ERROR_SHARING_VIOLATION;
     struct stat status {};
     if (host::fstat(source.get(), &status) != 0)
-        return code_of(errno);
-    narrow_string name;
-    if (uint32 const code = free_name(to.host, name))
-        return code;
-    unfinished copy(*to.on, name);
-    descriptor_guard const target = open_descriptor(name, O_RDWR | O_CREAT | O_EXCL, S_IRUSR | S_IWUSR);
+        return last_code();
+    narrow_string id;
+    if (host_error const error = make_hex_id(8, id))
+        return code_of(error);
+    narrow_string const name = to.beside(".socle_" + id);
+    unfinished copy(to, name);
+    descriptor_guard const target = open_descriptor(to.at(name), O_RDWR | O_CREAT | O_EXCL, S_IRUSR | S_IWUSR);
     if (target.get() < 0) {
-        int const error = errno;
+        host_error const error = host_error::last();
         copy.keep(); // whose it may be
-        return code_at(to.host, error);
+        return code_at(to, error);
     }
-    if (uint32 const code = copy_all(from, source.get(), status, *to.on, name, target.get()))
+    if (system_code const code = copy_all(from, source.get(), status, to, name, target.get()))
         return code;
-    narrow_string moved = to.host;
-    if (int const error = rename_unless_there(name, to.host))
+    narrow_string moved = to.name;
+    if (host_error const error = rename_unless_there(to.at(name), to.at()))
         return code_of(error);
     copy.renamed(std::move(moved));
-    if (uint32 const code = sync_folder(folder_of(to.host)))
+    if (system_code const code = sync_folder(to))
         return code;
-    if (!unchanged(source.get(), status, from.host))
+    if (!unchanged(source.get(), status, from.at()))
         return ERROR_SHARING_VIOLATION;
-    if (int const error = remove_file(*from.on, from.host))
+    if (host_error const error = remove_with_streams(from.on->streams.get(), from.at(), host::unlink))
         return code_of(error);
     copy.keep();
-    return 0;
+    return {};
 }
 
-uint32 move_link(resolved_path const & from, resolved_path const & to) {
+system_code move_link(resolved_path const & from, resolved_path const & to) {
     char target[PATH_MAX + 1];
-    ssize_t const size = host::readlink(from.host, target, PATH_MAX);
+    ssize_t const size = host::readlink(from.at(), target, PATH_MAX);
     if (size < 0)
-        return code_of(errno);
+        return last_code();
     target[size] = '\0';
-    // Asked for while there is no second link yet, since it may take memory.
-    narrow_string const folder = folder_of(to.host);
-    if (host::symlink(target, to.host) != 0)
-        return code_at(to.host, errno);
-    uint32 code = sync_folder(folder);
-    if (code == 0 && host::unlink(from.host) != 0)
-        code = code_of(errno);
-    if (code != 0)
-        host::unlink(to.host);
+    if (host::symlink(target, to.at()) != 0)
+        return last_code_at(to);
+    system_code code = sync_folder(to);
+    if (!code)
+        code = last_code_if(host::unlink(from.at()) != 0);
+    if (code)
+        host::unlink(to.at());
     return code;
 }
 
 } // namespace
 
-uint32 copy_bytes(int from, int to) {
+system_code copy_bytes(int from, int to) {
     std::vector<char> block(std::size_t{256} * 1024);
     for (;;) {
         ssize_t const got = host::read(from, block.data(), block.size());
         if (got < 0)
-            return code_of(errno);
+            return last_code();
         if (got == 0)
-            return host::fsync(to) == 0 ? 0 : code_of(errno);
+            return last_code_if(host::fsync(to) != 0);
         for (ssize_t done = 0; done < got;) {
             ssize_t const written = host::write(to, block.data() + done, static_cast<std::size_t>(got - done));
             if (written < 0)
-                return code_of(errno);
+                return last_code();
             done += written;
         }
     }
 }
 
-uint32 move_between(resolved_path const & from, resolved_path const & to) {
+system_code move_between(resolved_path const & from, resolved_path const & to) {
     struct stat status {};
-    if (host::lstat(from.host, &status) != 0)
-        return code_at(from.host, errno);
+    if (host::lstat(from.at(), &status) != 0)
+        return last_code_at(from);
     if (S_ISDIR(status.st_mode))
         return ERROR_NOT_SAME_DEVICE;
     if (S_ISLNK(status.st_mode))
         return move_link(from, to);
     return S_ISREG(status.st_mode) ? move_file(from, to) : ERROR_NOT_SUPPORTED;
-}
-
-int rename_unless_there(narrow_string const & from, narrow_string const & to) {
-    auto const cannot_promise = [](int error) {
-        return error == EINVAL || error == ENOSYS || error == ENOTSUP || error == EPERM || error == EMLINK;
-    };
-    if (host::rename_no_replace(from, to) == 0)
-        return 0;
-    if (!cannot_promise(errno) || to.starts_with(from + '/'))
-        return errno;
-    struct stat status {};
-    if (host::lstat(from, &status) != 0)
-        return errno;
-    if (!S_ISDIR(status.st_mode)) {
-        if (host::link(from, to) == 0) {
-            if (host::unlink(from) == 0)
-                return 0;
-            int const error = errno;
-            host::unlink(to);
-            return error;
-        }
-        if (!cannot_promise(errno))
-            return errno;
-    }
-    // No way that holds in a race.
-    if (host::lstat(to, &status) == 0)
-        return EEXIST;
-    return host::rename(from, to) == 0 ? 0 : errno;
 }
 
 } // namespace platform::posix

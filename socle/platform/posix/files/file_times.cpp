@@ -1,12 +1,10 @@
 #include "socle/platform/file_times.h"
 
 #include "socle/platform/posix/files/file_times.h"
-#include "socle/platform/posix/host/error_codes.h"
 #include "socle/platform/posix/host/extended_attributes.h"
-#include "socle/platform/posix/host/host_calls.h"
 #include "socle/platform/posix/host/report.h"
 
-#include <cerrno>
+#include <algorithm>
 #include <charconv>
 #include <string>
 
@@ -16,17 +14,12 @@ namespace posix {
 
 namespace {
 
-/// On a mounted NTFS disk: the creation time in eight bytes, as the host keeps integers.
-constexpr char const * disk_attribute = "system.ntfs_crtime";
-/// Elsewhere one that was set, in decimal digits.
+/// A creation time that was set, in decimal digits, where the disk keeps none.
 constexpr char const * record_attribute = "user.socle.created";
 
 constexpr int64 units_per_second = 10'000'000;
 constexpr int64 nanoseconds_per_unit = 100;
 constexpr int64 seconds_1601_to_1970 = 11'644'473'600;
-
-/// A path by which calls that want one reach an open file of any kind.
-narrow_string path_of(int file) { return "/proc/self/fd/" + std::to_string(file); }
 
 uint64 units_of(int64 seconds, int64 nanoseconds) {
     int64 const since_1601 = seconds + seconds_1601_to_1970;
@@ -40,63 +33,64 @@ timespec host_time(uint64 units) {
     return time;
 }
 
-bool disk_time(narrow_string const & path, uint64 & units) {
+bool disk_time(host::at const & file, uint64 & units) {
     narrow_string value;
-    if (!get_attribute(path, disk_attribute, true, value) || value.size() != sizeof units)
+    if (get_attribute(file, ntfs_created_attribute, true, value) || value.size() != sizeof units)
         return false;
     std::copy(value.begin(), value.end(), reinterpret_cast<char *>(&units));
     return true;
 }
 
-bool recorded_time(narrow_string const & path, uint64 & units) {
+bool recorded_time(host::at const & file, uint64 & units) {
     narrow_string text;
-    if (!get_attribute(path, record_attribute, true, text))
+    if (get_attribute(file, record_attribute, true, text))
         return false;
     char const * const end = text.data() + text.size();
     auto const [last, error] = std::from_chars(text.data(), end, units);
     return error == std::errc() && last == end;
 }
 
-uint32 get_times(int file, file_times & times) {
+system_code get_times(int file, file_times & times) {
     struct statx status {};
-    if (host::statx(file, "", AT_EMPTY_PATH, STATX_MTIME | STATX_BTIME, &status) != 0)
-        return code_of(errno);
-    times = times_of(path_of(file), status, true);
-    return 0;
+    if (host::statx(host::at(file), 0, STATX_MTIME | STATX_BTIME, &status) != 0)
+        return last_code();
+    times = times_of(host::at(file), status, true);
+    return {};
 }
 
-uint32 set_created(narrow_string const & path, uint64 units) {
+system_code set_created(host::at const & file, uint64 units) {
     uint64 now = 0;
-    int const error = disk_time(path, now)
-                          ? set_attribute(path, disk_attribute, {reinterpret_cast<char const *>(&units), sizeof units})
-                          : set_attribute(path, record_attribute, std::to_string(units));
-    return error == ENOTSUP ? 0 : code_of(error);
+    host_error const error =
+        disk_time(file, now)
+            ? set_attribute(file, ntfs_created_attribute, {reinterpret_cast<char const *>(&units), sizeof units})
+            : set_attribute(file, record_attribute, std::to_string(units));
+    return error == ENOTSUP ? system_code() : code_of(error);
 }
 
-uint32 set_times(int file, uint64 const * created, uint64 const * modified) {
+system_code set_times(int handle, uint64 const * created, uint64 const * modified) {
     // By its path, a handle that is not open would be a missing file.
     struct stat status {};
-    if (host::fstat(file, &status) != 0)
-        return code_of(errno);
-    narrow_string const path = path_of(file);
+    if (host::fstat(handle, &status) != 0)
+        return last_code();
+    host::at const file(handle);
     if (created != nullptr) {
-        if (uint32 const code = set_created(path, *created))
+        if (system_code const code = set_created(file, *created))
             return code;
     }
     if (modified == nullptr)
-        return 0;
+        return {};
     timespec const times[2] = {{0, UTIME_OMIT}, host_time(*modified)};
-    return host::utimensat(host::here, path, times, 0) == 0 ? 0 : code_of(errno);
+    return last_code_if(host::utimensat(file, times) != 0);
 }
 
 } // namespace
 
-file_times times_of(narrow_string const & path, struct statx const & status, bool recorded) {
+file_times times_of(host::at const & file, struct statx const & status, bool recorded) {
     uint64 const modified = units_of(status.stx_mtime.tv_sec, status.stx_mtime.tv_nsec);
     // The driver of an NTFS disk tells it by the attribute alone.
     bool const known = (status.stx_mask & STATX_BTIME) != 0;
     uint64 created = 0;
-    if ((known || !disk_time(path, created)) && (!recorded || !recorded_time(path, created)))
+    if ((known || !disk_time(file, created)) && (!recorded || !recorded_time(file, created)))
         created = known ? units_of(status.stx_btime.tv_sec, status.stx_btime.tv_nsec) : modified;
     return {created, modified};
 }

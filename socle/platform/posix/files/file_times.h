@@ -10,8 +10,8 @@ struct file_times {
     uint64 modified = 0;
 };
 
-/// The times of the file at `path` with this status, in which the host was asked for STATX_MTIME and STATX_BTIME. An
-/// extended attribute with a creation time of its own is only looked for if there may be one: `recorded`.
-file_times times_of(narrow_string const & path, struct statx const & status, bool recorded);
+/// The times of a file with this status, in which the host was asked for STATX_MTIME and STATX_BTIME. An extended
+/// attribute with a creation time of its own is only looked for if there may be one: `recorded`.
+file_times times_of(host::at const & file, struct statx const & status, bool recorded);
 
 } // namespace platform::posix

@@ -1,12 +1,9 @@
-#include "socle/platform/errors.h"
 #include "socle/platform/files.h"
 #include "socle/platform/posix/files/copies.h"
-#include "socle/platform/posix/host/error_codes.h"
-#include "socle/platform/posix/host/host_calls.h"
+#include "socle/platform/posix/files/operations.h"
+#include "socle/platform/posix/files/renames.h"
 #include "socle/platform/posix/host/report.h"
-#include "socle/platform/posix/paths/resolve.h"
 
-#include <cerrno>
 #include <new>
 #include <vector>
 
@@ -17,66 +14,88 @@ namespace posix {
 namespace {
 
 /// Whether both paths are one entry of one folder, however they are spelled.
-bool same_entry(narrow_string const & a, narrow_string const & b) {
-    auto const cut = [](narrow_string const & path) { return path.rfind('/') + 1; };
+bool same_entry(resolved_path const & a, resolved_path const & b) {
+    auto const leaf = [](resolved_path const & at) { return std::string_view(at.name).substr(at.beside("").size()); };
     struct stat first {};
     struct stat second {};
-    return a.substr(cut(a)) == b.substr(cut(b)) && host::stat(a.substr(0, cut(a)), &first) == 0
-           && host::stat(b.substr(0, cut(b)), &second) == 0 && first.st_dev == second.st_dev
+    return leaf(a) == leaf(b) && host::stat(a.at(a.beside(".")), &first) == 0
+           && host::stat(b.at(b.beside(".")), &second) == 0 && first.st_dev == second.st_dev
            && first.st_ino == second.st_ino;
 }
 
-/// Lets the streams of a file know where it is now, as far as that works: they find it without, too.
+/// Records the new path of a file with streams; best effort, as they are found without it.
 void note_name(resolved_path const & at) {
     try {
         std::vector<wide_string> names;
         narrow_string host;
-        if (at.on->streams && at.on->streams->list(at.host, names) == 0 && !names.empty())
-            at.on->streams->locate(at.host, names.front(), true, host);
+        if (at.on->streams && !at.on->streams->list(at.at(), names) && !names.empty())
+            static_cast<void>(at.on->streams->locate(at.at(), names.front(), true, host));
     } catch (std::bad_alloc const &) {
         // The move is done all the same.
     }
 }
 
-uint32 move(std::u16string_view from_path, std::u16string_view to_path) {
-    resolved_path from, to;
-    if (uint32 const code = resolve(from_path, from))
+/// A folder's streams lie within its volume, as far as one rename goes.
+host_error rename_in_volume(resolved_path const & from, resolved_path const & to) {
+    return from.on == to.on ? rename_unless_there(from.at(), to.at()) : host_error(EXDEV);
+}
+
+/// What stands against a move, told by looks; 0 if nothing does. `same` tells whether there is nothing to do.
+system_code check_move(resolved_path const & from, resolved_path const & to, mode_t & mode, bool & same) {
+    uint32 kind = 0;
+    if (system_code const code = from.is_folder ? kind_at(from, kind) : system_code())
         return code;
-    if (uint32 const code = resolve(to_path, to))
-        return code;
-    if (!from.stream.empty() || !to.stream.empty())
-        return ERROR_INVALID_NAME;
     struct stat status {};
-    if (host::lstat(from.host_path(), &status) != 0)
-        return code_at(from.host_path(), errno);
-    if (same_entry(from.host, to.host))
-        return 0;
-    struct stat there {};
-    if (host::lstat(to.host, &there) == 0)
+    if (host::lstat(from.at(), &status) != 0)
+        return last_code_at(from);
+    mode = status.st_mode;
+    same = same_entry(from, to);
+    if (same)
+        return {};
+    if (host::lstat(to.at(), &status) == 0)
         return ERROR_ALREADY_EXISTS;
     if (!to.safe)
         return ERROR_INVALID_NAME;
-    if (to.folder && !S_ISDIR(status.st_mode))
-        return ERROR_PATH_NOT_FOUND;
-    // A folder's streams lie within its volume, as far as one rename goes.
-    int const error = from.on == to.on ? rename_unless_there(from.host, to.host) : EXDEV;
-    switch (error) {
-    case 0: note_name(to); return 0;
-    case EXDEV: {
-        uint32 const code = move_between(from, to);
-        if (code == 0)
-            note_name(to);
-        return code;
-    }
-    case EINVAL: return S_ISDIR(status.st_mode) ? ERROR_SHARING_VIOLATION : code_of(error); // into itself
-    default: return code_at(to.host, error);
-    }
+    return to.is_folder && !S_ISDIR(mode) ? ERROR_PATH_NOT_FOUND : system_code();
 }
 
 } // namespace
 
+system_code move_at(resolved_path const & from, resolved_path const & to) {
+    if (!from.stream.empty() || !to.stream.empty())
+        return ERROR_INVALID_NAME;
+    bool const plain = to.safe && !to.is_folder && !from.is_folder;
+    host_error error = plain ? rename_in_volume(from, to) : host_error(EXDEV);
+    mode_t mode = 0;
+    bool same = false;
+    if (error) {
+        if (system_code const code = check_move(from, to, mode, same))
+            return code;
+        if (same)
+            return {};
+        if (!plain)
+            error = rename_in_volume(from, to);
+    }
+    system_code code;
+    if (error == EXDEV)
+        code = move_between(from, to);
+    else if (error == EINVAL && S_ISDIR(mode))
+        code = ERROR_SHARING_VIOLATION; // into itself
+    else
+        code = code_at(to, error);
+    if (!code)
+        note_name(to);
+    return code;
+}
+
 } // namespace posix
 
-bool MoveFileW(wide_string const & from, wide_string const & to) { return posix::report(posix::move(from, to)); }
+bool MoveFileW(wide_string const & from, wide_string const & to) {
+    return posix::report(posix::with_path(from, [&](posix::resolved_path const & at) {
+        posix::resolved_path target;
+        system_code const code = posix::resolve(to, target, &at);
+        return code ? code : posix::move_at(at, target);
+    }));
+}
 
 } // namespace platform

@@ -1,14 +1,10 @@
 #include "socle/platform/ansi_text.h"
-#include "socle/platform/directories.h"
-#include "socle/platform/errors.h"
 #include "socle/platform/host_names.h"
-#include "socle/platform/posix/host/error_codes.h"
-#include "socle/platform/posix/host/host_calls.h"
+#include "socle/platform/posix/files/held_folder.h"
+#include "socle/platform/posix/files/operations.h"
 #include "socle/platform/posix/host/report.h"
-#include "socle/platform/posix/paths/resolve.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <cwctype>
 #include <locale.h>
 #include <memory>
@@ -20,18 +16,19 @@ namespace platform {
 struct file_search {
     struct entry {
         std::size_t at;
-        std::size_t size;
+        uint32 size;
+        uint32 kind;
     };
 
-    void add(std::string_view host_name) {
+    void add(std::string_view host_name, uint32 kind) {
         std::size_t const at = text.size();
         append_host_name(host_name, text);
-        finish(at);
+        finish(at, kind);
     }
-    void add(std::u16string_view name) {
+    void add(std::u16string_view name, uint32 kind) {
         std::size_t const at = text.size();
         text += name;
-        finish(at);
+        finish(at, kind);
     }
     void sort(std::size_t first);
 
@@ -44,7 +41,7 @@ struct file_search {
     std::size_t next = 0;
 
 private:
-    void finish(std::size_t at);
+    void finish(std::size_t at, uint32 kind);
 };
 
 namespace posix {
@@ -59,76 +56,70 @@ char16_t upper_case(char16_t unit) {
     return all_letters == locale_t{} ? unit : static_cast<char16_t>(towupper_l(unit, all_letters));
 }
 
-uint32 list_folder(std::u16string_view path, file_search & search) {
-    resolved_path at;
-    if (uint32 const code = resolve_target(path, at))
+system_code list_folder(listed_folder & folder, file_search & search) {
+    std::size_t const first = search.entries.size();
+    system_code const code = folder.list([&](std::string_view name, uint32 kind) { search.add(name, kind); });
+    search.sort(first);
+    return code;
+}
+
+system_code list_path(std::u16string_view path, file_search & search) {
+    listed_folder folder;
+    if (system_code const code = folder.open(path, true))
         return code;
-    if (!at.stream.empty())
-        return ERROR_DIRECTORY;
-    std::unique_ptr<DIR, int (*)(DIR *)> const folder(host::opendir(at.host), host::closedir);
-    if (!folder) {
-        int const error = errno;
-        // What is missing in front of the search's last name is a path.
-        return error == ENOENT ? ERROR_PATH_NOT_FOUND : error == ENOTDIR ? ERROR_DIRECTORY : code_of(error);
-    }
-    search.add(u".");
-    search.add(u"..");
-    named_streams const * const streams = at.on->streams.get();
-    for (;;) {
-        errno = 0;
-        dirent const * const read = host::readdir(folder.get());
-        if (read == nullptr)
-            break;
-        std::string_view const name = read->d_name;
-        bool const hidden = streams != nullptr && streams->hidden((at.host + '/').append(name));
-        if (name != "." && name != ".." && !hidden)
-            search.add(name);
-    }
-    if (errno != 0)
-        return code_of(errno);
-    search.sort(2);
-    return 0;
+    search.add(u".", FILE_ATTRIBUTE_DIRECTORY);
+    search.add(u"..", FILE_ATTRIBUTE_DIRECTORY);
+    return list_folder(folder, search);
 }
 
 /// The one thing that the path names, under the name that the path gives it.
-uint32 find_one(std::u16string_view path, std::u16string_view leaf, file_search & search) {
-    resolved_path at;
-    if (uint32 const code = resolve(path, at))
+system_code find_one(std::u16string_view path, std::u16string_view leaf, file_search & search) {
+    return with_path(path, [&](resolved_path const & at) -> system_code {
+        if (!at.stream.empty())
+            return ERROR_INVALID_NAME;
+        uint32 kind = 0;
+        system_code const code = kind_at(at, kind);
+        if (!code)
+            search.add(leaf, kind);
         return code;
-    if (!at.stream.empty())
-        return ERROR_INVALID_NAME;
-    struct stat status {};
-    if (host::lstat(at.host_path(), &status) != 0)
-        return code_at(at.host, errno);
-    search.add(leaf);
-    return 0;
+    });
 }
 
-uint32 begin_search(std::u16string_view pattern, file_search & search) {
+system_code begin_search(std::u16string_view pattern, file_search & search) {
     std::size_t const separator = pattern.find_last_of(u"\\/");
     bool const plain = separator == std::u16string_view::npos;
     std::u16string_view const leaf = plain ? pattern : pattern.substr(separator + 1);
     if (leaf == u"*") {
         // The separator stays: alone, or behind a drive, it makes the root of it.
-        return list_folder(plain ? u"." : pattern.substr(0, separator + 1), search);
+        return list_path(plain ? u"." : pattern.substr(0, separator + 1), search);
     }
     if (leaf.empty())
         return ERROR_FILE_NOT_FOUND;
     if (pattern == u".") {
         // Always there, even where the working directory may not be searched.
-        search.add(pattern);
-        return 0;
+        search.add(pattern, FILE_ATTRIBUTE_DIRECTORY);
+        return {};
     }
     return leaf.find_first_of(u"*?") == std::u16string_view::npos ? find_one(pattern, leaf, search)
                                                                   : ERROR_NOT_SUPPORTED;
+}
+
+/// A search that has begun well, with its first entry.
+template <typename Data, typename Next>
+file_search * begun(system_code code, std::unique_ptr<file_search> search, Data & data, Next next) {
+    return report(code) && next(search.get(), data) ? search.release() : nullptr;
+}
+
+system_code begin_search(open_folder const & folder, file_search & search) {
+    return folder.is_open() ? list_folder(folder.get()->folder, search) : ERROR_INVALID_HANDLE;
 }
 
 } // namespace
 
 } // namespace posix
 
-void file_search::finish(std::size_t at) {
-    entries.push_back({at, text.size() - at});
+void file_search::finish(std::size_t at, uint32 kind) {
+    entries.push_back({at, static_cast<uint32>(text.size() - at), kind});
     for (std::size_t i = at, end = text.size(); i < end; ++i)
         text += posix::upper_case(text[i]);
 }
@@ -144,28 +135,39 @@ void file_search::sort(std::size_t first) {
 
 file_search * FindFirstFileW(wide_string const & pattern, WIN32_FIND_DATAW & data) {
     auto search = std::make_unique<file_search>();
-    if (!posix::report(posix::begin_search(pattern, *search)))
-        return nullptr;
-    return FindNextFileW(search.get(), data) ? search.release() : nullptr;
+    system_code const code = posix::begin_search(pattern, *search);
+    return posix::begun(code, std::move(search), data, FindNextFileW);
+}
+
+file_search * FindFirstFileW(open_folder const & folder, WIN32_FIND_DATAW & data) {
+    auto search = std::make_unique<file_search>();
+    system_code const code = posix::begin_search(folder, *search);
+    return posix::begun(code, std::move(search), data, FindNextFileW);
 }
 
 bool FindNextFileW(file_search * search, WIN32_FIND_DATAW & data) {
     if (search->next == search->entries.size())
         return posix::report(ERROR_NO_MORE_FILES);
-    data.cFileName = search->name(search->entries[search->next++]);
+    file_search::entry const & found = search->entries[search->next++];
+    data = {found.kind, wide_string(search->name(found))};
     return true;
 }
 
 file_search * FindFirstFileA(narrow_string const & pattern, WIN32_FIND_DATAA & data) {
     auto search = std::make_unique<file_search>();
-    if (!posix::report(posix::begin_search(from_ansi(pattern), *search)))
-        return nullptr;
-    return FindNextFileA(search.get(), data) ? search.release() : nullptr;
+    system_code const code = posix::begin_search(from_ansi(pattern), *search);
+    return posix::begun(code, std::move(search), data, FindNextFileA);
+}
+
+file_search * FindFirstFileA(open_folder const & folder, WIN32_FIND_DATAA & data) {
+    auto search = std::make_unique<file_search>();
+    system_code const code = posix::begin_search(folder, *search);
+    return posix::begun(code, std::move(search), data, FindNextFileA);
 }
 
 bool FindNextFileA(file_search * search, WIN32_FIND_DATAA & data) {
     for (WIN32_FIND_DATAW wide; FindNextFileW(search, wide);) {
-        data.cFileName = to_ansi(wide.cFileName);
+        data = {wide.dwFileAttributes, to_ansi(wide.cFileName)};
         if (from_ansi(data.cFileName) == wide.cFileName)
             return true;
     }

@@ -1,9 +1,8 @@
 #include "socle/platform/files.h"
-#include "socle/platform/posix/host/error_codes.h"
 #include "socle/platform/posix/host/host_calls.h"
+#include "socle/platform/posix/host/host_error.h"
 #include "socle/platform/posix/host/report.h"
 
-#include <cerrno>
 #include <cstddef>
 #include <poll.h>
 
@@ -14,7 +13,7 @@ namespace posix {
 namespace {
 
 /// The code of a transfer that failed: a handle that is open, but not for this, is no bad one.
-uint32 transfer_code(int file, int error) {
+system_code transfer_code(int file, host_error error) {
     bool const wrong_access = error == EBADF && host::status_flags(file) >= 0;
     return wrong_access || error == EISDIR ? ERROR_ACCESS_DENIED : code_of(error);
 }
@@ -26,7 +25,7 @@ bool again(int file, short events) {
     return (errno == EAGAIN || errno == EWOULDBLOCK) && (host::wait_for(file, events) >= 0 || errno == EINTR);
 }
 
-uint32 read_file(int file, char * buffer, uint32 size, uint32 & done) {
+system_code read_file(int file, char * buffer, uint32 size, uint32 & done) {
     done = 0;
     mode_t kind = 0;
     while (done < size) {
@@ -34,7 +33,7 @@ uint32 read_file(int file, char * buffer, uint32 size, uint32 & done) {
         if (got < 0) {
             if (again(file, POLLIN))
                 continue;
-            return transfer_code(file, errno);
+            return transfer_code(file, host_error::last());
         }
         done += static_cast<uint32>(got);
         if (done == size)
@@ -42,22 +41,22 @@ uint32 read_file(int file, char * buffer, uint32 size, uint32 & done) {
         struct stat status {};
         if (kind == 0) {
             if (host::fstat(file, &status) != 0)
-                return code_of(errno);
+                return last_code();
             kind = status.st_mode;
         }
         if (got == 0)
-            return S_ISFIFO(kind) && done == 0 ? ERROR_BROKEN_PIPE : 0;
+            return S_ISFIFO(kind) && done == 0 ? ERROR_BROKEN_PIPE : system_code();
         if (!S_ISREG(kind))
             break;
     }
-    return 0;
+    return {};
 }
 
-uint32 write_file(int file, char const * buffer, uint32 size, uint32 & done) {
+system_code write_file(int file, char const * buffer, uint32 size, uint32 & done) {
     done = 0;
     struct stat status {};
     if (host::fstat(file, &status) != 0)
-        return code_of(errno);
+        return last_code();
     bool const pipe = S_ISFIFO(status.st_mode) || S_ISSOCK(status.st_mode);
     auto const write = pipe ? host::write_quietly : host::write;
     while (done < size) {
@@ -67,41 +66,41 @@ uint32 write_file(int file, char const * buffer, uint32 size, uint32 & done) {
         else if (written == 0)
             return ERROR_IO_DEVICE;
         else if (!again(file, POLLOUT))
-            return transfer_code(file, errno);
+            return transfer_code(file, host_error::last());
     }
-    return 0;
+    return {};
 }
 
 /// 0 if the handle is open for writing.
-uint32 check_writable(int file) {
+system_code check_writable(int file) {
     int const flags = host::status_flags(file);
     if (flags < 0)
-        return code_of(errno);
-    return (flags & O_PATH) != 0 || (flags & O_ACCMODE) == O_RDONLY ? ERROR_ACCESS_DENIED : 0;
+        return last_code();
+    return (flags & O_PATH) != 0 || (flags & O_ACCMODE) == O_RDONLY ? ERROR_ACCESS_DENIED : system_code();
 }
 
-uint32 set_end(int file) {
-    if (uint32 const code = check_writable(file))
+system_code set_end(int file) {
+    if (system_code const code = check_writable(file))
         return code;
     off_t const position = host::lseek(file, 0, SEEK_CUR);
-    return position >= 0 && host::ftruncate(file, position) == 0 ? 0 : code_of(errno);
+    return last_code_if(position < 0 || host::ftruncate(file, position) != 0);
 }
 
-uint32 flush(int file) {
-    if (uint32 const code = check_writable(file))
+system_code flush(int file) {
+    if (system_code const code = check_writable(file))
         return code;
     // What cannot be synced, a pipe or a terminal, holds nothing back.
-    return host::fsync(file) == 0 || errno == EINVAL ? 0 : code_of(errno);
+    return last_code_if(host::fsync(file) != 0 && errno != EINVAL);
 }
 
-uint32 set_position(int file, int64 distance, uint32 method, uint64 & position) {
+system_code set_position(int file, int64 distance, uint32 method, uint64 & position) {
     if (method == FILE_BEGIN && distance < 0)
         return ERROR_NEGATIVE_SEEK;
     off_t const reached = host::lseek(file, distance, method == FILE_BEGIN ? SEEK_SET : SEEK_CUR);
     if (reached < 0)
-        return errno == EINVAL && distance < 0 ? ERROR_NEGATIVE_SEEK : transfer_code(file, errno);
+        return errno == EINVAL && distance < 0 ? ERROR_NEGATIVE_SEEK : transfer_code(file, host_error::last());
     position = static_cast<uint64>(reached);
-    return 0;
+    return {};
 }
 
 } // namespace
@@ -127,15 +126,15 @@ bool FlushFileBuffers(int file) { return posix::report(posix::flush(file)); }
 bool GetFileSize(int file, uint64 & size) {
     struct stat status {};
     if (posix::host::fstat(file, &status) != 0)
-        return posix::report(posix::code_of(errno));
+        return posix::report(posix::last_code());
     size = static_cast<uint64>(status.st_size);
-    return posix::report(S_ISREG(status.st_mode) ? 0 : ERROR_NOT_SUPPORTED);
+    return posix::report(S_ISREG(status.st_mode) ? system_code() : ERROR_NOT_SUPPORTED);
 }
 
 uint32 GetFileType(int file) {
     struct stat status {};
     if (posix::host::fstat(file, &status) != 0) {
-        posix::report(posix::code_of(errno));
+        posix::report(posix::last_code());
         return FILE_TYPE_UNKNOWN;
     }
     bool const pipe = S_ISFIFO(status.st_mode) || S_ISSOCK(status.st_mode);

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "socle/platform/posix/host/host_calls.h"
+#include "socle/platform/posix/host/host_error.h"
 
-#include <memory>
 #include <utility>
 
 namespace platform::posix {
@@ -28,18 +28,19 @@ private:
     int descriptor_;
 };
 
-struct folder_closer {
-    void operator()(DIR * folder) const { host::closedir(folder); }
-};
-/// A folder that is read.
-using folder_guard = std::unique_ptr<DIR, folder_closer>;
-
-/// The bits of a new file before the process's mask takes some away.
-constexpr mode_t everyone = S_IRUSR | S_IWUSR | S_IRGRP | S_IWGRP | S_IROTH | S_IWOTH;
+/// The bits of a new file and of a new folder before the process's mask takes some away.
+constexpr mode_t new_file_mode = S_IRUSR | S_IWUSR | S_IRGRP | S_IWGRP | S_IROTH | S_IWOTH;
+constexpr mode_t new_folder_mode = S_IRWXU | S_IRWXG | S_IRWXO;
 
 /// Opens a file. The descriptor is closed on exec.
-inline descriptor_guard open_descriptor(narrow_string const & path, int flags, mode_t mode = everyone) {
-    return descriptor_guard(host::open(path, flags | O_NOCTTY | O_CLOEXEC, mode));
+inline descriptor_guard open_descriptor(host::at const & file, int flags, mode_t mode = new_file_mode) {
+    return descriptor_guard(host::open(file, flags | O_NOCTTY | O_CLOEXEC, mode));
 }
+
+/// Where an open file lies now, as the host tells it: absolute and free of links.
+host_error path_of(int file, narrow_string & path);
+
+/// The path of a file without the links in it.
+host_error real_path(host::at const & file, narrow_string & path);
 
 } // namespace platform::posix

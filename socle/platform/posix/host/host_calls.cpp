@@ -1,11 +1,13 @@
 #include "socle/platform/posix/host/host_calls.h"
 
 #include <cerrno>
+#include <climits>
 #include <cstdio>
 #include <cstdlib>
 #include <poll.h>
 #include <pthread.h>
 #include <signal.h>
+#include <string>
 #include <sys/file.h>
 #include <sys/random.h>
 #include <sys/socket.h>
@@ -23,6 +25,31 @@ int asked(char const * call) {
         errno = answer;
     return answer;
 }
+
+/// A file for calls that take no open folder, or none without a name in it: by the link that stands for a descriptor,
+/// which leads to what is open, whatever has become of its name.
+class linked {
+public:
+    linked(at const & file, bool takes_folder) : folder_(file.folder()), name_(file.name()) {
+        if (file.is_path() || (takes_folder && !file.is_descriptor()))
+            return;
+        path_ = "/proc/self/fd/" + std::to_string(folder_);
+        if (!file.is_descriptor())
+            (path_ += '/') += name_;
+        folder_ = AT_FDCWD;
+        name_ = path_.c_str();
+    }
+    linked(linked const &) = delete;
+    linked & operator=(linked const &) = delete;
+
+    int folder() const { return folder_; }
+    char const * name() const { return name_; }
+
+private:
+    narrow_string path_;
+    int folder_;
+    char const * name_;
+};
 
 bool fails(char const * call) { return asked(call) > 0; }
 
@@ -49,12 +76,9 @@ ssize_t transferred(char const * name, std::size_t size, Call call) {
 
 } // namespace
 
-int open(narrow_string const & path, int flags, mode_t mode) {
-    return retried("open", [&] { return ::open(path.c_str(), flags, mode); });
-}
-
-int openat(int folder, narrow_string const & path, int flags) {
-    return retried("openat", [&] { return ::openat(folder, path.c_str(), flags); });
+int open(at const & file, int flags, mode_t mode) {
+    linked const path(file, true);
+    return retried("open", [&] { return ::openat(path.folder(), path.name(), flags, mode); });
 }
 
 int close(int file) {
@@ -129,106 +153,105 @@ int flock(int file, int operation) {
     return retried("flock", [&] { return ::flock(file, operation); });
 }
 
-int stat(narrow_string const & path, struct stat * status) { return fails("stat") ? -1 : ::stat(path.c_str(), status); }
+int stat(at const & file, struct stat * status) {
+    return fails("stat") ? -1 : ::fstatat(file.folder(), file.name(), status, AT_EMPTY_PATH);
+}
 
-int lstat(narrow_string const & path, struct stat * status) {
-    return fails("lstat") ? -1 : ::lstat(path.c_str(), status);
+int lstat(at const & file, struct stat * status) {
+    return fails("lstat") ? -1 : ::fstatat(file.folder(), file.name(), status, AT_EMPTY_PATH | AT_SYMLINK_NOFOLLOW);
 }
 
 int fstat(int file, struct stat * status) { return fails("fstat") ? -1 : ::fstat(file, status); }
 
-int statx(int folder, narrow_string const & path, int flags, unsigned mask, struct statx * status) {
-    return fails("statx") ? -1 : ::statx(folder, path.c_str(), flags, mask, status);
+int statx(at const & file, int flags, unsigned mask, struct statx * status) {
+    return fails("statx") ? -1 : ::statx(file.folder(), file.name(), flags | AT_EMPTY_PATH, mask, status);
 }
 
-int statfs(narrow_string const & path, struct statfs * status) {
-    return fails("statfs") ? -1 : ::statfs(path.c_str(), status);
+int statfs(at const & file, struct statfs * status) {
+    return fails("statfs") ? -1 : ::statfs(linked(file, false).name(), status);
 }
 
-int access(narrow_string const & path, int mode) { return fails("access") ? -1 : ::access(path.c_str(), mode); }
-
-int chmod(narrow_string const & path, mode_t mode) { return fails("chmod") ? -1 : ::chmod(path.c_str(), mode); }
-
-int chown(narrow_string const & path, uid_t owner, gid_t group) {
-    return fails("chown") ? -1 : ::chown(path.c_str(), owner, group);
+int access(at const & file, int mode) {
+    linked const path(file, true);
+    return fails("access") ? -1 : ::faccessat(path.folder(), path.name(), mode, 0);
 }
 
-int utimensat(int folder, narrow_string const & path, timespec const times[2], int flags) {
-    return fails("utimensat") ? -1 : ::utimensat(folder, path.c_str(), times, flags);
+int chmod(at const & file, mode_t mode) {
+    linked const path(file, true);
+    return fails("chmod") ? -1 : ::fchmodat(path.folder(), path.name(), mode, 0);
 }
 
-int mkdir(narrow_string const & path, mode_t mode) { return fails("mkdir") ? -1 : ::mkdir(path.c_str(), mode); }
-
-int rmdir(narrow_string const & path) { return fails("rmdir") ? -1 : ::rmdir(path.c_str()); }
-
-int unlink(narrow_string const & path) { return fails("unlink") ? -1 : ::unlink(path.c_str()); }
-
-int unlinkat(int folder, narrow_string const & path, int flags) {
-    return fails("unlinkat") ? -1 : ::unlinkat(folder, path.c_str(), flags);
+int chown(at const & file, uid_t owner, gid_t group) {
+    return fails("chown") ? -1 : ::fchownat(file.folder(), file.name(), owner, group, AT_EMPTY_PATH);
 }
 
-int link(narrow_string const & from, narrow_string const & to) {
-    return fails("link") ? -1 : ::link(from.c_str(), to.c_str());
+int utimensat(at const & file, timespec const times[2]) {
+    linked const path(file, true);
+    return fails("utimensat") ? -1 : ::utimensat(path.folder(), path.name(), times, 0);
 }
 
-int symlink(narrow_string const & target, narrow_string const & path) {
-    return fails("symlink") ? -1 : ::symlink(target.c_str(), path.c_str());
+int mkdir(at const & folder, mode_t mode) {
+    return fails("mkdir") ? -1 : ::mkdirat(folder.folder(), folder.name(), mode);
 }
 
-ssize_t readlink(narrow_string const & path, char * buffer, std::size_t size) {
-    return fails("readlink") ? -1 : ::readlink(path.c_str(), buffer, size);
+int rmdir(at const & folder) { return fails("rmdir") ? -1 : ::unlinkat(folder.folder(), folder.name(), AT_REMOVEDIR); }
+
+int unlink(at const & file) { return fails("unlink") ? -1 : ::unlinkat(file.folder(), file.name(), 0); }
+
+int link(at const & from, at const & to) {
+    return fails("link") ? -1 : ::linkat(from.folder(), from.name(), to.folder(), to.name(), 0);
 }
 
-int rename(narrow_string const & from, narrow_string const & to) {
-    return fails("rename") ? -1 : ::rename(from.c_str(), to.c_str());
+int symlink(narrow_string const & target, at const & link) {
+    return fails("symlink") ? -1 : ::symlinkat(target.c_str(), link.folder(), link.name());
 }
 
-int rename_no_replace(narrow_string const & from, narrow_string const & to) {
-    return fails("rename_no_replace") ? -1
-                                      : ::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE);
+ssize_t readlink(at const & link, char * buffer, std::size_t size) {
+    return fails("readlink") ? -1 : ::readlinkat(link.folder(), link.name(), buffer, size);
 }
 
-char * realpath(narrow_string const & path, char * resolved) {
-    return fails("realpath") ? nullptr : ::realpath(path.c_str(), resolved);
+int rename(at const & from, at const & to) {
+    return fails("rename") ? -1 : ::renameat(from.folder(), from.name(), to.folder(), to.name());
+}
+
+int rename_no_replace(at const & from, at const & to) {
+    if (fails("rename_no_replace"))
+        return -1;
+    return ::renameat2(from.folder(), from.name(), to.folder(), to.name(), RENAME_NOREPLACE);
+}
+
+int realpath(at const & file, narrow_string & path) {
+    char resolved[PATH_MAX];
+    if (fails("realpath") || ::realpath(linked(file, false).name(), resolved) == nullptr)
+        return -1;
+    path = resolved;
+    return 0;
 }
 
 char * getcwd(char * buffer, std::size_t size) { return fails("getcwd") ? nullptr : ::getcwd(buffer, size); }
 
-DIR * opendir(narrow_string const & path) {
-    for (;;) {
-        DIR * const folder = fails("opendir") ? nullptr : ::opendir(path.c_str());
-        if (folder != nullptr || errno != EINTR)
-            return folder;
-    }
+ssize_t getdents(int folder, void * buffer, std::size_t size) {
+    return fails("getdents") ? -1 : ::getdents64(folder, buffer, size);
 }
 
-DIR * fdopendir(int file) { return fails("fdopendir") ? nullptr : ::fdopendir(file); }
-
-dirent * readdir(DIR * folder) { return fails("readdir") ? nullptr : ::readdir(folder); }
-
-int closedir(DIR * folder) {
-    int const result = ::closedir(folder);
-    return fails("closedir") ? -1 : result;
+ssize_t getxattr(at const & file, char const * name, void * value, std::size_t size) {
+    return fails("getxattr") ? -1 : ::getxattr(linked(file, false).name(), name, value, size);
 }
 
-ssize_t getxattr(narrow_string const & path, char const * name, void * value, std::size_t size) {
-    return fails("getxattr") ? -1 : ::getxattr(path.c_str(), name, value, size);
+ssize_t lgetxattr(at const & file, char const * name, void * value, std::size_t size) {
+    return fails("lgetxattr") ? -1 : ::lgetxattr(linked(file, false).name(), name, value, size);
 }
 
-ssize_t lgetxattr(narrow_string const & path, char const * name, void * value, std::size_t size) {
-    return fails("lgetxattr") ? -1 : ::lgetxattr(path.c_str(), name, value, size);
+int setxattr(at const & file, char const * name, void const * value, std::size_t size) {
+    return fails("setxattr") ? -1 : ::setxattr(linked(file, false).name(), name, value, size, 0);
 }
 
-int setxattr(narrow_string const & path, char const * name, void const * value, std::size_t size) {
-    return fails("setxattr") ? -1 : ::setxattr(path.c_str(), name, value, size, 0);
+int removexattr(at const & file, char const * name) {
+    return fails("removexattr") ? -1 : ::removexattr(linked(file, false).name(), name);
 }
 
-int removexattr(narrow_string const & path, char const * name) {
-    return fails("removexattr") ? -1 : ::removexattr(path.c_str(), name);
-}
-
-ssize_t listxattr(narrow_string const & path, char * names, std::size_t size) {
-    return fails("listxattr") ? -1 : ::listxattr(path.c_str(), names, size);
+ssize_t listxattr(at const & file, char * names, std::size_t size) {
+    return fails("listxattr") ? -1 : ::listxattr(linked(file, false).name(), names, size);
 }
 
 int getentropy(void * buffer, std::size_t size) { return fails("getentropy") ? -1 : ::getentropy(buffer, size); }

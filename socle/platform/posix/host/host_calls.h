@@ -15,17 +15,32 @@
 namespace platform::posix::host {
 
 /// Asked before each call, with its name; what it returns but 0 is the `errno` with which the call fails instead.
-/// `close` and `closedir` close all the same, as the host does. None at first.
+/// `close` closes all the same, as the host does. None at first.
 extern int (*fault)(char const * call);
 
 /// What `fault` may return as well: a call that reads or writes does so for half of the bytes, as a host may.
 constexpr int half = -1;
 
-/// The descriptor that stands for the working directory in the `at` calls.
-constexpr int here = AT_FDCWD;
+/// A file as the calls below take it: a path, a name in an open folder, or what a descriptor stands for. It refers to
+/// the text.
+class at {
+public:
+    at(narrow_string const & path) : at(AT_FDCWD, path.c_str()) {}
+    at(char const * path) : at(AT_FDCWD, path) {}
+    at(int folder, char const * name) : folder_(folder), name_(name) {}
+    explicit at(int file) : at(file, "") {}
 
-int open(narrow_string const & path, int flags, mode_t mode = 0);
-int openat(int folder, narrow_string const & path, int flags);
+    int folder() const { return folder_; }
+    char const * name() const { return name_; }
+    bool is_path() const { return folder_ == AT_FDCWD; }
+    bool is_descriptor() const { return *name_ == '\0' && !is_path(); }
+
+private:
+    int folder_;
+    char const * name_;
+};
+
+int open(at const & file, int flags, mode_t mode = 0);
 int close(int file);
 /// A copy of a descriptor at or above `least`, closed on exec.
 int duplicate(int file, int least);
@@ -45,39 +60,37 @@ int ftruncate(int file, off_t size);
 int fsync(int file);
 int flock(int file, int operation);
 
-int stat(narrow_string const & path, struct stat * status);
-int lstat(narrow_string const & path, struct stat * status);
+int stat(at const & file, struct stat * status);
+int lstat(at const & file, struct stat * status);
 int fstat(int file, struct stat * status);
-int statx(int folder, narrow_string const & path, int flags, unsigned mask, struct statx * status);
-int statfs(narrow_string const & path, struct statfs * status);
-int access(narrow_string const & path, int mode);
-int chmod(narrow_string const & path, mode_t mode);
-int chown(narrow_string const & path, uid_t owner, gid_t group);
-int utimensat(int folder, narrow_string const & path, timespec const times[2], int flags);
+/// With AT_SYMLINK_NOFOLLOW in `flags` a link tells of itself.
+int statx(at const & file, int flags, unsigned mask, struct statx * status);
+int statfs(at const & file, struct statfs * status);
+int access(at const & file, int mode);
+int chmod(at const & file, mode_t mode);
+int chown(at const & file, uid_t owner, gid_t group);
+int utimensat(at const & file, timespec const times[2]);
 
-int mkdir(narrow_string const & path, mode_t mode);
-int rmdir(narrow_string const & path);
-int unlink(narrow_string const & path);
-int unlinkat(int folder, narrow_string const & path, int flags);
-int link(narrow_string const & from, narrow_string const & to);
-int symlink(narrow_string const & target, narrow_string const & path);
-ssize_t readlink(narrow_string const & path, char * buffer, std::size_t size);
-int rename(narrow_string const & from, narrow_string const & to);
+int mkdir(at const & folder, mode_t mode);
+int rmdir(at const & folder);
+int unlink(at const & file);
+int link(at const & from, at const & to);
+int symlink(narrow_string const & target, at const & link);
+ssize_t readlink(at const & link, char * buffer, std::size_t size);
+int rename(at const & from, at const & to);
 /// Fails with EEXIST if `to` exists, with EINVAL or ENOSYS if the host cannot promise that.
-int rename_no_replace(narrow_string const & from, narrow_string const & to);
-char * realpath(narrow_string const & path, char * resolved);
+int rename_no_replace(at const & from, at const & to);
+/// The path without links in it, asked link by link.
+int realpath(at const & file, narrow_string & path);
 char * getcwd(char * buffer, std::size_t size);
+/// The next entries of an open folder, as `dirent64`; 0 bytes at its end.
+ssize_t getdents(int folder, void * buffer, std::size_t size);
 
-DIR * opendir(narrow_string const & path);
-DIR * fdopendir(int file);
-dirent * readdir(DIR * folder);
-int closedir(DIR * folder);
-
-ssize_t getxattr(narrow_string const & path, char const * name, void * value, std::size_t size);
-ssize_t lgetxattr(narrow_string const & path, char const * name, void * value, std::size_t size);
-int setxattr(narrow_string const & path, char const * name, void const * value, std::size_t size);
-int removexattr(narrow_string const & path, char const * name);
-ssize_t listxattr(narrow_string const & path, char * names, std::size_t size);
+ssize_t getxattr(at const & file, char const * name, void * value, std::size_t size);
+ssize_t lgetxattr(at const & file, char const * name, void * value, std::size_t size);
+int setxattr(at const & file, char const * name, void const * value, std::size_t size);
+int removexattr(at const & file, char const * name);
+ssize_t listxattr(at const & file, char * names, std::size_t size);
 
 int getentropy(void * buffer, std::size_t size);
 

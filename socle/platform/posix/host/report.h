@@ -1,14 +1,14 @@
 #pragma once
 
-#include "socle/platform/errors.h"
+#include "socle/platform/system_code.h"
 
 namespace platform::posix {
 
 /// What a call of the system's kind answers: whether it worked, with the last error set if it did not.
-inline bool report(uint32 code) {
-    if (code != 0)
-        SetLastError(code);
-    return code == 0;
+inline bool report(system_code code) {
+    if (code)
+        SetLastError(code.value());
+    return !code;
 }
 
 } // namespace platform::posix

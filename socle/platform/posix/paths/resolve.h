@@ -1,43 +1,64 @@
 #pragma once
 
+#include "socle/platform/path_text.h"
+#include "socle/platform/posix/host/descriptor.h"
 #include "socle/platform/posix/paths/volumes.h"
 
 #include <string_view>
 
 /// From the library's paths to what the host calls take.
-namespace platform {
-struct path_text;
-} // namespace platform
-
 namespace platform::posix {
 
+/// A name in an open folder, and the volume that it is on. Without attached volumes nothing is opened: it is the whole
+/// path, absolute, and each call resolves it.
 struct resolved_path {
     volume const * on = nullptr;
-    /// Absolute, without a separator at its end, but "/" for the root. Links in front of the last name are resolved
-    /// when volumes are attached.
-    narrow_string host;
-    /// The name of a named stream, with `host` the file's own; only on a volume that has them.
+    descriptor_guard own_folder;
+    int folder = AT_FDCWD; // the open folder; somebody else's if `own_folder` holds none
+    narrow_string spelled; // the open folder as the path has it
+    /// Without a separator at its end, but "/" for the host's root.
+    narrow_string name;
+    /// The path, absolute and free of links but for the last name; empty while nothing is attached.
+    narrow_string real;
+    /// The name of a named stream, with `name` the file's own; only on a volume that has them.
     wide_string stream;
-    /// Whether the path ended in a separator, so that it can only be a folder.
-    bool folder = false;
-    /// Whether the last name may be created: false for what the native volumes refuse.
+    /// Whether the path ended in a separator, so that it can only be a folder, or a link to one.
+    bool is_folder = false;
+    /// Whether the name may be created: false for what the native volumes refuse.
     bool safe = true;
 
-    /// What the host takes for the file itself: a separator at the end lets it refuse what is no folder.
-    narrow_string host_path() const { return folder && host != "/" ? host + '/' : host; }
+    host::at at() const { return at(name); }
+    /// Another name in this folder, as `beside` makes it.
+    host::at at(narrow_string const & other) const { return {folder, other.c_str()}; }
+    narrow_string beside(std::string_view leaf) const { return name.substr(0, name.rfind('/') + 1).append(leaf); }
 };
+
+/// The path as text: the host's folder, "" for its root, and a name in it, which is empty for a volume's own folder.
+struct host_text {
+    volume const * on = nullptr;
+    narrow_string folder;
+    narrow_string leaf;
+    bool has_stream = false;
+    std::u16string_view stream; // in the text that was converted
+    bool safe = true;
+};
+
+system_code to_host_text(path_text const & path, host_text & text);
+
+/// Whether the native volumes let a file have this name.
+bool is_safe_name(std::u16string_view name);
 
 /// The start of relative paths: adds the names of the working directory.
 bool host_working_directory(path_text & text);
 
-/// 0 or a system code.
-uint32 resolve(std::u16string_view path, resolved_path & resolved);
-uint32 resolve_names(path_text const & path, resolved_path & resolved);
+/// The folder of `neighbour`, if it is given, is used again if it is this path's as well.
+system_code resolve(std::u16string_view path, resolved_path & resolved, resolved_path const * neighbour = nullptr);
 
-/// The same, but a last name that is a link leads to its target, on the target's volume.
-uint32 resolve_target(std::u16string_view path, resolved_path & resolved);
-
-/// The code of a call that failed on `host` with `error`: a missing parent is told from a missing leaf.
-uint32 code_at(narrow_string const & host, int error);
+/// The code of a call on `at` that failed with `error`: a missing parent is told from a missing leaf.
+system_code code_at(resolved_path const & at, host_error error);
+inline system_code last_code_at(resolved_path const & at) { return code_at(at, host_error::last()); }
+inline system_code last_code_at_if(bool failed, resolved_path const & at) {
+    return code_at(at, host_error::last_if(failed));
+}
 
 } // namespace platform::posix

@@ -14,15 +14,26 @@ struct volume {
     narrow_string file_system;
     std::unique_ptr<named_streams> streams; // none where files have no named streams
     bool ntfs_disk;                         // whether it gives a file's NTFS attributes as extended ones
+
+    /// See named_streams; the path is the host's, absolute.
+    bool hides(std::string_view name, bool at_top) const { return streams && streams->hides(name, at_top); }
+    bool hides_path(std::string_view host) const { return streams && streams->hides_path(host.substr(folder.size())); }
 };
 
 /// The volume of a letter in either case; null if there is none.
 volume const * volume_of_letter(char16_t letter);
+
+/// Adds a volume, and takes one away: see host.h.
+system_code attach(char letter, narrow_string const & folder, narrow_string const & file_system);
+system_code detach(char letter);
 
 /// The volume whose folder is the longest at or above an absolute host path that is free of links.
 volume const & volume_at(std::string_view host);
 
 /// Whether there is any volume but `C:`.
 bool any_attached();
+
+/// Whether there is a volume with a folder below this one, told as above.
+bool any_below(std::string_view host);
 
 } // namespace platform::posix

@@ -1,14 +1,9 @@
 #include "socle/platform/backup.h"
 
-#include "socle/platform/posix/host/error_codes.h"
-#include "socle/platform/posix/host/host_calls.h"
+#include "socle/platform/posix/host/descriptor.h"
 #include "socle/platform/posix/host/report.h"
 #include "socle/platform/posix/paths/volumes.h"
 #include "socle/platform/posix/streams/backup_records.h"
-
-#include <cerrno>
-#include <climits>
-#include <string>
 
 namespace platform {
 
@@ -20,19 +15,16 @@ struct backup_context {
 namespace {
 
 /// Finds where an open file lies now, and so the store of its named streams.
-uint32 find_file(int descriptor, posix::backup_file & file) {
-    file = {descriptor, {}, nullptr};
+system_code find_file(int descriptor, posix::backup_file & file) {
+    file = {descriptor, nullptr};
     if (!posix::any_attached())
-        return 0;
-    char path[PATH_MAX];
-    narrow_string const link = "/proc/self/fd/" + std::to_string(descriptor);
-    ssize_t const size = posix::host::readlink(link, path, sizeof path);
-    if (size < 0)
-        return posix::code_of(errno == ENOENT ? EBADF : errno);
-    file.path.assign(path, static_cast<std::size_t>(size));
-    if (file.path.starts_with('/'))
-        file.streams = posix::volume_at(file.path).streams.get();
-    return 0;
+        return {};
+    narrow_string path;
+    if (posix::host_error const error = posix::path_of(descriptor, path))
+        return error == ENOENT ? ERROR_INVALID_HANDLE : posix::code_of(error);
+    if (path.starts_with('/'))
+        file.streams = posix::volume_at(path).streams.get();
+    return {};
 }
 
 /// Runs a step of a backup, which gives a system code.
@@ -41,8 +33,8 @@ bool run(int descriptor, backup_context *& context, Step step) {
     if (context == nullptr)
         context = new backup_context;
     posix::backup_file file{};
-    uint32 const code = find_file(descriptor, file);
-    return posix::report(code != 0 ? code : step(file));
+    system_code const code = find_file(descriptor, file);
+    return posix::report(code ? code : step(file));
 }
 
 } // namespace

@@ -13,11 +13,11 @@ public:
     /// Whether the disk at `volume` is of this kind.
     static bool found_at(narrow_string const & volume);
 
-    uint32 locate(narrow_string const & file, wide_string const & name, bool create,
-                  narrow_string & host) const override;
-    uint32 list(narrow_string const & file, std::vector<wide_string> & names) const override;
-    bool hidden(narrow_string const & host) const override;
-    narrow_string belongings(narrow_string const & file) const override;
+    system_code locate(host::at const & file, wide_string const & name, bool create,
+                       narrow_string & host) const override;
+    system_code list(host::at const & file, std::vector<wide_string> & names) const override;
+    bool hides(std::string_view name, bool at_top) const override;
+    narrow_string belongings(host::at const & file) const override;
 
 private:
     narrow_string volume_;

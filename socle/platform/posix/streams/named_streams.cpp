@@ -1,111 +1,136 @@
 #include "socle/platform/posix/streams/named_streams.h"
 
-#include "socle/platform/errors.h"
 #include "socle/platform/posix/files/copies.h"
 #include "socle/platform/posix/host/descriptor.h"
-#include "socle/platform/posix/host/error_codes.h"
 #include "socle/platform/posix/host/extended_attributes.h"
-#include "socle/platform/posix/host/host_calls.h"
+#include "socle/platform/posix/host/folder_reader.h"
 #include "socle/platform/posix/streams/disk_streams.h"
-#include "socle/platform/posix/streams/own_streams.h"
+#include "socle/platform/posix/streams/stored_streams.h"
 #include "socle/platform/posix/streams/stream_owners.h"
 
-#include <cerrno>
-#include <climits>
 #include <new>
-#include <string_view>
+#include <optional>
 
 namespace platform::posix {
 
 namespace {
 
-/// Whether files at `volume` can have user attributes at all; `errno` says why not.
-bool keeps_attributes(narrow_string const & volume) {
+/// Why files at `volume` can have no user attributes.
+host_error keeps_no_attributes(narrow_string const & volume) {
     narrow_string value;
-    return get_attribute(volume, owner_attribute, true, value) || errno == ENODATA;
+    host_error const error = get_attribute(volume, owner_attribute, true, value);
+    return error == ENODATA ? host_error() : error;
 }
 
-/// Removes what lies in an open folder, which it closes. Links are removed, not followed.
-void remove_entries(descriptor_guard folder) {
-    folder_guard const opened(host::fdopendir(folder.get()));
-    if (!opened)
-        return;
-    folder.release();
-    DIR * const entries = opened.get();
-    while (dirent const * const entry = host::readdir(entries)) {
-        std::string_view const name = entry->d_name;
-        if (name == "." || name == ".." || host::unlinkat(dirfd(entries), entry->d_name, 0) == 0)
+/// Removes what lies in an open folder. Links are removed, not followed.
+void remove_entries(int folder) {
+    folder_reader entries(folder);
+    while (dirent64 const * const entry = entries.next()) {
+        host::at const name(folder, entry->d_name);
+        if (host::unlink(name) == 0)
             continue;
-        int const inner = host::openat(dirfd(entries), entry->d_name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
-        if (inner >= 0) {
-            remove_entries(descriptor_guard(inner));
-            host::unlinkat(dirfd(entries), entry->d_name, AT_REMOVEDIR);
+        descriptor_guard const inner = open_descriptor(name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW);
+        if (inner.get() >= 0) {
+            remove_entries(inner.get());
+            host::rmdir(name);
         }
     }
 }
+
+/// Takes the streams along when a file is removed: made before its name is removed, told afterwards.
+class stream_removal {
+public:
+    stream_removal(named_streams const & streams, host::at const & file) : belongings_(streams.belongings(file)) {
+        if (!belongings_.empty())
+            file_ = open_descriptor(file, O_PATH | O_NOFOLLOW);
+    }
+
+    /// Removes the streams if that was the last name of the file.
+    void name_removed() {
+        struct stat status {};
+        if (file_.get() < 0 || host::fstat(file_.get(), &status) != 0
+            || (status.st_nlink > 0 && !S_ISDIR(status.st_mode)))
+            return;
+        descriptor_guard const folder = open_descriptor(belongings_, O_RDONLY | O_DIRECTORY | O_NOFOLLOW);
+        try {
+            if (folder.get() >= 0) {
+                remove_entries(folder.get());
+                host::rmdir(belongings_);
+            }
+        } catch (std::bad_alloc const &) {
+            // The file has gone; what stays of its streams belongs to nobody.
+        }
+    }
+
+private:
+    narrow_string belongings_;
+    descriptor_guard file_;
+};
 
 } // namespace
 
-uint32 make_named_streams(narrow_string const & folder, std::unique_ptr<named_streams> & streams) {
-    char resolved[PATH_MAX];
-    if (host::realpath(folder, resolved) == nullptr)
-        return code_of(errno);
-    narrow_string volume = resolved;
+bool named_streams::hides_path(std::string_view below) const {
+    for (bool at_top = true; !below.empty(); at_top = false) {
+        below.remove_prefix(1);
+        std::string_view const name = below.substr(0, below.find('/'));
+        if (hides(name, at_top))
+            return true;
+        below.remove_prefix(name.size());
+    }
+    return false;
+}
+
+system_code make_named_streams(narrow_string const & folder, std::unique_ptr<named_streams> & streams) {
+    narrow_string volume;
+    if (host_error const error = real_path(folder, volume))
+        return code_of(error);
     if (disk_streams::found_at(volume)) {
         streams = std::make_unique<disk_streams>(volume);
-        return 0;
+        return {};
     }
-    if (!keeps_attributes(volume))
-        return code_of(errno);
+    if (host_error const error = keeps_no_attributes(volume))
+        return code_of(error);
     volume = volume == "/" ? narrow_string() : volume;
-    auto own = std::make_unique<own_streams>(volume);
-    uint32 const code = settle_owners(volume, own->store());
-    if (code == 0)
-        streams = std::move(own);
+    auto stored = std::make_unique<stored_streams>(volume);
+    system_code const code = settle_owners(volume, stored->store());
+    if (!code)
+        streams = std::move(stored);
     return code;
 }
 
-stream_removal::stream_removal(named_streams const & streams, narrow_string const & file)
-    : belongings_(streams.belongings(file)) {
-    if (!belongings_.empty())
-        file_ = host::open(file, O_PATH | O_NOFOLLOW | O_CLOEXEC);
+host_error remove_with_streams(named_streams const * streams, host::at const & file, int (*remove)(host::at const &)) {
+    std::optional<stream_removal> removal;
+    if (streams != nullptr)
+        removal.emplace(*streams, file);
+    if (remove(file) != 0)
+        return host_error::last();
+    if (removal)
+        removal->name_removed();
+    return {};
 }
 
-stream_removal::~stream_removal() {
-    if (file_ >= 0)
-        host::close(file_);
-}
-
-void stream_removal::name_removed() {
-    struct stat status {};
-    if (file_ < 0 || host::fstat(file_, &status) != 0 || (status.st_nlink > 0 && !S_ISDIR(status.st_mode)))
-        return;
-    int const folder = host::open(belongings_, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
-    try {
-        if (folder >= 0) {
-            remove_entries(descriptor_guard(folder));
-            host::rmdir(belongings_);
-        }
-    } catch (std::bad_alloc const &) {
-        // The file has gone; what stays of its streams belongs to nobody.
-    }
-}
-
-uint32 copy_streams(named_streams const & from, narrow_string const & file, named_streams const & to,
-                    narrow_string const & copy) {
+system_code copy_streams(named_streams const & from, host::at const & file, named_streams const & to,
+                         host::at const & copy) {
     std::vector<wide_string> names;
-    uint32 code = from.list(file, names);
+    if (system_code const code = from.list(file, names))
+        return code;
     for (wide_string const & name : names) {
         narrow_string source;
         narrow_string target;
-        code = code != 0 ? code : from.locate(file, name, false, source);
-        code = code != 0 ? code : to.locate(copy, name, true, target);
-        descriptor_guard const in(code != 0 ? descriptor_guard() : open_descriptor(source, O_RDONLY));
-        descriptor_guard const out(in.get() < 0 ? descriptor_guard()
-                                                : open_descriptor(target, O_WRONLY | O_CREAT | O_TRUNC));
-        code = code != 0 ? code : out.get() < 0 ? code_of(errno) : copy_bytes(in.get(), out.get());
+        if (system_code const code = from.locate(file, name, false, source))
+            return code;
+        if (system_code const code = to.locate(copy, name, true, target))
+            return code;
+        descriptor_guard const in = open_descriptor(source, O_RDONLY);
+        if (in.get() < 0)
+            return last_code();
+        descriptor_guard const out = open_descriptor(target, O_WRONLY | O_CREAT | O_TRUNC);
+        if (out.get() < 0)
+            return last_code();
+        if (system_code const code = copy_bytes(in.get(), out.get()))
+            return code;
     }
-    return code;
+    return {};
 }
 
 } // namespace platform::posix

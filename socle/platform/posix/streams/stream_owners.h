@@ -1,6 +1,7 @@
 #pragma once
 
-#include "socle/basic/types.h"
+#include "socle/platform/posix/host/host_calls.h"
+#include "socle/platform/system_code.h"
 
 /// Which file owns which folder of streams in our own store.
 ///
@@ -15,16 +16,19 @@ namespace platform::posix {
 /// On an owner: its claim. On the store's folder: its identity. On an id's folder: the owner's path in the volume.
 constexpr char const * owner_attribute = "user.socle.streams";
 
-/// The id of the streams of `file`, empty if it owns none. `store` is the store's folder. 0 or a system code, as below.
-uint32 stream_owner(narrow_string const & store, narrow_string const & file, bool follow_link, narrow_string & id);
+/// The random bytes in an id.
+constexpr std::size_t stream_id_bytes = 16;
+
+/// The id of the streams of `file`, empty if it owns none. `store` is the store's folder.
+system_code stream_owner(narrow_string const & store, host::at const & file, bool follow_link, narrow_string & id);
 
 /// The same, but gives `file` an id if it has none, and the store a folder if there is none. The id's folder is made
 /// as well; it admits whom the file admits.
-uint32 make_stream_owner(narrow_string const & store, narrow_string const & file, narrow_string & id);
+system_code make_stream_owner(narrow_string const & store, host::at const & file, narrow_string & id);
 
 /// Finds the owners again if the store has been copied since it was last settled; else returns at once. A folder goes
 /// to the one file that claims it; if there are several, to the one with the path that the owner had when it was made.
 /// Files and folders that cannot be read or written keep the store unsettled, and are tried again the next time.
-uint32 settle_owners(narrow_string const & volume, narrow_string const & store);
+system_code settle_owners(narrow_string const & volume, narrow_string const & store);
 
 } // namespace platform::posix

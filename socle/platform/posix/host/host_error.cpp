@@ -1,14 +1,10 @@
-#include "socle/platform/posix/host/error_codes.h"
-
-#include "socle/platform/errors.h"
-
-#include <cerrno>
+#include "socle/platform/posix/host/host_error.h"
 
 namespace platform::posix {
 
-uint32 code_of(int error) {
-    switch (error) {
-    case 0: return 0;
+system_code code_of(host_error error) {
+    switch (error.value()) {
+    case 0: return {};
     case ENOENT: return ERROR_FILE_NOT_FOUND;
     case ENOTDIR: return ERROR_PATH_NOT_FOUND;
     case EMFILE:

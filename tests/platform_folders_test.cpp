@@ -1,0 +1,249 @@
+// Folders that are held open: what is done in them is done nowhere else.
+
+#include "socle/platform/errors.h"
+#include "socle/platform/folders.h"
+#include "tests/support/ntfs_folder.h"
+
+#include <gtest/gtest.h>
+
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <vector>
+
+namespace {
+
+using namespace platform;
+namespace fs = std::filesystem;
+
+uint32 code(bool done) { return done ? 0 : GetLastError(); }
+
+struct entry {
+    wide_string name;
+    uint32 kind;
+    bool operator==(entry const &) const = default;
+};
+
+std::vector<entry> entries(open_folder const & folder) {
+    std::vector<entry> found;
+    WIN32_FIND_DATAW data;
+    file_search * const search = FindFirstFileW(folder, data);
+    for (bool more = search != nullptr; more; more = FindNextFileW(search, data))
+        found.push_back({data.cFileName, data.dwFileAttributes});
+    FindClose(search);
+    return found;
+}
+
+bool is_folder(entry const & e) {
+    return (e.kind & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_REPARSE_POINT)) == FILE_ATTRIBUTE_DIRECTORY;
+}
+
+/// Removes what the folder holds; the deepest folder that it came to.
+int remove_all(open_folder & folder, int depth = 0) {
+    int deepest = depth;
+    for (entry const & each : entries(folder)) {
+        if (is_folder(each)) {
+            open_folder below;
+            EXPECT_TRUE(below.open(folder, each.name)) << GetLastError();
+            deepest = std::max(deepest, remove_all(below, depth + 1));
+        }
+        EXPECT_TRUE(is_folder(each) ? RemoveDirectoryW(folder, each.name) : DeleteFileW(folder, each.name))
+            << depth << ": " << GetLastError();
+    }
+    return deepest;
+}
+
+TEST(platform_folders, open_without_following_a_link) {
+    scratch const here;
+    fs::create_directories(here.host("folder/sub"));
+    fs::create_directory_symlink("folder", here.host("link"));
+    fs::create_directory_symlink("nothing", here.host("dangling"));
+    fs::create_directory_symlink("../folder", here.host("folder/link"));
+    here.write("file", "");
+    here.write("folder/file", "");
+    mkfifo(here.host("pipe").c_str(), 0600);
+    struct {
+        wide_string path;
+        uint32 code;
+    } const paths[] = {
+        {u"folder", 0},  {u"folder/", 0},   {u"folder/sub\\.\\", 0}, {u"link/sub", 0},   {u"link", 267},
+        {u"link/", 267}, {u"link\\.", 267}, {u"link/.//", 267},      {u"dangling", 267}, {u"file", 267},
+        {u"pipe", 267},  {u"none", 3},      {u"file/x", 267},        {u"none/x", 3},
+    };
+    for (auto const & c : paths)
+        EXPECT_EQ(code(open_folder().open(here.path("") + c.path)), c.code)
+            << narrow_string(c.path.begin(), c.path.end());
+    open_folder folder;
+    EXPECT_EQ(code(DeleteFileW(folder, u"file")), ERROR_INVALID_HANDLE);
+    ASSERT_TRUE(folder.open(here.path("folder")));
+    struct {
+        wide_string name;
+        uint32 code;
+    } const names[] = {
+        {u"sub", 0}, {u"link", 267}, {u"file", 267}, {u"none", 2},        {u"", 123},   {u"..", 123},
+        {u".", 123}, {u"a\\b", 123}, {u"sub/", 123}, {u"file:note", 123}, {u"C:", 123}, {u"\xD800", 123},
+    };
+    for (auto const & c : names)
+        EXPECT_EQ(code(open_folder().open(folder, c.name)), c.code) << narrow_string(c.name.begin(), c.name.end());
+}
+
+TEST(platform_folders, list_what_kind_their_entries_are) {
+    scratch const here;
+    fs::create_directory(here.host("Folder"));
+    fs::create_directory_symlink("Folder", here.host("to_folder"));
+    fs::create_symlink("plain", here.host("to_file"));
+    fs::create_symlink("nothing", here.host("dangling"));
+    here.write("plain", "");
+    mkfifo(here.host("pipe").c_str(), 0600);
+    open_folder folder;
+    ASSERT_TRUE(folder.open(here.path("")));
+    std::vector<entry> const expected = {
+        {u"dangling", FILE_ATTRIBUTE_REPARSE_POINT},
+        {u"Folder", FILE_ATTRIBUTE_DIRECTORY},
+        {u"pipe", FILE_ATTRIBUTE_DEVICE},
+        {u"plain", 0},
+        {u"to_file", FILE_ATTRIBUTE_REPARSE_POINT},
+        {u"to_folder", FILE_ATTRIBUTE_REPARSE_POINT | FILE_ATTRIBUTE_DIRECTORY},
+    };
+    EXPECT_EQ(entries(folder), expected);
+    for (entry const & each : expected) {
+        EXPECT_EQ(GetFileKindW(folder, each.name), each.kind);
+        EXPECT_EQ(GetFileKindW(here.path("") + each.name), each.kind);
+        uint32 const all = GetFileAttributesW(folder, each.name);
+        constexpr uint32 kinds = FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_DEVICE | FILE_ATTRIBUTE_REPARSE_POINT;
+        EXPECT_EQ(all & kinds, each.kind);
+        EXPECT_EQ(all, GetFileAttributesW(here.path("") + each.name));
+    }
+    here.write("later", "");
+    EXPECT_EQ(entries(folder).size(), expected.size() + 1) << "a second search";
+}
+
+// Somebody else puts a link to `outside` where the held folder was, and where one of its entries was.
+TEST(platform_folders, are_not_left_for_what_takes_their_place) {
+    scratch const here;
+    for (char const * folder : {"tree/sub", "outside"})
+        fs::create_directories(here.host(folder));
+    for (char const * file : {"tree/sub/file", "tree/sub/gone", "outside/file", "outside/new", "outside/gone"})
+        here.write(file, "kept");
+    open_folder tree, sub;
+    ASSERT_TRUE(tree.open(here.path("tree")));
+    ASSERT_TRUE(sub.open(tree, u"sub"));
+    fs::rename(here.host("tree"), here.host("moved"));
+    fs::create_directory_symlink("outside", here.host("tree"));
+    fs::rename(here.host("moved/sub"), here.host("moved/away"));
+    fs::create_directory_symlink("../outside", here.host("moved/sub"));
+
+    WIN32_FILE_ATTRIBUTE_DATA data{};
+    EXPECT_TRUE(GetFileAttributesExW(sub, u"file", data));
+    EXPECT_TRUE(SetFileAttributesW(sub, u"file", FILE_ATTRIBUTE_READONLY));
+    EXPECT_EQ(code(DeleteFileW(sub, u"file")), ERROR_ACCESS_DENIED);
+    EXPECT_TRUE(SetFileAttributesW(sub, u"file", FILE_ATTRIBUTE_HIDDEN));
+    EXPECT_EQ(GetFileAttributesW(sub, u"file"), FILE_ATTRIBUTE_HIDDEN);
+    EXPECT_TRUE(MoveFileW(sub, u"file", sub, u"new"));
+    EXPECT_TRUE(DeleteFileW(sub, u"new"));
+    EXPECT_TRUE(DeleteFileW(sub, u"gone"));
+    EXPECT_TRUE(CreateDirectoryW(sub, u"made"));
+    int const file = CreateFileW(sub, u"out", GENERIC_WRITE, FILE_SHARE_READ, CREATE_NEW, 0);
+    EXPECT_TRUE(CloseHandle(file));
+    EXPECT_EQ(entries(sub), (std::vector<entry>{{u"made", FILE_ATTRIBUTE_DIRECTORY}, {u"out", 0}}));
+    sub.close();
+    EXPECT_EQ(code(sub.open(tree, u"sub")), ERROR_DIRECTORY);
+    EXPECT_TRUE(RemoveDirectoryW(tree, u"sub")) << "the link itself";
+    remove_all(tree);
+    EXPECT_TRUE(fs::is_empty(here.host("moved")));
+    EXPECT_EQ(here.read("outside/file") + here.read("outside/new") + here.read("outside/gone"), "keptkeptkept");
+    EXPECT_FALSE(here.exists("outside/made") || here.exists("outside/out"));
+}
+
+/// No more than `count` descriptors while this lives.
+class few_descriptors {
+public:
+    explicit few_descriptors(rlim_t count) {
+        getrlimit(RLIMIT_NOFILE, &before_);
+        rlimit const now{count, before_.rlim_max};
+        setrlimit(RLIMIT_NOFILE, &now);
+    }
+    few_descriptors(few_descriptors const &) = delete;
+    few_descriptors & operator=(few_descriptors const &) = delete;
+    ~few_descriptors() { setrlimit(RLIMIT_NOFILE, &before_); }
+
+private:
+    rlimit before_{};
+};
+
+/// Makes a chain of folders in each other, of one name.
+void make_chain(scratch const & here, wide_string const & name, int depth) {
+    open_folder top;
+    ASSERT_TRUE(top.open(here.path("")));
+    std::vector<open_folder> chain(static_cast<std::size_t>(depth));
+    open_folder * above = &top;
+    for (open_folder & each : chain) {
+        ASSERT_TRUE(CreateDirectoryW(*above, name));
+        ASSERT_TRUE(each.open(*above, name));
+        above = &each;
+    }
+    EXPECT_TRUE(CreateDirectoryW(*above, u"leaf"));
+    while (!chain.empty())
+        chain.pop_back();
+}
+
+TEST(platform_folders, are_deeper_than_descriptors_and_paths_go) {
+    scratch const here;
+    open_folder top;
+    ASSERT_TRUE(top.open(here.path("")));
+    for (rlim_t const descriptors : {64, 12}) {
+        few_descriptors const limit(descriptors);
+        make_chain(here, wide_string(100, u'd'), 200);
+        EXPECT_EQ(remove_all(top), 201);
+        EXPECT_TRUE(entries(top).empty());
+    }
+}
+
+TEST(platform_folders, are_not_climbed_out_of_a_folder_that_was_moved) {
+    scratch const here;
+    make_chain(here, u"d", 20);
+    here.write("d/d/file", "kept");
+    fs::create_directories(here.host("other/d"));
+    here.write("other/d/file", "kept");
+    std::vector<open_folder> chain(20);
+    ASSERT_TRUE(chain[0].open(here.path("d")));
+    for (std::size_t i = 1; i < chain.size(); ++i)
+        ASSERT_TRUE(chain[i].open(chain[i - 1], u"d"));
+    fs::rename(here.host("d/d/d"), here.host("other/d/d"));
+    while (chain.size() > 2)
+        chain.pop_back();
+    for (open_folder & each : chain) {
+        EXPECT_EQ(code(DeleteFileW(each, u"file")), ERROR_PATH_NOT_FOUND);
+        EXPECT_TRUE(entries(each).empty());
+    }
+    EXPECT_EQ(here.read("other/d/file") + here.read("d/d/file"), "keptkept");
+}
+
+TEST(platform_folders, on_volumes) {
+    ntfs_folder const here;
+    ASSERT_TRUE(here.attached()) << "no extended attributes in the folder for tests";
+    fs::create_directories(here.host("sub/inner/deep"));
+    ASSERT_EQ(attach_volume('M', here.host("sub/inner"), "NTFS"), 0u);
+    for (wide_string const file : {u"N:\\sub\\file:note", u"M:\\deep:note"})
+        CloseHandle(CreateFileW(file, GENERIC_WRITE, 0, CREATE_NEW, 0));
+    auto const stores = [&] {
+        auto const in = [&](char const * store) {
+            return std::distance(fs::directory_iterator(here.host(store)), fs::directory_iterator());
+        };
+        return std::pair(in(".socle_streams"), in("sub/inner/.socle_streams"));
+    };
+    EXPECT_EQ(stores(), std::pair(1L, 1L));
+    open_folder top, sub, inner;
+    ASSERT_TRUE(top.open(here.path("")));
+    EXPECT_EQ(entries(top), (std::vector<entry>{{u"sub", FILE_ATTRIBUTE_DIRECTORY}}));
+    EXPECT_EQ(code(inner.open(top, u".socle_streams")), ERROR_ACCESS_DENIED);
+    EXPECT_EQ(code(inner.open(u"N:\\.socle_streams")), ERROR_ACCESS_DENIED);
+    ASSERT_TRUE(sub.open(top, u"sub"));
+    ASSERT_TRUE(inner.open(sub, u"inner"));
+    EXPECT_EQ(entries(inner), (std::vector<entry>{{u"deep", FILE_ATTRIBUTE_DIRECTORY}})) << "another volume begins";
+    EXPECT_TRUE(RemoveDirectoryW(inner, u"deep"));
+    EXPECT_TRUE(DeleteFileW(sub, u"file"));
+    EXPECT_EQ(stores(), std::pair(0L, 0L)) << "streams go with their file";
+    detach_volume('M');
+}
+
+} // namespace
