@@ -14,30 +14,52 @@ build/demo/examples/macbinary/macbinary examples/samples/*.bin
 # Below the build, where extended attributes are kept if anywhere.
 scratch=$(mktemp -d "$PWD/build/demo/scratch.XXXXXX")
 trap 'chmod -R u+w "$scratch" && rm -rf "$scratch"' EXIT
-printf '\nUnpacked, each with a resource fork if it has one, and its Finder data, beside files with other sidecars:\n\n'
-mkdir "$scratch/files"
-build/demo/examples/macbinary/macbinary --unpack="$scratch/files" examples/samples/*.bin
-cp -R examples/samples/appledouble "$scratch/files"
-build/demo/examples/macbinary/macbinary --walk "$scratch/files"
+catalog=$PWD/build/demo/examples/catalog/catalog macbinary=$PWD/build/demo/examples/macbinary/macbinary
+samples=$PWD/examples/samples
+cd "$scratch"
 
-catalog=build/demo/examples/catalog/catalog
-printf '\nThe beginning of a catalogue of that folder:\n\n'
-"$catalog" --checksums "$scratch/files" >"$scratch/files.xml"
-head -32 "$scratch/files.xml"
+# show <program> <argument>...: the command line and what it prints. What a form cannot hold is reported, and then the
+# status is 1.
+show() {
+    printf '\n$ %s\n' "$(basename "$1") ${*:2}"
+    "$@" || printf '(exit status %s)\n' $?
+}
 
-# What a form cannot hold of these files is reported, and then the status is 1.
-printf '\nCarried into AppleDouble files, from there into streams, and back to sidecars:\n\n'
-"$catalog" --to="$scratch/doubles" --forks=appledouble "$scratch/files" >/dev/null || true
-from=$scratch/streams
-if ! "$catalog" --to="$from" --forks=ntfs "$scratch/doubles" >/dev/null; then
+printf '\nTested to their ends, and one that is cut short:\n'
+head -c 600 "$samples/both_forks.bin" >cut.bin
+cp "$samples"/*.bin .
+show "$macbinary" --test both_forks.bin cut.bin
+rm cut.bin
+
+printf '\nUnpacked, each with a resource fork if it has one, and its Finder data, beside files with other sidecars:\n'
+mkdir files
+show "$macbinary" --unpack files -- *.bin
+cp -R "$samples/appledouble" files
+show "$macbinary" --walk files
+
+printf '\nThe beginning of a catalogue of that folder, and one entry in JSON:\n\n'
+"$catalog" --checksums --output files.xml files
+head -36 files.xml
+"$catalog" --json --quiet --output - --include Placed files | sed -n 2p
+
+printf '\nCarried into AppleDouble files, from there into streams, and back to sidecars:\n'
+show "$catalog" --to doubles --forks appledouble --dry-run files
+show "$catalog" --to doubles --forks appledouble --verify files
+from=streams
+if ! "$catalog" --to streams --forks ntfs doubles; then
     echo 'left out: there are no streams here, for the reason above'
-    from=$scratch/doubles
+    from=doubles
 fi
-"$catalog" --to="$scratch/sidecars" --forks=sidecar "$from" >/dev/null || true
-printf '\nWhat is in the folder then:\n\n'
-build/demo/examples/macbinary/macbinary --walk "$scratch/sidecars"
+show "$catalog" --to sidecars --forks sidecar $from
+printf '\nA second run finds it all; a file that has changed is carried again on demand:\n'
+show "$catalog" --to sidecars --verify $from
+touch -d 2030-01-01 "$from/Both Forks"
+show "$catalog" --to sidecars $from
+show "$catalog" --to sidecars --update $from
+printf '\nWhat is in the folder then:\n'
+show "$macbinary" --walk sidecars
 
-printf '\nAnd one of the files packed again is the file that it came from:\n\n'
-build/demo/examples/macbinary/macbinary --pack="$scratch/again.bin" "$scratch/sidecars/Both Forks"
-cmp examples/samples/both_forks.bin "$scratch/again.bin"
-build/demo/examples/macbinary/macbinary "$scratch/again.bin"
+printf '\nAnd one of the files packed again is the file that it came from:\n'
+show "$macbinary" --pack again.bin 'sidecars/Placed Icon'
+cmp placed_icon.bin again.bin
+show "$macbinary" again.bin

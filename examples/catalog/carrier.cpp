@@ -2,371 +2,454 @@
 
 #include "common/host_text.h"
 
-#include <socle/io/attributes.h>
-#include <socle/io/directory.h>
-#include <socle/io/exception.h>
-#include <socle/io/file.h>
-#include <socle/nio/attributes.h>
-#include <socle/nio/blocks.h>
-#include <socle/nio/directory.h>
+#include <socle/io/item.h>
 #include <socle/nio/exception.h>
-#include <socle/nio/filesystem_exception.h>
 #include <socle/nio/fork_names.h>
 #include <socle/nio/path.h>
 #include <socle/platform/host.h>
+#include <socle/un/exception.h>
 
 #include <algorithm>
 #include <filesystem>
-#include <set>
-#include <utility>
 
 namespace {
+
+namespace fs = std::filesystem;
+
+constexpr char work_name[] = ".catalog.part";
 
 [[noreturn]] void fail(narrow_string const & why) { throw nio::exception(why); }
 
 any::path library_path(wide_string const & path) { return {any::string(path), true}; }
 
-narrow_string shown_path(wide_string const & path) { return readable_path(platform::to_host(path)); }
+/// What a batch comes to at most: a crash costs the work on one, and each of its folders is held.
+constexpr std::size_t most_files = 4096, most_folders = 400;
+constexpr uint64 most_bytes = 256 << 20;
 
-void copy(extent const & from, nio::file & to, progress & shown) {
-    constexpr uint64 step = 1 << 20;
-    constexpr uint32 block = 65536;
-    nio::file source(from.path, 1);
-    if (!source.seek(from.offset))
-        fail("cannot be read from where its fork begins");
-    for (uint64 left = from.size; left > 0;) {
-        uint64 const wanted = std::min(left, step);
-        if (nio::copy(source, to, wanted, block) != wanted)
-            fail("ended before all of it was read");
-        left -= wanted;
-        shown.add(wanted);
-    }
+std::optional<host::folder> top_folder(narrow_string const & path, bool dry) {
+    auto const there = host::kind_of(path);
+    if (there == host::kind::link)
+        fail("the target is a link: " + readable_path(path));
+    if (there == host::kind::nothing && !dry)
+        fs::create_directory(path);
+    else if (there == host::kind::nothing)
+        return {};
+    else if (there != host::kind::folder)
+        fail("the target is no folder: " + readable_path(path));
+    return host::folder(path, false);
 }
 
-/// What was written is on the disk then.
-void settle(wide_string const & path) {
-    io::file file(library_path(path));
-    io::fork & fork = file.data_fork();
-    fork.open_rw();
-    try {
-        fork.flush(true);
-    } catch (io::exception const &) {
-        fork.close(false);
-        throw;
-    }
-    fork.close(true);
+/// Whether a name is one that a work folder has.
+bool is_part_name(std::string_view name) {
+    if (name.starts_with("._"))
+        name.remove_prefix(2);
+    for (std::string_view const ending : {".rsrc", ".info"})
+        if (name.ends_with(ending))
+            name.remove_suffix(ending.size());
+    return !name.empty() && name.find_first_not_of("0123456789") == name.npos;
 }
 
-/// The run of bytes that stands for all other streams of a file, read from its start.
-class stream_run {
-public:
-    explicit stream_run(wide_string const & path) : file_(path, 0) { file_.open_ntfs(); }
-    stream_run(stream_run const &) = delete;
-    stream_run & operator=(stream_run const &) = delete;
-    ~stream_run() { file_.close_ntfs(); }
-
-    /// The next bytes; none at the end.
-    std::vector<char> next() {
-        std::vector<char> block(65536);
-        block.resize(file_.read_ntfs(block.data(), static_cast<uint32>(block.size())));
-        return block;
-    }
-
-private:
-    nio::file file_;
-};
-
-void write_streams(stream_run & run, std::vector<char> block, wide_string const & to) {
-    nio::file target(to, 0);
-    target.open_ntfs_w();
-    struct closing {
-        nio::file & file;
-        ~closing() { file.close_ntfs(); }
-    } const at_end{target};
-    for (; !block.empty(); block = run.next())
-        target.write_ntfs(block.data(), static_cast<uint32>(block.size()));
-}
-
-bool same_streams(wide_string const & a, wide_string const & b) {
-    stream_run first(a), second(b);
-    for (;;) {
-        auto const block = first.next();
-        if (second.next() != block)
-            return false;
-        if (block.empty())
-            return true;
-    }
-}
-
-uint64 seconds(nio::time const & time) { return time.file_time() / 10'000'000; }
+uint64 seconds(uint64 file_time) { return file_time / 10'000'000; }
+bool same_second(nio::time const & a, nio::time const & b) { return seconds(a.file_time()) == seconds(b.file_time()); }
 
 } // namespace
 
-struct carrier::cleaning {
-    carrier const & owner;
-    ~cleaning() { owner.remove_part(); }
-};
-
-carrier::volume::volume(narrow_string const & folder, fork_form form) {
-    std::error_code failed;
-    if (std::filesystem::is_symlink(folder, failed))
-        fail("is a link: " + readable_path(folder));
-    std::filesystem::create_directory(folder, failed);
-    bool const streams = form == fork_form::stream;
-    if (!std::filesystem::is_directory(folder, failed))
-        fail("is no folder: " + readable_path(folder));
-    if (platform::attach_volume('T', folder, streams ? "NTFS" : "plain") != 0)
+carrier::volume::volume(narrow_string const & folder, bool attach) : attached(attach) {
+    if (attach && platform::attach_volume('T', folder, "NTFS") != 0)
         fail("cannot keep streams of files: " + readable_path(folder));
 }
 
-carrier::volume::~volume() { platform::detach_volume('T'); }
-
-carrier::carrier(narrow_string const & folder, fork_form form)
-    : form_(form), volume_(folder, form), part_(work(u"part")) {
-    wide_string const top = root() + u'\\' + work_name();
-    make_folder(top);
-    // Nobody else can open for writing what is open for writing.
-    lock_.path() = work(u"lock");
-    lock_.create(true);
-    if (!lock_.is_open())
-        fail("another run is at work in " + readable_path(folder));
-    remove_part();
+carrier::volume::~volume() {
+    if (attached)
+        platform::detach_volume('T');
 }
 
-carrier::~carrier() {
-    remove_part();
-    lock_.close();
-    lock_.unlink(false);
-    nio::directory(root() + u'\\' + work_name()).unlink(false);
+carrier::carrier(narrow_string const & folder, carrying const & how, report & report)
+    : how_(how), report_(report),
+      top_(std::make_shared<target_folder>(top_folder(folder, how.dry), u"T:", readable_path(folder))),
+      volume_(folder, spelled() && (!how.dry || top_->listed(".socle_streams") != nullptr)) {
+    if (!how_.dry)
+        take_work_folder();
 }
 
-bool carrier::carry(file_record const & from, wide_string const & target, progress & shown, losses & lost) {
+carrier::~carrier() { leave_work_folder(); }
+
+bool carrier::is_reserved(wide_string const & leaf) {
+    auto const name = platform::to_host(leaf);
+    return name == work_name || name == ".socle_streams";
+}
+
+void carrier::take_work_folder() {
+    auto const & top = *top_->held();
+    auto const typed = top_->typed(platform::from_host(work_name));
+    top.make(work_name);
+    if (top.look(work_name).kind != host::kind::folder)
+        fail("is in the way, as it is no folder: " + typed);
+    auto held = top.inner(work_name);
+    if (!held.own())
+        fail("is in the way, as it is another user's: " + typed);
+    if (!held.lock() || !top.look(work_name).same_file(held.status()))
+        fail("another run is at work in " + top_->typed());
+    auto work = std::make_shared<target_folder>(std::move(held),
+                                                nio::concatenate(u"T:", platform::from_host(work_name), u'\\'), typed);
+    for (auto const & [name, status] : work->held()->list())
+        if (status.kind != host::kind::file || !is_part_name(name))
+            fail("is in the way, as this program has not made it: " + work->typed(platform::from_host(name)));
+    work_ = std::move(work);
+    clear_work_folder();
+}
+
+/// Of what an earlier run was at, or this one.
+void carrier::clear_work_folder() const {
+    for (auto const & [name, status] : work_->held()->list()) {
+        auto const leaf = platform::from_host(name);
+        if (spelled())
+            forked_copy(how_.form, work_->path(leaf, true)).remove();
+        else
+            fs::remove(work_->held()->path(name));
+    }
+}
+
+void carrier::leave_work_folder() noexcept {
+    if (!work_)
+        return;
+    try {
+        clear_work_folder();
+    } catch (...) {
+        // The next run does it.
+    }
+    top_->held()->remove(work_name);
+    work_.reset();
+}
+
+wide_string carrier::leaf_of_part(uint64 number) {
+    auto const digits = std::to_string(number);
+    return {digits.begin(), digits.end()};
+}
+
+void carrier::carry(file_record const & from, target_pointer const & folder, wide_string const & leaf) {
     if (from.unclear)
-        fail("is not carried");
-    if (kind_of(target) == entry_kind::file) {
-        auto const there = look_at_made(target);
-        if (there.data.size != from.data.size || there.resource.size != from.resource.size
-            || seconds(there.modified) != seconds(from.modified) || !same_finder(from, there))
-            fail("is not carried: another file is at " + shown_path(target));
-        shown.add(from.data.size + from.resource.size);
-        return false;
+        fail("is not carried, as its forks cannot be read");
+    if (how_.hard_links && from.status.names > 1 && link(from, folder, leaf))
+        return;
+    auto const found = find(from, *folder, leaf);
+    if (found == finding::same) {
+        ++report_.there_already;
+        report_.bar().add(from.bytes());
+        return;
     }
-    check_free(from, target);
-    cleaning const at_end{*this};
-    make_data();
-    {
-        nio::file data(part_, 2);
-        copy(from.data, data, shown);
+    if (how_.dry) {
+        ++(found == finding::older ? report_.replaced : report_.carried);
+        return;
     }
-    settle(part_);
-    // The library takes Finder information from a stream only beside a resource fork.
-    if (from.resource.size > 0 || (form_ == fork_form::stream && from.has_finder())) {
-        nio::file resource(part_, 0);
-        make_resource(resource);
-        if (from.resource.size > 0)
-            copy(from.resource, resource, shown);
-        resource.close();
-        settle(rsrc_name(form_, part_));
+    auto const path = next_part();
+    try {
+        make(from, path);
+    } catch (...) {
+        forked_copy(how_.form, path).remove();
+        throw;
     }
-    copy_streams(from, part_, lost);
-    apply(from, part_, from.has_finder());
-
-    auto const made = look_at_made(part_);
-    if (!same_bytes(from.data, made.data) || !same_bytes(from.resource, made.resource))
-        fail("is not what was written when it is read back");
-    check_kept(from, made, lost);
-    place(target, true);
-    return true;
+    waiting_.push_back({from, folder, leaf, path, found == finding::older, nullptr});
+    waiting_bytes_ += from.bytes();
+    if (waiting_.size() >= most_files || waiting_bytes_ >= most_bytes)
+        flush();
 }
 
-void carrier::make_folder(wide_string const & target) {
-    if (!is_there(target))
-        io::directory(library_path(target)).create(false);
-    if (kind_of(target) != entry_kind::folder)
-        fail("is not carried: a file or a link is at " + shown_path(target));
-}
-
-void carrier::finish_folder(file_record const & from, wide_string const & target, losses & lost) {
-    copy_streams(from, target, lost);
-    bool const aside = from.has_finder() && form_ != fork_form::stream;
-    if (aside && !same_finder(from, look_at_made(target))) {
-        cleaning const at_end{*this};
-        make_data();
-        apply(from, part_, true);
-        place(target, false);
+carrier::finding carrier::find(file_record const & from, target_folder & folder, wide_string const & leaf) {
+    auto const name = platform::to_host(leaf);
+    auto const typed = folder.typed(leaf);
+    auto const * const listed = folder.listed(name);
+    auto const there = listed ? *listed : folder.look(name);
+    if (there.kind == host::kind::nothing) {
+        check_free(from, folder, leaf);
+        return finding::free;
     }
-    apply(from, target, from.has_finder() && !aside);
-    check_kept(from, look_at_made(target), lost);
-}
+    if (there.kind != host::kind::file)
+        fail("is not carried, as a folder or a link is there: " + typed);
+    // A host may take two names for the same.
+    if (!folder.claim(there) && (!listed || there.names == 1))
+        fail("is not carried, as this run has another file there: " + typed);
 
-wide_string carrier::work(wide_string const & leaf) const { return root() + u'\\' + work_name() + u'\\' + leaf; }
-
-file_record carrier::look_at_made(wide_string const & path) const {
-    entry found;
-    found.leaf = nio::leaf(path, u'\\');
-    found.kind = kind_of(path);
-    auto const leaf_if = [](bool there, wide_string const & name) {
-        return there && kind_of(name) == entry_kind::file ? nio::leaf(name, u'\\') : wide_string();
-    };
-    wide_string const rsrc = rsrc_name(form_, path), info = info_name(form_, path);
-    if (form_ == fork_form::sidecar) {
-        found.rsrc = leaf_if(found.kind == entry_kind::file, rsrc);
-        found.info = leaf_if(is_there(info) && is_info_header(info), info);
-    } else if (form_ == fork_form::apple_double) {
-        found.twin = leaf_if(true, rsrc);
+    // The host's date tells of changes that nobody has put down in a sidecar.
+    auto const made = look_at_there(folder, leaf, there);
+    auto const date = seconds(there.modified), wanted = seconds(from.modified.file_time());
+    bool const same = made.data.size == from.data.size && made.resource.size == from.resource.size && date == wanted
+                      && same_finder(how_.form, from, made);
+    if (same && (!how_.verify || same_contents(how_.form, from, made))) {
+        check_kept(from, made, {});
+        return finding::same;
     }
-    auto const made = look_at(nio::stem(path, u'\\'), found);
-    if (made.unclear)
-        fail("cannot be read back from " + shown_path(path));
-    return made;
-}
-
-bool carrier::same_finder(file_record const & from, file_record const & made) const {
-    auto const known = form_ == fork_form::sidecar ? sidecar_finder_size : from.finder.size();
-    return std::equal(from.finder.begin(), from.finder.begin() + known, made.finder.begin());
+    if (!how_.update)
+        fail((same ? "is not carried, as a file with other bytes is there, which --update replaces: "
+                   : "is not carried, as another file is there, which --update replaces: ")
+             + typed);
+    if (date > wanted)
+        fail("is not carried, as a newer file is there: " + typed);
+    return finding::older;
 }
 
 /// The file must not get a fork that is there already for another.
-void carrier::check_free(file_record const & from, wide_string const & target) const {
-    if (is_there(target))
-        fail("is not carried: a folder or a link is at " + shown_path(target));
-    if (form_ == fork_form::stream)
+void carrier::check_free(file_record const & from, target_folder const & folder, wide_string const & leaf) const {
+    if (spelled() || !folder.held())
         return;
-    wide_string const rsrc = rsrc_name(form_, target), info = info_name(form_, target);
-    std::set<wide_string> ours;
-    if (from.resource.size > 0)
-        ours.insert(rsrc);
-    if (from.has_finder())
-        ours.insert(info);
-    auto const foreign = [&](wide_string const & path) {
-        return ours.count(path) == 0 && kind_of(path) == entry_kind::file
-               && (form_ == fork_form::sidecar ? path == rsrc || is_info_header(path)
-                                               : read_apple_double(path).has_value());
-    };
-    for (auto const & path : {rsrc, info})
-        if (foreign(path))
-            fail("is not carried: it would get a fork that is not its own, " + shown_path(path));
+    auto const ours = sidecars_of(from, leaf);
+    for (auto const & name : {rsrc_name(how_.form, leaf), info_name(how_.form, leaf)}) {
+        bool const own = std::find(ours.begin(), ours.end(), name) != ours.end();
+        if (!own && folder.look(platform::to_host(name)).kind == host::kind::file && is_fork(folder.path(name, false)))
+            fail("is not carried, as it would get a fork that is not its own: " + folder.typed(name));
+    }
 }
 
-void carrier::check_kept(file_record const & from, file_record const & made, losses & lost) const {
+/// Whether a file of such a name is one.
+bool carrier::is_fork(wide_string const & path) const {
+    if (how_.form == fork_form::apple_double)
+        return read_apple_double(path).has_value();
+    return path.ends_with(rsrc_leaf(u"")) || is_info_header(path);
+}
+
+/// The library is asked only where the host's status does not tell all.
+file_record carrier::look_at_there(target_folder const & folder, wide_string const & leaf,
+                                   host::status const & there) const {
+    auto const has = [&](wide_string const & name) {
+        return folder.look(platform::to_host(name)).kind != host::kind::nothing;
+    };
+    bool const forks = !spelled() && (has(rsrc_name(how_.form, leaf)) || has(info_name(how_.form, leaf)));
+    if (forks || host::has_more(folder.held()->path(platform::to_host(leaf))))
+        return look_at_made(how_.form, folder.path(leaf, spelled()));
+    entry plain;
+    plain.leaf = leaf;
+    plain.status = there;
+    return look_at(folder.path(u"", spelled()), plain);
+}
+
+void carrier::check_kept(file_record const & from, file_record const & made, host::refusals const & refused) {
     constexpr uint32 carried_bits = 0x127; // read-only, hidden, system, archive, temporary
-    if (!same_finder(from, made))
+    constexpr uint32 all_may = 0777;
+    if (!same_finder(how_.form, from, made))
         fail("has other Finder information when it is read back");
-    if (made.finder != from.finder)
-        lost.push_back("has more Finder information than a sidecar can hold");
-    if (seconds(made.created) != seconds(from.created))
-        lost.push_back("was not given its date of creation");
-    if (seconds(made.modified) != seconds(from.modified))
-        lost.push_back("was not given its date of modification");
-    if (((made.bits ^ from.bits) & carried_bits) != 0)
-        lost.push_back("was not given all of its attributes");
-}
-
-void carrier::make_data() const {
-    nio::file data(part_, 0);
-    data.create(false);
-    if (!data.is_open())
-        throw nio::filesystem_exception("cannot create", part_);
-}
-
-void carrier::make_resource(nio::file & resource) const {
-    if (form_ == fork_form::sidecar) {
-        resource.path() = rsrc_name(form_, part_);
-        resource.create(false);
-    } else {
-        resource.create_rsrc(form_ == fork_form::stream, false);
-    }
-    if (!resource.is_open())
-        throw nio::filesystem_exception("cannot create", part_);
-}
-
-void carrier::copy_streams(file_record const & from, wide_string const & to, losses & lost) const {
-    if (!nio::is_ntfs(from.path))
-        return;
-    stream_run run(from.path);
-    auto block = run.next();
-    if (block.empty())
-        return;
-    if (form_ != fork_form::stream) {
-        lost.push_back("has streams that are left out");
-        return;
-    }
-    write_streams(run, std::move(block), to);
-    if (!same_streams(from.path, to))
-        fail("has other streams when it is read back");
-}
-
-/// Finder information and dates first: a read-only file takes none.
-void carrier::apply(file_record const & from, wide_string const & to, bool finder) const {
-    if (form_ == fork_form::sidecar) {
-        io::attributes attributes;
-        attributes.created = any::time(from.created);
-        attributes.modified = any::time(from.modified);
-        attributes.mac_file = io::mac::file_attributes(from.file_info(), {});
-        io::win32::attributes bits;
-        bits.flags = from.bits;
-        attributes.win32 = bits;
-        attributes.apply(library_path(to), finder ? 1 : 0);
-        return;
-    }
-    nio::attributes attributes;
-    attributes.created = from.created;
-    attributes.modified = from.modified;
-    attributes.file_attributes = from.bits;
-    attributes.finder_info = from.finder;
-    nio::item item(to);
-    attributes.apply(item, finder, form_ == fork_form::stream);
-    if (from.read_only()) {
-        attributes.read_only = true;
-        attributes.apply(item, false, false);
-    }
-}
-
-void carrier::remove_part() const {
-    if (nio::exists(part_)) {
-        nio::attributes writable;
-        nio::item item(part_);
-        writable.apply(item, false, false);
-    }
-    nio::file(part_, 0).unlink(false); // with its `._` sidecar
-    for (auto const & name : {rsrc_name(fork_form::sidecar, part_), info_name(fork_form::sidecar, part_)})
-        nio::file(name, 0).unlink(false);
-}
-
-/// Moves the part to its name, or only its sidecars to theirs: these first, so that what is there has them. A sidecar
-/// that an earlier run has left there is as good.
-void carrier::place(wide_string const & target, bool data) const {
-    std::vector<std::pair<wide_string, wide_string>> moves;
-    if (form_ != fork_form::stream) {
-        for (auto const name : {rsrc_name, info_name}) {
-            wide_string const from = name(form_, part_);
-            if (is_there(from) && (moves.empty() || moves.back().first != from))
-                moves.emplace_back(from, name(form_, target));
-        }
-    }
-    if (data)
-        moves.emplace_back(part_, target);
-    std::vector<std::pair<wide_string, wide_string>> done;
-    auto const put_back = [&] {
-        for (auto const & [from, to] : done) {
-            try {
-                io::item(library_path(to)).move(library_path(from));
-            } catch (un::exception const &) {
-                // Another failure is already on its way up.
-            }
-        }
+    auto const beside = from.more ? host::belongings_of(platform::to_host(from.path)) : host::belongings();
+    bool const other_owner = made.status.owner != from.status.owner || made.status.group != from.status.group;
+    struct {
+        bool missing;
+        char const * words;
+    } const lost[] = {
+        {made.finder != from.finder, "has more Finder information than a sidecar can hold"},
+        {!same_second(made.created, from.created), "was not given its date of creation"},
+        {!same_second(made.modified, from.modified), "was not given its date of modification"},
+        {((made.bits ^ from.bits) & carried_bits) != 0, "was not given all of its attributes"},
+        {refused.mode || ((made.status.mode ^ from.status.mode) & all_may) != 0, "was not given its permissions"},
+        {how_.keep.owner && other_owner, "was not given its owner"},
+        {refused.acls, "was not given its ACLs"},
+        {refused.attributes, "was not given all of its extended attributes"},
     };
+    for (auto const & [missing, words] : lost)
+        if (missing)
+            report_.complain(from.path, words);
+    if (!spelled() && has_streams(from))
+        report_.leave_out("files with other streams (--forks ntfs)");
+    if (!how_.keep.owner && other_owner)
+        report_.leave_out("owners (--preserve=owner)");
+    if (!how_.keep.acls && beside.acls)
+        report_.leave_out("ACLs (--preserve=acls)");
+    if (!how_.keep.attributes && beside.attributes)
+        report_.leave_out("files with extended attributes (--preserve=xattrs)");
+    if (!how_.hard_links && from.status.names > 1 && !from.folder())
+        report_.leave_out("hard links (--preserve=links)");
+}
+
+/// Makes the file another name of one that was carried before. False if it is to be carried by itself.
+bool carrier::link(file_record const & from, target_pointer const & folder, wide_string const & leaf) {
+    auto const place = first_names_.try_emplace({from.status.device, from.status.number}, folder, leaf);
+    if (place.second)
+        return false;
+    flush(); // brings the first name into place
+    auto & [first_folder, first_leaf] = place.first->second;
+    auto const first = first_folder->look(platform::to_host(first_leaf));
+    auto const there = folder->look(platform::to_host(leaf));
+    if (first.kind != host::kind::file && !how_.dry) {
+        place.first->second = {folder, leaf};
+        return false;
+    }
+    bool const same = there.kind == host::kind::file && there.same_file(first);
+    if (there.kind != host::kind::nothing && !same)
+        return false;
+    auto const link_name = [&](wide_string const & now, wide_string const & name) {
+        if (folder->look(platform::to_host(name)).kind == host::kind::nothing)
+            fs::create_hard_link(first_folder->held()->path(platform::to_host(now)),
+                                 folder->held()->path(platform::to_host(name)));
+    };
+    if (!same && !how_.dry) {
+        check_free(from, *folder, leaf);
+        auto const now = sidecars_of(from, first_leaf), names = sidecars_of(from, leaf);
+        for (std::size_t i = 0; i < names.size(); ++i)
+            link_name(now[i], names[i]);
+        link_name(first_leaf, leaf);
+    }
+    report_.bar().add(from.bytes());
+    ++(same ? report_.there_already : report_.carried);
+    return true;
+}
+
+void carrier::make(file_record const & from, wide_string const & path) {
+    forked_copy const made(how_.form, path);
+    auto const source = platform::to_host(from.path), host_path = platform::to_host(path);
+    made.make(from, report_.bar());
+    auto const refused = host::give_belongings(source, from.status, host_path, how_.keep);
+    for (auto const & name : sidecars_of(from, path))
+        host::give_mode(platform::to_host(name), from.status.mode & 0666);
+    auto const now = host::status_of(source);
+    if (now.modified != from.status.modified || now.size != from.status.size)
+        fail("is not carried, as it changed while it was read");
+    check_kept(from, look_at_made(how_.form, path), refused);
+}
+
+target_pointer carrier::enter(target_pointer const & folder, wide_string const & leaf) {
+    auto const name = platform::to_host(leaf);
+    auto const typed = folder->typed(leaf);
+    auto const spelled = nio::concatenate(folder->spelled(), leaf, u'\\');
+    bool const made = !how_.dry && folder->held()->make(name);
+    auto const there = folder->look(name).kind;
+    if (there == host::kind::nothing)
+        return std::make_shared<target_folder>(std::nullopt, spelled, typed);
+    if (there != host::kind::folder)
+        fail("is not carried, as a file or a link is there: " + typed);
+    auto held = folder->held()->inner(name);
+    auto const status = held.status();
+    if (!entered_.emplace(status.device, status.number).second)
+        fail("is not carried, as this run has another folder there: " + typed);
+    constexpr uint32 to_work_in = 0700;
+    if (!made && !how_.dry && (status.mode & to_work_in) != to_work_in)
+        host::give_mode(held.path(), status.mode | to_work_in);
+    return std::make_shared<target_folder>(std::move(held), spelled, typed);
+}
+
+void carrier::finish(file_record const & from, target_pointer const & around, wide_string const & leaf,
+                     target_pointer const & made) {
+    if (how_.dry)
+        return;
+    waiting_.push_back({from, around, leaf, {}, how_.update, made});
+    if (++waiting_folders_ >= most_folders)
+        flush();
+}
+
+void carrier::finish_top(file_record const & from) {
+    if (how_.dry)
+        return;
+    flush();
+    leave_work_folder();
+    if (from.has_finder() && !spelled())
+        report_.complain(from.path, "has Finder information, for which there is no place in the target");
+    auto const refused = apply_to_folder(from, *top_, top_->path(u"", spelled()));
+    top_->held()->sync();
+    entry made;
+    made.status = top_->held()->status();
+    made.more = host::has_more(top_->held()->path() + "/.");
+    check_kept(from, look_at(top_->path(u"", false), made), refused);
+}
+
+void carrier::flush() {
+    auto const batch = std::move(waiting_);
+    waiting_.clear();
+    waiting_bytes_ = waiting_folders_ = 0;
+    bool const files = std::any_of(batch.begin(), batch.end(), [](waiting const & each) { return !each.made; });
+    if (files)
+        work_->held()->sync();
+    for (auto const & each : batch)
+        report_.attempt(each.from.path, [&] { each.made ? finish_folder(each) : place(each); });
+}
+
+/// Sidecars first, so that what is there has them.
+void carrier::place(waiting const & file) {
+    forked_copy const made(how_.form, file.part);
+    auto const status = host::status_of(platform::to_host(file.part));
+    std::vector<wide_string> placed;
     try {
-        for (auto const & [from, to] : moves) {
-            if (from != part_ && kind_of(to) == entry_kind::file && same_bytes(whole_file(from), whole_file(to)))
-                continue;
-            if (is_there(to))
-                fail("is not carried: another file is at " + shown_path(to));
-            io::item(library_path(from)).move(library_path(to));
-            done.emplace_back(from, to);
-        }
+        if (how_.verify && !same_contents(how_.form, file.from, look_at_made(how_.form, file.part)))
+            fail("is not what was written when it is read back");
+        place_sidecars(file, placed);
+        move(file.part, *file.folder, file.leaf, file.replaces);
     } catch (...) {
-        put_back();
+        made.remove();
+        for (auto const & leaf : placed)
+            fs::remove(file.folder->held()->path(platform::to_host(leaf)));
         throw;
     }
+    file.folder->claim(status);
+    ++(file.replaces ? report_.replaced : report_.carried);
+}
+
+/// Notes those that are to go again if the file cannot be placed.
+void carrier::place_sidecars(waiting const & file, std::vector<wide_string> & placed) const {
+    auto & folder = *file.folder;
+    auto const from = sidecars_of(file.from, file.part), to = sidecars_of(file.from, file.leaf);
+    for (std::size_t i = 0; i < to.size(); ++i) {
+        // One that an earlier run has left there is as good.
+        if (folder.look(platform::to_host(to[i])).kind == host::kind::file
+            && same_bytes(whole_file(from[i]), whole_file(folder.path(to[i], false)))) {
+            fs::remove(platform::to_host(from[i]));
+            continue;
+        }
+        move(from[i], folder, to[i], file.replaces);
+        if (!file.replaces)
+            placed.push_back(to[i]);
+    }
+    if (!file.replaces || spelled())
+        return;
+    for (auto const & name : {rsrc_name(how_.form, file.leaf), info_name(how_.form, file.leaf)}) {
+        bool const ours = std::find(to.begin(), to.end(), name) != to.end();
+        if (!ours && folder.look(platform::to_host(name)).kind == host::kind::file && is_fork(folder.path(name, false)))
+            fs::remove(folder.held()->path(platform::to_host(name)));
+    }
+}
+
+void carrier::move(wide_string const & from, target_folder & folder, wide_string const & leaf, bool replace) const {
+    auto const name = platform::to_host(leaf);
+    if (replace) {
+        fs::rename(platform::to_host(from), folder.held()->path(name));
+        return;
+    }
+    if (folder.look(name).kind != host::kind::nothing)
+        fail("is not carried, as another file is there: " + folder.typed(leaf));
+    io::item(library_path(from)).move(library_path(folder.path(leaf, spelled())));
+}
+
+void carrier::finish_folder(waiting const & folder) {
+    auto const & from = folder.from;
+    auto const path = folder.folder->path(folder.leaf, spelled());
+    if (from.has_finder() && !spelled() && !same_finder(how_.form, from, look_at_made(how_.form, path)))
+        place_beside(folder);
+    auto const refused = apply_to_folder(from, *folder.made, spelled() ? path : folder.made->path(u"", false));
+    check_kept(from, look_at_made(how_.form, path), refused);
+}
+
+void carrier::place_beside(waiting const & folder) {
+    forked_copy const beside(how_.form, next_part());
+    try {
+        beside.make_beside(folder.from);
+        auto const info = info_name(how_.form, beside.path());
+        host::give_mode(platform::to_host(info), folder.from.status.mode & 0666);
+        work_->held()->sync();
+        move(info, *folder.folder, info_name(how_.form, folder.leaf), folder.replaces);
+    } catch (...) {
+        beside.remove();
+        throw;
+    }
+    beside.remove();
+}
+
+host::refusals carrier::apply_to_folder(file_record const & from, target_folder const & made,
+                                        wide_string const & path) const {
+    if (spelled() && has_streams(from))
+        copy_streams(from, path);
+    apply_attributes(how_.form, from, path, from.has_finder() && spelled());
+    return host::give_belongings(platform::to_host(from.path), from.status, made.held()->path(), how_.keep);
+}
+
+std::vector<wide_string> carrier::sidecars_of(file_record const & from, wide_string const & name) const {
+    std::vector<wide_string> result;
+    if (from.resource.size > 0 && !spelled())
+        result.push_back(rsrc_name(how_.form, name));
+    if (from.has_finder() && !spelled() && (result.empty() || how_.form == fork_form::sidecar))
+        result.push_back(info_name(how_.form, name));
+    return result;
 }

@@ -1,65 +1,106 @@
 #pragma once
 
-#include "common/progress.h"
-#include "file_record.h"
-#include "target_names.h"
+#include "belongings.h"
+#include "forked_copy.h"
+#include "report.h"
+#include "target_folder.h"
 
-#include <socle/nio/file.h>
+#include <map>
 
-/// Puts files and folders into a folder of the host, with their forks in one form. Every file is made in a work folder
-/// at the top, read back there, and moved into place when it is complete: what has its name there is whole. Nothing
-/// that is there already is changed, and nothing goes through a link.
+/// How to carry.
+struct carrying {
+    fork_form form = fork_form::sidecar;
+    /// Replaces what is there and older than the source.
+    bool update = false;
+    /// Reads back and compares each byte of what was carried, and of what was there already.
+    bool verify = false;
+    /// Makes nothing, and only tells what would be carried.
+    bool dry = false;
+    host::belongings keep;
+    bool hard_links = false;
+};
+
+/// Puts files and folders into a folder of the host, with their forks in one form. Files are made in a work folder at
+/// the top, some thousands at a time, brought to the disk together, and then moved into place: what has its name there
+/// is whole. Nothing that is there already is changed without `update`, and nothing goes through a link.
 ///
-/// Failures throw a `nio::exception` or a `un::exception`.
+/// What cannot be done for an entry throws, or is among the complaints of the report.
 class carrier {
 public:
-    /// What could not be kept of a file.
-    using losses = std::vector<narrow_string>;
-
-    /// The folder is made if it is missing, and taken as the drive `T:` for as long as this lives. Throws also if
-    /// another carrier is at work there.
-    carrier(narrow_string const & folder, fork_form form);
+    /// The folder is made if it is missing. Throws also if another carrier is at work there.
+    carrier(narrow_string const & folder, carrying const & how, report & report);
     carrier(carrier const &) = delete;
     carrier & operator=(carrier const &) = delete;
     ~carrier();
 
-    fork_form form() const { return form_; }
-    /// The library's path of the folder.
-    static wide_string root() { return u"T:"; }
-    /// The name that its top has to be kept free of.
-    static wide_string work_name() { return u".catalog.part"; }
+    fork_form form() const { return how_.form; }
+    target_pointer const & top() const { return top_; }
+    /// Whether a name is kept free in the top folder: for the work, and for the streams of a volume.
+    static bool is_reserved(wide_string const & leaf);
 
-    /// Makes `target` a copy of the file. False if it is that already.
-    bool carry(file_record const & from, wide_string const & target, progress & shown, losses & lost);
-
-    /// A folder of this name is there then. What `from` says of it is applied when it has its contents.
-    void make_folder(wide_string const & target);
-    void finish_folder(file_record const & from, wide_string const & target, losses & lost);
+    /// Makes a copy of the file, now or with the next batch.
+    void carry(file_record const & from, target_pointer const & folder, wide_string const & leaf);
+    /// The folder of this name in `folder`, which is made if it is missing.
+    target_pointer enter(target_pointer const & folder, wide_string const & leaf);
+    /// To be called when all that is in the folder has been carried.
+    void finish(file_record const & from, target_pointer const & around, wide_string const & leaf,
+                target_pointer const & made);
+    /// The same for the top, when all is done.
+    void finish_top(file_record const & from);
 
 private:
     struct volume {
-        volume(narrow_string const & folder, fork_form form);
+        volume(narrow_string const & folder, bool attach);
         ~volume();
+        bool attached;
     };
-    /// Removes what is left of the part at the end of a block.
-    struct cleaning;
+    /// A file that waits to be placed, or a folder that waits for its files.
+    struct waiting {
+        file_record from;
+        target_pointer folder;
+        wide_string leaf;
+        wide_string part;
+        bool replaces = false;
+        target_pointer made;
+    };
+    enum class finding { free, same, older };
 
-    wide_string work(wide_string const & leaf) const;
+    void take_work_folder();
+    void clear_work_folder() const;
+    void leave_work_folder() noexcept;
+    wide_string next_part() { return work_->path(leaf_of_part(parts_++), spelled()); }
+    static wide_string leaf_of_part(uint64 number);
+    /// Whether files go by their spelled paths.
+    bool spelled() const { return how_.form == fork_form::stream; }
 
-    file_record look_at_made(wide_string const & path) const;
-    bool same_finder(file_record const & from, file_record const & made) const;
-    void check_free(file_record const & from, wide_string const & target) const;
-    void check_kept(file_record const & from, file_record const & made, losses & lost) const;
+    finding find(file_record const & from, target_folder & folder, wide_string const & leaf);
+    void check_free(file_record const & from, target_folder const & folder, wide_string const & leaf) const;
+    bool is_fork(wide_string const & path) const;
+    file_record look_at_there(target_folder const & folder, wide_string const & leaf, host::status const & there) const;
+    void check_kept(file_record const & from, file_record const & made, host::refusals const & refused);
+    bool link(file_record const & from, target_pointer const & folder, wide_string const & leaf);
+    void make(file_record const & from, wide_string const & path);
 
-    void make_data() const;
-    void make_resource(nio::file & resource) const;
-    void copy_streams(file_record const & from, wide_string const & to, losses & lost) const;
-    void apply(file_record const & from, wide_string const & to, bool finder) const;
-    void remove_part() const;
-    void place(wide_string const & target, bool data) const;
+    void flush();
+    void place(waiting const & file);
+    void finish_folder(waiting const & folder);
+    void place_beside(waiting const & folder);
+    host::refusals apply_to_folder(file_record const & from, target_folder const & made,
+                                   wide_string const & path) const;
+    void place_sidecars(waiting const & file, std::vector<wide_string> & placed) const;
+    void move(wide_string const & from, target_folder & folder, wide_string const & leaf, bool replace) const;
+    /// The names beside a file of this name that hold forks of it.
+    std::vector<wide_string> sidecars_of(file_record const & from, wide_string const & name) const;
 
-    fork_form form_;
+    carrying how_;
+    report & report_;
+    target_pointer top_;
     volume volume_;
-    wide_string part_;
-    nio::file lock_;
+    target_pointer work_;
+    uint64 parts_ = 0, waiting_bytes_ = 0, waiting_folders_ = 0;
+    std::vector<waiting> waiting_;
+    /// Where the first name of a file with several names went, by the source's identity.
+    std::map<std::pair<uint64, uint64>, std::pair<target_pointer, wide_string>> first_names_;
+    /// The folders that stand for one of the source.
+    std::set<std::pair<uint64, uint64>> entered_;
 };

@@ -1,20 +1,19 @@
-// Writes a catalogue of a folder as XML: every file with its three forks, wherever they lie, and what the Finder knows
-// of it. Carries the whole into another folder, where forks are kept in the way that is asked for.
+// Writes a catalogue of a folder as XML or JSON: every file with its three forks, wherever they lie, and what the
+// Finder knows of it. Carries the whole into another folder, where forks are kept in the way that is asked for.
 
 #include "carrier.h"
+#include "catalogue.h"
+#include "selection.h"
 #include "tree.h"
-#include "xml_catalog.h"
 
+#include "common/command_line.h"
+#include "common/document.h"
 #include "common/host_text.h"
 
-#include <socle/basic/exception.h>
-#include <socle/command/line.h>
-#include <socle/command/option.h>
+#include <socle/nio/exception.h>
 #include <socle/platform/host.h>
-#include <socle/stream/output.h>
-#include <socle/un/exception.h>
 
-#include <exception>
+#include <algorithm>
 #include <filesystem>
 #include <iostream>
 
@@ -22,14 +21,37 @@ namespace {
 
 namespace fs = std::filesystem;
 
+command_line::description const about = {
+    "catalog", "FOLDER",
+    "Writes a catalogue of a folder: its files with all their forks. With --to, carries them into another folder,\n"
+    "and then writes a catalogue only if --output asks for one.",
+    "  catalog --checksums ~/Pictures >pictures.xml\n"
+    "  catalog --to /mnt/backup --forks appledouble --verify ~/Pictures\n"
+    "  catalog --to /mnt/backup --update --exclude '*.tmp' ~/Pictures\n",
+    "  0  all is there, and as it was\n"
+    "  1  something could not be read or carried, or was left out: standard error tells what\n"
+    "  2  the command line is wrong, and nothing was done\n"};
+
 fork_form form_named(narrow_string const & name) {
-    if (name == "sidecar")
+    if (name == "sidecar" || name.empty())
         return fork_form::sidecar;
     if (name == "appledouble")
         return fork_form::apple_double;
     if (name == "ntfs")
         return fork_form::stream;
-    throw un::exception("--forks takes sidecar, appledouble or ntfs", "catalog");
+    throw usage_error("--forks takes sidecar, appledouble or ntfs");
+}
+
+void keep(narrow_string const & list, carrying & how) {
+    for (auto const & name : parts_of_list(list)) {
+        bool const all = name == "all";
+        if (!all && name != "owner" && name != "acls" && name != "xattrs" && name != "links")
+            throw usage_error("--preserve takes owner, acls, xattrs, links or all, with commas between");
+        how.keep.owner = how.keep.owner || all || name == "owner";
+        how.keep.acls = how.keep.acls || all || name == "acls";
+        how.keep.attributes = how.keep.attributes || all || name == "xattrs";
+        how.hard_links = how.hard_links || all || name == "links";
+    }
 }
 
 /// The host's path from the root on, with links in it followed; one that is not there yet is no problem.
@@ -37,7 +59,7 @@ narrow_string whole_path(narrow_string const & path) {
     std::error_code failed;
     auto const result = fs::weakly_canonical(fs::absolute(path), failed);
     if (failed)
-        throw un::exception("cannot look at " + readable_path(path), "catalog");
+        throw nio::exception("cannot look at " + readable_path(path) + ": " + failed.message());
     return result.string();
 }
 
@@ -45,87 +67,124 @@ bool within(narrow_string const & inner, narrow_string const & outer) {
     return (inner + '/').starts_with(outer == "/" ? outer : outer + '/');
 }
 
-/// Forks in streams show only on a volume that is known to have them, and not every file system can.
-void look_for_streams(narrow_string const & folder) {
-    if (platform::attach_volume('S', folder, "NTFS") != 0)
-        platform::attach_volume('S', folder, "plain");
+/// Whether `.socle_streams` is the library's, or could be: there is none, or it holds folders named by 32 hexadecimal
+/// digits. A user's own may have the name, too.
+bool room_for_streams(host::folder const & top) {
+    constexpr char name[] = ".socle_streams";
+    auto const kind = top.look(name).kind;
+    if (kind != host::kind::folder)
+        return kind == host::kind::nothing;
+    auto const inside = top.inner(name).list();
+    return !inside.empty() && std::all_of(inside.begin(), inside.end(), [](host::found const & each) {
+        return each.name.size() == 32 && each.name.find_first_not_of("0123456789abcdef") == narrow_string::npos;
+    });
 }
 
-/// The process's output, which may be a pipe and so has no positions to ask for.
-class standard_output : public stream::output {
-public:
-    using stream::output::write;
+/// Forks in streams show only on a volume that is known to have them, and not every file system can.
+bool look_for_streams(narrow_string const & folder) {
+    bool const streams =
+        room_for_streams(host::folder(folder, true)) && platform::attach_volume('S', folder, "NTFS") == 0;
+    if (!streams)
+        platform::attach_volume('S', folder, "plain");
+    return streams;
+}
 
-    void write(char byte) override { std::cout.put(byte); }
-    void write(char const * data, uint32 count) override { std::cout.write(data, count); }
-    void flush() override {
-        if (!std::cout.flush())
-            throw un::exception("cannot write the catalogue", "catalog");
-    }
-    uint64 tell() const override { return 0; }
-    uint64 size() const override { return all_ones; }
+struct settings {
+    narrow_string folder, target, output;
+    bool to = false, checksums = false, json = false, quiet = false;
+    carrying how;
 };
 
-void show(tree_summary const & sum, bool carrying) {
-    std::cerr << "catalog: " << sum.files << " files, " << sum.folders << " folders";
-    if (sum.others > 0)
-        std::cerr << ", " << sum.others << " others";
-    if (carrying)
-        std::cerr << "; " << sum.carried << " files carried, " << sum.there_already << " there already";
-    std::cerr << "; " << sum.complaints << " complaints\n";
+bool work(settings const & wanted, selection const & selection) {
+    auto const folder = whole_path(wanted.folder);
+    if (host::kind_of(folder) != host::kind::folder)
+        throw nio::exception("is no folder: " + readable_path(wanted.folder));
+    if (wanted.to) {
+        auto const target = whole_path(wanted.target);
+        if (within(target, folder) || within(folder, target))
+            throw nio::exception("one folder lies in the other: " + readable_path(wanted.target));
+    }
+    bool const streams = look_for_streams(folder);
+    auto const root = platform::from_host(folder);
+    report report(wanted.folder, root, wanted.quiet);
+    std::optional<carrier> carrier;
+    if (wanted.to) {
+        host::make_private();
+        host::hold_many_folders();
+        carrier.emplace(wanted.target, wanted.how, report);
+    }
+    std::optional<document> out;
+    if (!wanted.output.empty())
+        out.emplace(wanted.output);
+    else if (!wanted.to && !wanted.quiet)
+        out.emplace();
+    std::unique_ptr<notation> notation;
+    std::optional<catalogue> catalogue;
+    if (out) {
+        notation = wanted.json ? json_notation(*out) : xml_notation(*out);
+        catalogue.emplace(*notation, wanted.checksums);
+    }
+    tree(wanted.folder, root, streams, selection, catalogue ? &*catalogue : nullptr, carrier ? &*carrier : nullptr,
+         report)
+        .walk();
+    if (out)
+        out->finish();
+    report.bar().hide();
+    report.show(wanted.to, wanted.how.dry);
+    return report.good();
 }
 
-bool catalogue(narrow_string const & folder, bool checksums, carrier * carrier) {
-    standard_output out;
-    xml_catalog catalog(out, checksums);
-    auto const sum = tree(folder, catalog, carrier).walk();
-    out.flush();
-    show(sum, carrier != nullptr);
-    return sum.complaints == 0;
-}
+int run(int argc, char ** argv) {
+    command_line line(argc, argv, about);
+    text const to(line, "--to", "FOLDER", "carry the files into this folder, which is made if it is missing");
+    text const forks(line, "--forks", "FORM",
+                     "keep forks there as sidecar (name.rsrc and name.info, if nothing\n"
+                     "else is said), appledouble (._name) or ntfs (streams of the file)");
+    flag const update(line, "--update|-u", "replace what is there and older than the source");
+    flag const verify(line, "--verify", "compare every byte of every fork, also of what is there already");
+    text const preserve(line, "--preserve", "LIST", "carry also owner, acls, xattrs, links (hard ones), or all");
+    flag const dry(line, "--dry-run|-n", "make nothing, and tell what would be carried");
+    text const include(line, "--include", "PATTERN",
+                       "only files that one of these fits: \"*\" stands for anything, a\n"
+                       "name may go on behind the pattern, and a \"/\" makes it one for the path");
+    text const exclude(line, "--exclude", "PATTERN", "no files or folders that one of these fits");
+    text const output(line, "--output|-o", "FILE", "write the catalogue into this file; \"-\" is the standard output");
+    flag const json(line, "--json", "write the catalogue as JSON, not as XML");
+    flag const checksums(line, "--checksums", "note the CRC-32 of every fork in it");
+    flag const quiet(line, "--quiet|-q", "complaints only: no catalogue unless --output asks, no summary");
+    flag const help(line, "--help|-h", "show this list");
+    flag const version(line, "--version", "show the version");
 
-bool run(int argc, char ** argv) {
-    command::line line(argc, argv);
-    command::option<narrow_string> to(line, "--to", "", "carry the files into this folder");
-    command::option<narrow_string> forks(line, "--forks", "sidecar",
-                                         "keep forks there in: sidecar (name.rsrc, name.info), appledouble (._name) or "
-                                         "ntfs (streams of the file)");
-    command::option<bool> checksums(line, "--checksums", false, "note the CRC-32 of every fork");
-    command::option<bool> help(line, "--help|-h", false,
-                               "show this list; the exit status is 0 if all went well, and 1 with any complaint");
-    line.digest();
-    if (help() || line.size() != 1) {
-        line.show_options("catalog, which takes one folder and writes a catalogue of it");
-        return help();
+    auto const operands = line.read();
+    if (help() || version()) {
+        help() ? line.show_help() : line.show_version();
+        return std::cout.flush() ? 0 : 1;
     }
-    auto const form = form_named(forks());
-    narrow_string const folder = whole_path(line.front());
-    if (!fs::is_directory(folder))
-        throw un::exception("is no folder: " + readable_path(line.front()), "catalog");
-    if (!to.found()) {
-        look_for_streams(folder);
-        return catalogue(folder, checksums(), nullptr);
-    }
-    narrow_string const target = whole_path(to());
-    if (within(target, folder) || within(folder, target))
-        throw un::exception("one folder lies in the other: " + readable_path(target), "catalog");
-    look_for_streams(folder);
-    // As it was given: a link shows.
-    carrier carrier(fs::absolute(to()).string(), form);
-    return catalogue(folder, checksums(), &carrier);
+    if (operands.size() != 1 || operands[0].empty())
+        throw usage_error(operands.empty() ? "the folder is missing" : "one folder at a time");
+    if (!to.found() && (forks.found() || update() || verify() || preserve.found() || dry()))
+        throw usage_error("--forks, --update, --verify, --preserve and --dry-run go with --to");
+    settings wanted{operands[0], to(), output(), to.found(), checksums(), json(), quiet(), {}};
+    wanted.how.form = form_named(forks());
+    wanted.how.update = update();
+    wanted.how.verify = verify();
+    wanted.how.dry = dry();
+    for (auto const & list : preserve.all())
+        keep(list, wanted.how);
+    return work(wanted, selection(include.all(), exclude.all())) ? 0 : 1;
 }
 
 } // namespace
 
 int main(int argc, char ** argv) {
+    host::report_closed_pipes();
     try {
-        return run(argc, argv) ? 0 : 1;
-    } catch (basic::exception const & e) {
-        std::cerr << "catalog: " << readable_path(e.message()) << '\n';
-    } catch (un::exception const & e) {
-        std::cerr << "catalog: " << readable_path(e.message()) << '\n';
-    } catch (std::exception const & e) {
-        std::cerr << "catalog: " << readable_path(e.what()) << '\n';
+        return run(argc, argv);
+    } catch (usage_error const & e) {
+        std::cerr << "catalog: " << e.words() << "\nTry 'catalog --help'.\n";
+        return 2;
+    } catch (...) {
+        std::cerr << "catalog: " << current_failure() << '\n';
     }
     return 1;
 }

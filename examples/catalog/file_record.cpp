@@ -1,5 +1,6 @@
 #include "file_record.h"
 
+#include "common/failure.h"
 #include "common/host_text.h"
 
 #include <socle/io/attributes.h>
@@ -36,12 +37,12 @@ public:
     void resource(extent const & found, narrow_string const & where) {
         if (found.size == 0)
             return;
-        if (record_.folder)
-            doubt("has a resource fork in ", where);
+        if (record_.folder())
+            doubt("has a resource fork, as no folder can: ", where);
         else if (record_.resource.path.empty())
             record_.resource = found;
         else if (!same_bytes(record_.resource, found))
-            doubt("has another resource fork in ", where);
+            doubt("has another resource fork: ", where);
     }
 
     /// Of the bytes, the first `known` are stored there.
@@ -52,7 +53,7 @@ public:
             record_.finder = found;
         } else if (found != finder_bytes()
                    && !std::equal(found.begin(), found.begin() + known, record_.finder.begin())) {
-            doubt("has other Finder information in ", where);
+            doubt("has other Finder information: ", where);
         }
     }
 
@@ -66,7 +67,7 @@ void take_streams(file_record const & record, forks & to, wide_string const & le
     if (!nio::is_ntfs(record.path))
         return;
     auto const rsrc = nio::ntfs_rsrc_name(record.path), info = nio::ntfs_info_name(record.path);
-    if (!record.folder && is_there(rsrc))
+    if (!record.folder() && is_there(rsrc))
         to.resource(whole_file(rsrc), shown(leaf) + ":AFP_Resource");
     if (!is_there(info))
         return;
@@ -82,7 +83,17 @@ void take_twin(wide_string const & path, forks & to, narrow_string const & where
     if (twin->finder)
         to.finder(*twin->finder, twin->finder->size(), twin->information, where);
     if (twin->more)
-        to.doubt("has more than Finder information and a resource fork in ", where);
+        to.doubt("has more than Finder information and a resource fork: ", where);
+}
+
+/// What the library says of a file of which it keeps nothing itself.
+void take_status(file_record & record) {
+    constexpr uint32 read_only = 1, folder = 0x10, archive = 0x20, owner_may_write = 0200;
+    record.bits = record.folder() ? folder : archive;
+    record.bits |= (record.status.mode & owner_may_write) == 0 ? read_only : 0;
+    record.modified.set(record.status.modified, nio::time::format_file_time);
+    auto const created = record.status.created != 0 ? record.status.created : record.status.modified;
+    record.created.set(created, nio::time::format_file_time);
 }
 
 } // namespace
@@ -99,36 +110,38 @@ file_record look_at(wide_string const & folder, entry const & found) {
     auto const beside = [&](wide_string const & leaf) { return nio::concatenate(folder, leaf, u'\\'); };
     file_record record;
     record.path = beside(found.leaf);
-    record.folder = found.kind == entry_kind::folder;
-    if (!record.folder)
-        record.data = whole_file(record.path);
-
-    // With the sidecar come its dates, which are those of the file on the Macintosh.
-    io::attributes attributes;
-    bool const with_info = !found.info.empty() && !found.unclear;
-    attributes.load(any::path(any::string(record.path), true), with_info ? 3 : 0);
-    record.created = attributes.created.value();
-    record.modified = attributes.modified.value();
-    record.bits = attributes.win32.value().flags;
-
-    if (found.unclear) {
-        record.unclear = true;
+    record.status = found.status;
+    record.more = found.has_forks();
+    if (!record.folder())
+        record.data = {record.path, 0, found.status.size};
+    take_status(record);
+    record.unclear = found.unclear;
+    if (found.unclear)
         record.doubts.push_back("may have forks in a file that cannot be read");
+    if (found.unclear || !record.more)
         return record;
-    }
     try {
+        // With the sidecar come its dates, which are those of the file on the Macintosh.
+        io::attributes attributes;
+        attributes.load(any::path(any::string(record.path), true), found.info ? 3 : 0);
+        record.created = attributes.created.value();
+        record.modified = attributes.modified.value();
+        record.bits = attributes.win32.value().flags;
+
         forks taken(record);
         take_streams(record, taken, found.leaf);
-        if (!found.rsrc.empty())
-            taken.resource(whole_file(beside(found.rsrc)), shown(found.rsrc));
-        if (attributes.mac_file.present())
-            taken.finder(stored(attributes.mac_file.value().info), sidecar_finder_size, whole_file(beside(found.info)),
-                         shown(found.info));
-        if (!found.twin.empty())
-            take_twin(beside(found.twin), taken, shown(found.twin));
-    } catch (nio::exception const & e) {
+        if (found.rsrc)
+            taken.resource(whole_file(beside(rsrc_leaf(found.leaf))), shown(rsrc_leaf(found.leaf)));
+        if (attributes.mac_file.present()) {
+            auto const leaf = info_leaf(found.leaf);
+            taken.finder(stored(attributes.mac_file.value().info), sidecar_finder_size, whole_file(beside(leaf)),
+                         shown(leaf));
+        }
+        if (found.twin)
+            take_twin(beside(nio::ufs_name(found.leaf)), taken, shown(nio::ufs_name(found.leaf)));
+    } catch (...) {
         record.unclear = true;
-        record.doubts.push_back("may have forks that cannot be read: " + readable_path(e.message()));
+        record.doubts.push_back("may have forks that cannot be read: " + current_failure());
     }
     return record;
 }

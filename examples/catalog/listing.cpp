@@ -1,8 +1,8 @@
 #include "listing.h"
 
+#include "belongings.h"
 #include "side_files.h"
 
-#include <socle/io/directory.h>
 #include <socle/nio/exception.h>
 #include <socle/nio/filesystem_exception.h>
 #include <socle/nio/item.h>
@@ -10,123 +10,99 @@
 #include <socle/platform/host.h>
 
 #include <algorithm>
-#include <filesystem>
-#include <map>
-#include <set>
 #include <string_view>
 
 namespace {
 
 constexpr std::u16string_view rsrc = u".rsrc", info = u".info", twin = u"._";
 
-wide_string without(std::u16string_view ending, wide_string const & leaf) {
-    return leaf.substr(0, leaf.size() - ending.size());
+/// What a name may be to the file that it would belong to.
+struct claim {
+    wide_string owner;
+    bool entry::*fork;
+};
+
+std::vector<claim> claims_of(wide_string const & leaf) {
+    std::vector<claim> result;
+    if (leaf.starts_with(twin))
+        result.push_back({leaf.substr(twin.size()), &entry::twin});
+    if (leaf.ends_with(rsrc))
+        result.push_back({leaf.substr(0, leaf.size() - rsrc.size()), &entry::rsrc});
+    if (leaf.ends_with(info))
+        result.push_back({leaf.substr(0, leaf.size() - info.size()), &entry::info});
+    return result;
 }
 
-/// Why `nio::exists` said no; else it could not look.
-bool nothing_is_there() {
-    uint32 const error = platform::last_error();
-    return error == 2 || error == 3 || error == 206;
-}
-
-/// A walk shows a file once: the sidecars beside it, which it hides, are looked for by their names. None at all if any
-/// of that fails: a file must not be taken for one without forks.
-std::set<wide_string> names_in(wide_string const & folder, uint32 & error) {
-    constexpr uint32 end_of_search = 18;
-    std::vector<wide_string> pending = {u""};
-    io::directory walked{any::path(any::string(folder), true)};
-    for (auto entry = walked.begin(), last = walked.end(); entry != last; ++entry)
-        pending.push_back(entry->path().leaf());
-    error = platform::last_error();
-    error = error == end_of_search ? 0 : error;
-
-    std::set<wide_string> names(pending.begin() + 1, pending.end());
-    auto const look_for = [&](wide_string const & name) {
-        if (names.count(name) != 0)
-            return;
-        if (nio::exists(nio::concatenate(folder, name, u'\\'))) {
-            names.insert(name);
-            pending.push_back(name);
-        } else if (!nothing_is_there()) {
-            error = platform::last_error();
-        }
-    };
-    while (!pending.empty()) {
-        wide_string const name = pending.back();
-        pending.pop_back();
-        for (auto const ending : {rsrc, info})
-            look_for(name + wide_string(ending));
-        if (name.ends_with(rsrc))
-            look_for(without(rsrc, name) + wide_string(info));
-    }
-    if (error != 0)
-        names.clear();
-    return names;
-}
-
-/// The member of `owner` that names such a fork, if a file of this name can be one of its forks.
-wide_string * place_in(entry & owner, wide_string const & path, wide_string entry::*fork) {
-    bool const fits = owner.kind == entry_kind::file || (owner.kind == entry_kind::folder && fork != &entry::rsrc);
-    if (!fits)
-        return nullptr;
+/// Whether the file at the path is such a fork of `owner`, which is told of it.
+bool take(entry & owner, bool entry::*fork, wide_string const & path) {
+    if (!owner.file() && (!owner.folder() || fork == &entry::rsrc))
+        return false;
     try {
-        bool const real = fork == &entry::info   ? is_info_header(path)
-                          : fork == &entry::twin ? read_apple_double(path).has_value()
-                                                 : true;
-        return real ? &(owner.*fork) : nullptr;
+        bool const real =
+            fork == &entry::rsrc || (fork == &entry::info ? is_info_header(path) : read_apple_double(path).has_value());
+        owner.*fork = owner.*fork || real;
+        return real;
     } catch (nio::exception const &) {
-        owner.unclear = true;
-        return &(owner.*fork);
+        owner.unclear = owner.*fork = true;
+        return true;
     }
 }
 
 } // namespace
 
-entry_kind kind_of(wide_string const & path) {
-    std::error_code ignored;
-    switch (std::filesystem::symlink_status(platform::to_host(path), ignored).type()) {
-    case std::filesystem::file_type::regular: return entry_kind::file;
-    case std::filesystem::file_type::directory: return entry_kind::folder;
-    case std::filesystem::file_type::symlink: return entry_kind::link;
-    default: return entry_kind::other;
+wide_string rsrc_leaf(wide_string const & leaf) { return leaf + wide_string(rsrc); }
+wide_string info_leaf(wide_string const & leaf) { return leaf + wide_string(info); }
+
+bool is_fork_name(wide_string const & leaf) {
+    return leaf.starts_with(twin) || leaf.ends_with(rsrc) || leaf.ends_with(info);
+}
+
+std::vector<entry> list_folder(host::folder const & folder, wide_string const & path) {
+    std::vector<entry> entries;
+    {
+        auto const names = folder.list();
+        entries.reserve(names.size());
+        for (auto const & [name, status] : names) {
+            entry added;
+            added.leaf = platform::from_host(name);
+            added.status = status;
+            added.more = (added.file() || added.folder()) && host::has_more(folder.path(name));
+            entries.push_back(added);
+        }
     }
+    auto const before = [](entry const & a, entry const & b) { return a.leaf < b.leaf; };
+    std::sort(entries.begin(), entries.end(), before);
+
+    // A fork's name is longer than its owner's, which is settled then; a fork itself owns none.
+    std::vector<std::size_t> candidates;
+    for (std::size_t i = 0; i < entries.size(); ++i)
+        if (entries[i].file() && is_fork_name(entries[i].leaf))
+            candidates.push_back(i);
+    std::stable_sort(candidates.begin(), candidates.end(),
+                     [&](auto a, auto b) { return entries[a].leaf.size() < entries[b].leaf.size(); });
+    std::vector<bool> forks(entries.size(), false);
+    for (auto const i : candidates) {
+        for (auto const & [leaf, fork] : claims_of(entries[i].leaf)) {
+            entry wanted;
+            wanted.leaf = leaf;
+            auto const owner = std::lower_bound(entries.begin(), entries.end(), wanted, before);
+            bool const fits = owner != entries.end() && owner->leaf == leaf
+                              && !forks[static_cast<std::size_t>(owner - entries.begin())];
+            if (fits && take(*owner, fork, nio::concatenate(path, entries[i].leaf, u'\\'))) {
+                forks[i] = true;
+                break;
+            }
+        }
+    }
+    std::size_t index = 0;
+    std::erase_if(entries, [&](entry const &) { return forks[index++]; });
+    return entries;
 }
 
 bool is_there(wide_string const & path) {
     bool const found = nio::exists(path);
-    if (!found && !nothing_is_there())
-        throw nio::filesystem_exception("cannot look at", path);
+    uint32 const error = found ? 0 : platform::last_error();
+    if (!found && error != 2 && error != 3 && error != 206)
+        throw nio::filesystem_exception("cannot look at a fork", path);
     return found;
-}
-
-listing list_folder(wide_string const & folder) {
-    listing result;
-    auto const names = names_in(folder, result.error);
-    // A fork's name is longer than its owner's, which is settled then; a fork itself owns none.
-    std::vector<wide_string> order(names.begin(), names.end());
-    std::stable_sort(order.begin(), order.end(), [](auto const & a, auto const & b) { return a.size() < b.size(); });
-    std::map<wide_string, entry> entries;
-    for (auto const & name : order) {
-        auto const path = nio::concatenate(folder, name, u'\\');
-        entry added;
-        added.leaf = name;
-        added.kind = kind_of(path);
-        auto const fork_of = [&](wide_string const & leaf, wide_string entry::*fork) {
-            auto const owner = entries.find(leaf);
-            wide_string * const place = owner != entries.end() && added.kind == entry_kind::file
-                                            ? place_in(owner->second, path, fork)
-                                            : nullptr;
-            if (place)
-                *place = name;
-            return place != nullptr;
-        };
-        bool const fork = (name.starts_with(twin) && fork_of(name.substr(twin.size()), &entry::twin))
-                          || (name.ends_with(rsrc) && fork_of(without(rsrc, name), &entry::rsrc))
-                          || (name.ends_with(info) && fork_of(without(info, name), &entry::info));
-        if (!fork)
-            entries.emplace(name, added);
-    }
-    for (auto const & [name, found] : entries)
-        result.entries.push_back(found);
-    return result;
 }

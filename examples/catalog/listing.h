@@ -1,35 +1,35 @@
 #pragma once
 
+#include "host_folder.h"
+
 #include <socle/basic/types.h>
 
-#include <vector>
-
-/// What a name in a folder stands for.
-enum class entry_kind { file, folder, link, other };
-
-/// A name in a folder, with the names beside it that hold forks of it; empty where there is none.
+/// A name in a folder, with what is known of it, and of the names beside it that hold forks of it.
 struct entry {
     wide_string leaf;
-    entry_kind kind = entry_kind::file;
-    /// `leaf.rsrc`, `leaf.info` and `._leaf`.
-    wide_string rsrc, info, twin;
+    host::status status;
+    /// Whether `leaf.rsrc`, `leaf.info` and `._leaf` are forks of it.
+    bool rsrc = false, info = false, twin = false;
     /// Whether one of these cannot be read, and so may be a file of its own.
     bool unclear = false;
+    /// Whether there may be more to know than the host's status and those forks tell.
+    bool more = false;
+
+    bool file() const { return status.kind == host::kind::file; }
+    bool folder() const { return status.kind == host::kind::folder; }
+    bool has_forks() const { return rsrc || info || twin || more; }
 };
 
-/// Everything that is in a folder.
-struct listing {
-    std::vector<entry> entries;
-    /// The system's code if the walk ended before it was through, or a sidecar could not be looked for, else 0.
-    uint32 error = 0;
-};
+/// The names of the forks of a file of this name.
+wide_string rsrc_leaf(wide_string const & leaf);
+wide_string info_leaf(wide_string const & leaf);
+/// Whether it could be one of these.
+bool is_fork_name(wide_string const & leaf);
 
-/// Each name of the folder is an entry, or a fork of one: a name of a sidecar beside the file that it would belong to
-/// is one if the file at that name looks like it. A folder has no resource fork.
-listing list_folder(wide_string const & folder);
-
-/// What the path of the library stands for. Links are not followed.
-entry_kind kind_of(wide_string const & path);
+/// Everything in a folder, sorted by name: each name is an entry, or a fork of one. A name of a sidecar beside the file
+/// that it would belong to is one if the file at that name looks like it. A folder has no resource fork. `path` is the
+/// library's. Throws a `std::system_error`.
+std::vector<entry> list_folder(host::folder const & folder, wide_string const & path);
 
 /// Throws a `nio::exception` where it cannot be told.
 bool is_there(wide_string const & path);

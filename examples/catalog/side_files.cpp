@@ -4,6 +4,8 @@
 #include <socle/nio/filesystem_exception.h>
 #include <socle/stream/array_input.h>
 #include <socle/stream/endian_input.h>
+#include <socle/stream/endian_output.h>
+#include <socle/stream/vector_output.h>
 
 #include <algorithm>
 #include <vector>
@@ -48,7 +50,8 @@ std::vector<entry> table_of(nio::file & file, uint64 size) {
         return {};
     auto head_memory = memory(head);
     stream::big_endian_input in(head_memory);
-    if (in.read32() != 0x00051607 || in.read32() != 0x00020000)
+    uint32 const magic = in.read32(), version = in.read32();
+    if (magic != 0x00051607 || (version != 0x00010000 && version != 0x00020000))
         return {};
     in.skip(16);
     uint32 const count = in.read16();
@@ -108,6 +111,24 @@ std::optional<apple_double> read_apple_double(wide_string const & path) {
     if (!result.finder && result.resource.path.empty())
         return {};
     return result;
+}
+
+void name_resource_fork(wide_string const & path) {
+    constexpr uint64 second_entry = 38, resource_offset = 82;
+    nio::file file(path, 2);
+    uint64 const size = file.size();
+    byte_vector bytes;
+    stream::vector_output memory(bytes);
+    stream::big_endian_output out(memory);
+    out.write32(resource_id);
+    out.write32(resource_offset);
+    out.write32(static_cast<uint32>(size - resource_offset));
+    // The length has 32 bits; without the entry the library goes on to find a longer fork.
+    if (size - resource_offset > 0xFFFFFFFF || table_of(file, size) != own_entries)
+        return;
+    if (!file.seek(second_entry))
+        throw nio::filesystem_exception("cannot write", path);
+    file.write(reinterpret_cast<char const *>(bytes.data()), static_cast<uint32>(bytes.size()));
 }
 
 bool is_info_header(wide_string const & path) {

@@ -34,9 +34,13 @@ struct apple_double {
     bool more = false;
 };
 
-/// Nothing if the file is no AppleDouble file of version 2, has entries that do not lie within it, or neither Finder
-/// information nor a resource fork.
+/// Nothing if the file is no AppleDouble file of version 1 or 2, has entries that do not lie within it, or neither
+/// Finder information nor a resource fork.
 std::optional<apple_double> read_apple_double(wide_string const & path);
+
+/// Gives a sidecar that the library has made an entry for its resource fork, which other programs look for there.
+/// Throws a `nio::exception`.
+void name_resource_fork(wide_string const & path);
 
 /// Whether the file can be a `.info` sidecar: a MacBinary header alone.
 bool is_info_header(wide_string const & path);

@@ -1,151 +1,175 @@
 #include "tree.h"
 
-#include "common/host_text.h"
-
-#include <socle/basic/exception.h>
-#include <socle/io/item.h>
 #include <socle/nio/path.h>
 #include <socle/platform/host.h>
-#include <socle/un/exception.h>
 
 #include <algorithm>
-#include <functional>
-#include <iostream>
-#include <set>
+#include <numeric>
 #include <tuple>
 
 namespace {
 
-/// An entry counts as much as this many bytes in the progress of the work.
-constexpr uint64 entry_weight = 4096;
-
-uint64 weight_of(wide_string const & root) {
-    io::item item(any::path(any::string(root), true));
-    auto const sum = item.scan(item);
-    return sum.bytes + sum.items * entry_weight;
+bool needs_no_other_name(entry const & e) {
+    return target_names::fits(e.leaf) && !e.has_forks() && !is_fork_name(e.leaf) && !carrier::is_reserved(e.leaf);
 }
 
-/// The names of the entries in another folder, in the order of the entries.
-std::vector<wide_string> assign_names(std::vector<entry> const & entries, std::vector<file_record> const & records,
-                                      target_names & names) {
-    std::vector<std::size_t> order(entries.size());
-    for (std::size_t i = 0; i < order.size(); ++i)
-        order[i] = i;
+} // namespace
+
+tree::tree(narrow_string const & typed, wide_string const & root, bool streams, selection const & selection,
+           catalogue * catalogue, carrier * carrier, report & report)
+    : typed_(typed), root_(root), streams_(streams), selection_(selection), catalogue_(catalogue), carrier_(carrier),
+      report_(report) {}
+
+void tree::walk() {
+    auto const host_root = platform::to_host(root_);
+    if (report_.bar().visible()) {
+        report_.attempt(root_, [&] { look_ahead(host::folder(host_root, true), root_); });
+        report_.bar().expect();
+    }
+    entry top;
+    top.leaf = nio::leaf(root_, u'\\');
+    top.status = host::folder(host_root, true).status();
+    top.more = host::has_more(host_root);
+    auto const record = look_at(nio::stem(root_, u'\\'), top);
+    if (catalogue_)
+        catalogue_->begin(typed_, record);
+    folder(root_, carrier_ ? carrier_->top() : nullptr);
+    if (catalogue_)
+        catalogue_->end();
+    if (carrier_)
+        report_.attempt(root_, [&] { carrier_->finish_top(record); });
+}
+
+void tree::look_ahead(host::folder const & folder, wide_string const & path) {
+    for (auto const & [name, status] : folder.list()) {
+        bool const inner = status.kind == host::kind::folder;
+        wide_string const below = nio::concatenate(path, platform::from_host(name), u'\\');
+        if (!counts(below, inner))
+            continue;
+        report_.bar().found(inner ? 0 : status.size);
+        try {
+            if (inner)
+                look_ahead(folder.inner(name), below);
+        } catch (std::exception const &) {
+            // The walk itself complains.
+        }
+    }
+}
+
+std::vector<entry> tree::entries_of(wide_string const & path) {
+    std::vector<entry> entries;
+    report_.attempt(path, [&] { entries = list_folder(host::folder(platform::to_host(path), path == root_), path); });
+    if (path == root_ && streams_)
+        std::erase_if(entries, [](entry const & e) { return e.leaf == u".socle_streams"; });
+    std::erase_if(entries, [&](entry const & e) {
+        bool const out = !counts(nio::concatenate(path, e.leaf, u'\\'), e.folder());
+        report_.skipped += out ? 1 : 0;
+        return out;
+    });
+    return entries;
+}
+
+/// The names of the entries in the target, in the order of the entries.
+std::vector<wide_string> tree::names_for(wide_string const & path, std::vector<entry> const & entries) const {
+    std::vector<wide_string> result(entries.size());
+    std::transform(entries.begin(), entries.end(), result.begin(), [](entry const & e) { return e.leaf; });
+    if (std::all_of(entries.begin(), entries.end(), needs_no_other_name))
+        return result;
+    std::set<wide_string> present, reserved;
+    for (auto const & e : entries) {
+        present.insert(e.leaf);
+        for (auto const & [fork, name] : {std::pair(e.rsrc, rsrc_leaf(e.leaf)), std::pair(e.info, info_leaf(e.leaf)),
+                                          std::pair(e.twin, u"._" + e.leaf)})
+            if (fork)
+                present.insert(name);
+        if (path == root_ && carrier::is_reserved(e.leaf))
+            reserved.insert(e.leaf);
+    }
+    target_names names(carrier_->form(), present, reserved);
     // Names that can be kept come first, and an owner comes before what has the name of one of its forks.
+    std::vector<std::size_t> order(entries.size());
+    std::iota(order.begin(), order.end(), std::size_t(0));
     auto const rank = [&](std::size_t i) {
         auto const & leaf = entries[i].leaf;
         return std::make_tuple(!target_names::fits(leaf), leaf.size(), std::cref(leaf));
     };
     std::sort(order.begin(), order.end(), [&](std::size_t a, std::size_t b) { return rank(a) < rank(b); });
-    std::vector<wide_string> result(entries.size());
     for (auto const i : order) {
-        auto const kind = entries[i].kind;
-        if (kind == entry_kind::file || kind == entry_kind::folder)
-            result[i] = names.assign(entries[i].leaf, records[i].resource.size > 0, records[i].has_finder());
+        auto const & e = entries[i];
+        if (!e.file() && !e.folder())
+            continue;
+        auto const record = e.has_forks() ? look_at(path, e) : file_record();
+        result[i] = names.assign(e.leaf, record.resource.size > 0, record.has_finder());
     }
     return result;
 }
 
-} // namespace
-
-template <class Work>
-bool tree::try_to(wide_string const & path, Work work) {
-    try {
-        work();
-        return true;
-    } catch (basic::exception const & e) {
-        complain(path, readable_path(e.message()));
-    } catch (un::exception const & e) {
-        complain(path, readable_path(e.message()));
-    }
-    return false;
-}
-
-tree::tree(narrow_string const & root, xml_catalog & catalog, carrier * carrier)
-    : root_(platform::from_host(root)), catalog_(catalog), carrier_(carrier), progress_(weight_of(root_)) {}
-
-tree_summary tree::walk() {
-    catalog_.begin(platform::to_host(root_));
-    folder(root_, carrier::root());
-    catalog_.end();
-    return summary_;
-}
-
-void tree::folder(wide_string const & path, wide_string const & target) {
-    auto const found = list_folder(path);
-    if (found.error != 0)
-        complain(path, "was not walked to its end, for the system's error " + std::to_string(found.error));
-
-    auto const & entries = found.entries;
-    std::vector<file_record> records(entries.size());
-    std::set<wide_string> present;
+void tree::folder(wide_string const & path, target_pointer const & target) {
+    auto const entries = entries_of(path);
+    auto const names = target ? names_for(path, entries) : std::vector<wide_string>(entries.size());
     for (std::size_t i = 0; i < entries.size(); ++i) {
         auto const & e = entries[i];
-        present.insert({e.leaf, e.rsrc, e.info, e.twin});
-        if (e.kind == entry_kind::file || e.kind == entry_kind::folder)
-            try_to(nio::concatenate(path, e.leaf, u'\\'), [&] { records[i] = look_at(path, e); });
-    }
-    std::vector<wide_string> leafs(entries.size());
-    if (carrier_) {
-        target_names names(carrier_->form(), present, {path == root_ ? carrier::work_name() : wide_string()});
-        leafs = assign_names(entries, records, names);
-    }
-    for (std::size_t i = 0; i < entries.size(); ++i) {
-        auto const & e = entries[i];
-        progress_.add(entry_weight);
-        wide_string const to = nio::concatenate(target, leafs[i], u'\\');
-        if (e.kind != entry_kind::file && e.kind != entry_kind::folder)
-            other(nio::concatenate(path, e.leaf, u'\\'), e.kind == entry_kind::link);
-        else if (!records[i].path.empty())
-            e.kind == entry_kind::folder ? inner_folder(records[i], to) : file(records[i], to);
-        records[i] = {};
+        auto const whole = nio::concatenate(path, e.leaf, u'\\');
+        report_.bar().begin(report_.bar().visible() ? report_.name(whole) : narrow_string());
+        if (!e.file() && !e.folder()) {
+            other(whole, e.status.kind == host::kind::link);
+            continue;
+        }
+        if (target && names[i] != e.leaf)
+            report_.change_name();
+        auto const record = look_at(path, e);
+        e.folder() ? inner_folder(record, names[i], target) : file(record, names[i], target);
     }
 }
 
-void tree::inner_folder(file_record const & record, wide_string const & target) {
-    ++summary_.folders;
-    bool const made = carrier_ && try_to(record.path, [&] { carrier_->make_folder(target); });
-    if (carrier_ && !made)
+void tree::inner_folder(file_record const & record, wide_string const & leaf, target_pointer const & around) {
+    ++report_.folders;
+    target_pointer made;
+    if (around)
+        report_.attempt(record.path, [&] { made = carrier_->enter(around, leaf); });
+    else if (carrier_)
+        report_.leave_out("folders within folders that could not be made");
+    if (catalogue_)
+        catalogue_->begin_folder(record, made ? leaf : wide_string());
+    folder(record.path, made);
+    if (catalogue_)
+        catalogue_->end_folder();
+    if (!made)
         return;
-    catalog_.begin_folder(record, carrier_ ? nio::leaf(target, u'\\') : wide_string());
-    folder(record.path, target);
-    catalog_.end_folder();
-    if (!carrier_)
-        return;
-    carrier::losses lost = record.doubts;
-    try_to(record.path, [&] { carrier_->finish_folder(record, target, lost); });
-    complain(record.path, lost);
+    tell(record);
+    report_.attempt(record.path, [&] { carrier_->finish(record, around, leaf, made); });
 }
 
-void tree::file(file_record const & record, wide_string const & target) {
-    ++summary_.files;
-    try_to(record.path, [&] { catalog_.file(record, carrier_ ? nio::leaf(target, u'\\') : wide_string()); });
+void tree::file(file_record const & record, wide_string const & leaf, target_pointer const & target) {
+    ++report_.files;
+    if (catalogue_)
+        report_.attempt(record.path, [&] { catalogue_->file(record, target ? leaf : wide_string()); });
     if (!carrier_) {
-        progress_.add(record.data.size);
+        report_.bar().add(record.data.size);
         return;
     }
-    carrier::losses lost = record.doubts;
-    try_to(record.path, [&] {
-        bool const carried = carrier_->carry(record, target, progress_, lost);
-        ++(carried ? summary_.carried : summary_.there_already);
-    });
-    complain(record.path, lost);
+    if (!target) {
+        report_.leave_out("files in folders that could not be made");
+        return;
+    }
+    tell(record);
+    report_.attempt(record.path, [&] { carrier_->carry(record, target, leaf); });
 }
 
 void tree::other(wide_string const & path, bool link) {
-    ++summary_.others;
-    catalog_.other(nio::leaf(path, u'\\'), link);
+    ++report_.others;
+    if (catalogue_)
+        catalogue_->other(nio::leaf(path, u'\\'), link);
     if (carrier_)
-        complain(path, link ? "is a link, and not carried" : "is neither file nor folder, and not carried");
+        report_.complain(path, link ? "is a link, and not carried" : "is neither file nor folder, and not carried");
 }
 
-void tree::complain(wide_string const & path, narrow_string const & words) {
-    progress_.hide();
-    std::cerr << "catalog: " << readable_path(platform::to_host(path)) << ' ' << words << '\n';
-    ++summary_.complaints;
+bool tree::counts(wide_string const & path, bool folder) const {
+    auto const at = path.find_first_not_of(u'\\', root_.size());
+    return selection_.counts(path.substr(std::min(at, path.size())), folder);
 }
 
-void tree::complain(wide_string const & path, std::vector<narrow_string> const & words) {
-    for (auto const & line : words)
-        complain(path, line);
+void tree::tell(file_record const & record) {
+    for (auto const & doubt : record.doubts)
+        report_.complain(record.path, doubt);
 }

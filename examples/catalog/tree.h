@@ -1,39 +1,37 @@
 #pragma once
 
 #include "carrier.h"
-#include "xml_catalog.h"
+#include "catalogue.h"
+#include "selection.h"
 
-/// What has become of a tree.
-struct tree_summary {
-    uint64 files = 0, folders = 0, others = 0;
-    uint64 carried = 0, there_already = 0;
-    /// Lines that told of something that is not, or not wholly, where it should be.
-    uint64 complaints = 0;
-};
-
-/// Walks a folder of the host into a catalogue and, with a carrier, into another folder. What cannot be read or carried
-/// gets a line among the errors, and the rest goes on.
+/// Walks a folder of the host into a catalogue, into another folder, or both. What cannot be read or carried is among
+/// the complaints of the report, and the rest goes on.
 class tree {
 public:
-    /// Without a carrier, null, nothing is carried.
-    tree(narrow_string const & root, xml_catalog & catalog, carrier * carrier);
+    /// `catalogue` and `carrier` are null for none. `streams` tells that the root is the top of a volume with streams,
+    /// whose store is no part of the tree.
+    tree(narrow_string const & typed, wide_string const & root, bool streams, selection const & selection,
+         catalogue * catalogue, carrier * carrier, report & report);
 
-    tree_summary walk();
+    void walk();
 
 private:
-    void folder(wide_string const & path, wide_string const & target);
-    void inner_folder(file_record const & record, wide_string const & target);
-    void file(file_record const & record, wide_string const & target);
+    void look_ahead(host::folder const & folder, wide_string const & path);
+    std::vector<entry> entries_of(wide_string const & path);
+    std::vector<wide_string> names_for(wide_string const & path, std::vector<entry> const & entries) const;
+    /// `target` is null if nothing in it is carried.
+    void folder(wide_string const & path, target_pointer const & target);
+    void inner_folder(file_record const & record, wide_string const & leaf, target_pointer const & around);
+    void file(file_record const & record, wide_string const & leaf, target_pointer const & target);
     void other(wide_string const & path, bool link);
-    void complain(wide_string const & path, narrow_string const & words);
-    void complain(wide_string const & path, std::vector<narrow_string> const & words);
-    /// Does some of the work; false, with a line, if that throws.
-    template <class Work>
-    bool try_to(wide_string const & path, Work work);
+    bool counts(wide_string const & path, bool folder) const;
+    void tell(file_record const & record);
 
+    narrow_string typed_;
     wide_string root_;
-    xml_catalog & catalog_;
+    bool streams_;
+    selection const & selection_;
+    catalogue * catalogue_;
     carrier * carrier_;
-    progress progress_;
-    tree_summary summary_;
+    report & report_;
 };

@@ -18,8 +18,9 @@ std::size_t character_at(narrow_string const & text, std::size_t at) {
         value = value << 6 | (byte(i) & 0x3F);
     }
     static constexpr uint32 least[] = {0x20, 0x80, 0x800, 0x10000};
-    bool const bad = value < least[length - 1] || value == 0x7F || (value >= 0xD800 && value < 0xE000)
-                     || value == 0xFFFE || value == 0xFFFF || value > 0x10FFFF || (lead >= 0x80 && lead < 0xC0);
+    bool const bad = value < least[length - 1] || (value >= 0x7F && value < 0xA0) || (value >= 0xD800 && value < 0xE000)
+                     || value == 0xFFFE || value == 0xFFFF || value > 0x10FFFF || (lead >= 0x80 && lead < 0xC0)
+                     || lead >= 0xF8;
     return bad ? 0 : length;
 }
 

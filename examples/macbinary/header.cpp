@@ -10,7 +10,6 @@
 
 #include <algorithm>
 #include <chrono>
-#include <fstream>
 #include <string>
 
 namespace {
@@ -27,17 +26,6 @@ uint16 crc_16(byte_vector const & data, std::size_t count) {
             crc = (crc & 0x8000) != 0 ? crc << 1 ^ 0x1021 : crc << 1;
     }
     return static_cast<uint16>(crc);
-}
-
-/// The first bytes of the file, fewer if it is shorter.
-byte_vector start_of(narrow_string const & path) {
-    std::ifstream file(path, std::ios::binary);
-    byte_vector bytes(header::size);
-    file.read(reinterpret_cast<char *>(bytes.data()), header::size);
-    if (!file.is_open() || file.bad())
-        throw io::exception("cannot be read", path, 0);
-    bytes.resize(static_cast<std::size_t>(file.gcount()));
-    return bytes;
 }
 
 header header_in(byte_vector const & bytes, narrow_string const & path) {
@@ -120,8 +108,6 @@ bool header::plausible() const {
     return zeros == 0 && name_length >= 1 && name_length <= longest_name && name.find('\0') == narrow_string::npos
            && data_length <= longest_fork && resource_length <= longest_fork;
 }
-
-header header_of(narrow_string const & path) { return header_in(start_of(path), path); }
 
 header header_of(stream::input & input, narrow_string const & path) {
     byte_vector bytes(header::size);

@@ -57,9 +57,7 @@ struct header {
     bool plausible() const;
 };
 
-/// Throws an `io::exception`, with the path as its origin, if the file does not begin with a good header.
-header header_of(narrow_string const & path);
-/// The same of an open file.
+/// Throws an `io::exception`, with the path as its origin, if the stream does not begin with a good header.
 header header_of(stream::input & input, narrow_string const & path);
 
 /// Seconds since 1904, in GMT, as a local date and time: `2026-11-22 13:04:25`.

@@ -1,7 +1,7 @@
 #include "packing.h"
 
+#include "archive.h"
 #include "copying.h"
-#include "header.h"
 #include "part.h"
 
 #include <socle/io/exception.h>
@@ -74,11 +74,11 @@ void copy_padded(io::fork & fork, stream::output & target, uint32 length, copyin
     target.fill(header::padded(length) - length, 0);
 }
 
-/// Moves what is complete to a free name, and gives that as the host has it.
+/// Moves what is complete to a free name, and gives that name as the host has it.
 narrow_string place(part & file, any::path const & folder, any::string const & leaf) {
     for (int attempt = 1;; ++attempt) {
         io::file target = free_name(folder, leaf);
-        auto host = platform::to_host(target.path().full_string());
+        auto host = platform::to_host(target.path().leaf());
         try {
             file.place(target);
             return host;
@@ -92,21 +92,14 @@ narrow_string place(part & file, any::path const & folder, any::string const & l
 
 } // namespace
 
-narrow_string unpack(narrow_string const & path, narrow_string const & folder) {
-    io::file packed(library_path(path));
-    packed.data_fork().open();
-    closing const at_end(packed.data_fork());
-    io::fork_input in(packed.data_fork());
-    auto const h = header_of(in, path);
-    if (in.size() < h.end()) {
-        throw io::exception(
-            "is cut short: it has " + std::to_string(in.size()) + " of " + std::to_string(h.end()) + " bytes", path, 0);
-    }
-    copying work(path, uint64(h.data_length) + h.resource_length);
+narrow_string unpack(archive & in, narrow_string const & folder) {
+    auto const & h = in.head();
+    in.check_length();
+    copying work(in.path(), uint64(h.data_length) + h.resource_length);
 
     any::string const leaf = nio::decode(h.name, mac_roman);
     if (leaf.empty())
-        throw io::exception("has a name that this system cannot show", path, 0);
+        throw io::exception("has a name that this system cannot show", in.path(), 0);
     auto const where = absolute_path(folder);
     if (!io::item(where).directory())
         throw io::exception("is no folder", folder, 0);
@@ -114,7 +107,7 @@ narrow_string unpack(narrow_string const & path, narrow_string const & folder) {
     auto const fork = [&](io::fork & target, uint64 at, uint32 length) {
         made.make(target);
         io::fork_output out(target);
-        in.seek(at);
+        in.skip(at - in.tell());
         work.copy(in, out, length);
     };
     fork(made.file().data_fork(), h.data_at(), h.data_length);
@@ -123,7 +116,7 @@ narrow_string unpack(narrow_string const & path, narrow_string const & folder) {
     made.make(made.file().info_fork());
     made.close();
     attributes_of(h).apply(made.file().path(), 1);
-    return place(made, where, leaf);
+    return (std::filesystem::path(folder) / place(made, where, leaf)).string();
 }
 
 void pack(narrow_string const & path, narrow_string const & target) {

@@ -1,5 +1,6 @@
 #include "walking.h"
 
+#include "common/host.h"
 #include "common/host_text.h"
 #include "common/mac_roman.h"
 
@@ -8,7 +9,6 @@
 #include <socle/io/file.h>
 #include <socle/platform/host.h>
 
-#include <filesystem>
 #include <iostream>
 
 namespace {
@@ -36,7 +36,7 @@ void show_folder(io::directory & folder, narrow_string const & indent) {
         }
         std::cout << "/\n";
         // A link may lead anywhere, back to here too.
-        if (!std::filesystem::is_symlink(platform::to_host(entry->path().full_string()))) {
+        if (host::kind_of(platform::to_host(entry->path().full_string())) != host::kind::link) {
             io::directory inner(entry->path());
             show_folder(inner, indent + "    ");
         }

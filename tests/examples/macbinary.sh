@@ -35,6 +35,7 @@ cp version_one.bin zero_in_name && patch zero_in_name 3 '\0'
 for at in 0 74 82; do cp version_one.bin not_zero_$at && patch not_zero_$at $at '\1'; done
 cp version_one.bin negative_fork && patch negative_fork 87 '\200'
 mkdir folder
+mkfifo pipe
 cat >errors <<'END'
 macbinary: short is too short for a MacBinary header: 127 of 128 bytes
 macbinary: void is too short for a MacBinary header: 0 of 128 bytes
@@ -48,11 +49,12 @@ macbinary: not_zero_0 does not begin with a MacBinary header
 macbinary: not_zero_74 does not begin with a MacBinary header
 macbinary: not_zero_82 does not begin with a MacBinary header
 macbinary: negative_fork does not begin with a MacBinary header
-macbinary: folder cannot be read
-macbinary: missing cannot be read
+macbinary: folder is no file
+macbinary: pipe is no file
+macbinary: missing cannot open file: No such file or directory
 END
 expect 1 "$expected" errors both_forks.bin short void bundle_flags.bin crc stored_crc third empty.bin placed_icon.bin \
-    no_name long_name zero_in_name not_zero_0 not_zero_74 not_zero_82 negative_fork folder read_me.bin missing \
+    no_name long_name zero_in_name not_zero_0 not_zero_74 not_zero_82 negative_fork folder pipe read_me.bin missing \
     version_one.bin
 
 # Names and codes are Mac Roman and may hold anything.
@@ -84,16 +86,39 @@ else
     echo 'left out: xmllint is not installed'
 fi
 
-# Only an argument that the program knows is an option.
-printf 'macbinary: unknown parameter "--wrong"\n' >errors
-expect 1 nothing errors --wrong
+# What is cut short is told, also when it is only shown, and each file is tested to its end.
+head -c 665 both_forks.bin >cut
+printf 'macbinary: cut is cut short: it has 665 of 666 bytes\n' >errors
+sed -n '/^both_forks/,/header CRC/p' "$expected" | sed 's/^both_forks.bin$/cut/' >cut.expected
+expect 1 cut.expected errors cut
+printf 'both_forks.bin is whole: 33 and 410 bytes\nempty.bin is whole: 0 and 0 bytes\n' >whole
+expect 1 whole errors --test both_forks.bin cut empty.bin
+printf -- '- is whole: 33 and 410 bytes\n' >whole
+cat both_forks.bin | expect 0 whole nothing -t -
+printf 'macbinary: - is cut short: it has 665 of 666 bytes\n' >errors
+cat cut | expect 1 nothing errors -t -
+
+# wrong <words> <argument>...: what the command line is refused with.
+wrong() {
+    printf "macbinary: %s\nTry 'macbinary --help'.\n" "$1" >errors
+    expect 2 nothing errors "${@:2}"
+}
+wrong 'unknown parameter "--wrong"' --wrong
+wrong 'the file is missing'
+wrong 'the file is missing' --test --
+wrong '--unpack takes a value: --unpack FOLDER' empty.bin --unpack
+wrong '--unpack takes a value: --unpack FOLDER' --unpack= empty.bin
+wrong '--pack takes one file' --pack new read_me.bin empty.bin
+wrong '--xml takes no value' --xml=no empty.bin
+wrong '--test, --unpack, --pack, --walk and --xml do not go together' --unpack=folder --pack=new empty.bin
 "$program" --help >out
-grep -q -- '--help' out
-if "$program" >out; then
-    echo 'no files, and no complaint'
-    exit 1
-fi
-if "$program" empty.bin >/dev/full; then
+grep -q -- '--unpack, -u FOLDER' out
+"$program" --version | grep -q '^macbinary .*[0-9]'
+cp empty.bin ./--xml
+"$program" -- --xml >out
+head -1 out | grep -qx -- --xml
+if "$program" empty.bin >/dev/full 2>err; then
     echo 'a full disk, and no complaint'
     exit 1
 fi
+grep -qx 'macbinary: cannot write to the standard output' err

@@ -74,7 +74,7 @@ ln -s /nowhere folder/dangling
 while IFS='|' read -r name host_name; do
     named hostile "$name"
     printed=$("$program" --unpack=folder hostile)
-    [ "${printed#"$PWD/folder/"}" = "$host_name" ] || fail "$name became $printed, not $host_name"
+    [ "${printed#folder/}" = "$host_name" ] || fail "$name became $printed, not $host_name"
     [ "$(cat "folder/$host_name") $(cat "folder/$host_name.rsrc")" = 'd r' ] || fail "$name: wrong forks"
     [ "$(wc -c <"folder/$host_name.info")" = 128 ]
 done <<'END'
@@ -111,14 +111,17 @@ refused 'is cut short: it has 128 of 666 bytes' --unpack=folder only_header
 refused 'is cut short: it has 665 of 666 bytes' --unpack=folder one_byte_short
 refused 'is cut short: it has 384 of 2147483903 bytes' --unpack=folder far
 refused 'is cut short' --unpack=folder second
-refused 'too short for a MacBinary header' --unpack=folder /dev/null
+refused 'is no file' --unpack=folder /dev/null
+: >void
+refused 'too short for a MacBinary header' --unpack folder void
+refused 'takes a value' --unpack= both_forks.bin
+refused 'No such file' --unpack folder both_forks
 refused 'is no folder' --unpack=missing empty.bin
 refused 'is no folder' --unpack=empty.bin empty.bin
 refused 'cannot open' --unpack=folder missing
 refused 'cannot open' --pack=folder/new missing
 refused 'is there already' --pack=folder/owner read_me.bin
 refused 'is there already' --pack=folder/dangling read_me.bin
-refused 'is there already' --pack= read_me.bin
 refused 'cannot create' --pack=missing/new read_me.bin
 refused '--pack takes one file' --pack=folder/new read_me.bin empty.bin
 truncate -s 2147483648 huge
@@ -127,6 +130,15 @@ refused 'too long for MacBinary' --pack=folder/new huge
 # A full disk, as a limit of the system has it.
 (trap '' XFSZ && ulimit -f 0 && ! "$program" --unpack=folder both_forks.bin 2>&1) | grep 'cannot write to' >/dev/null
 (trap '' XFSZ && ulimit -f 0 && ! "$program" --pack=folder/new read_me.bin 2>&1) | grep 'cannot write to' >/dev/null
+ls -A folder | diff before -
+
+# From a pipe, whatever comes before; one that ends too early leaves nothing.
+cat both_forks.bin | "$program" --unpack folder - >/dev/null
+cmp 'folder/Both Forks.rsrc' <(tail -c +257 both_forks.bin | head -c 410)
+rm folder/Both*
+ls -A folder >before
+if head -c 600 both_forks.bin | "$program" --unpack folder - 2>err; then fail 'a pipe that ends, and no complaint'; fi
+grep -q 'ended before all of it was read' err
 ls -A folder | diff before -
 
 # Without a terminal there is no bar; on one there is, and it goes again.

@@ -2,12 +2,14 @@
 
 #include "examples/catalog/carrier.h"
 #include "examples/catalog/tree.h"
-#include "examples/catalog/xml_catalog.h"
 #include "examples/macbinary/packing.h"
+#include "socle/io/attributes.h"
 #include "socle/nio/attributes.h"
 #include "socle/nio/file.h"
+#include "socle/platform/errors.h"
 #include "socle/stream/infinite_output.h"
 
+#include <algorithm>
 #include <iostream>
 
 // What the examples write: one unpacks and packs a file, one carries a folder with all forks into another.
@@ -28,17 +30,22 @@ void prepare_packed(place const & where) {
 
 void prepare_unpacked(place const & where) {
     prepare_packed(where);
-    fs::rename(unpack(where.here.host("packed.bin"), where.here.host("out")), where.here.host("out/made"));
+    archive packed(where.here.host("packed.bin"));
+    fs::rename(unpack(packed, where.here.host("out")), where.here.host("out/made"));
     for (fs::path const & side : fs::directory_iterator(where.here.host("out")))
         if (side.has_extension())
             fs::rename(side, where.here.host("out/made") + side.extension().string());
 }
 
-void give_finder_info(wide_string const & path, bool stream) {
-    nio::attributes set;
-    set.finder_info.fill('f');
-    nio::item item(path);
-    set.apply(item, true, stream);
+/// The dates are the same whenever it is made; nothing of it is more than a sidecar can hold.
+void give_finder_info(wide_string const & path) {
+    io::attributes set;
+    set.created = any::time(3'000'000'000, any::time::format_mac_seconds);
+    set.modified = any::time(3'000'000'601, any::time::format_mac_seconds);
+    io::mac::file_info info;
+    info.flags = 0x1234;
+    set.mac_file = io::mac::file_attributes(info, {});
+    set.apply({any::string(path), true}, 1);
 }
 
 void prepare_forks(place const & where) {
@@ -47,18 +54,21 @@ void prepare_forks(place const & where) {
     where.here.write("to/kept", "kept");
     where.here.write("from/file", std::string(100000, 'd'));
     where.here.write("from/file.rsrc", "resources");
-    give_finder_info(where.here.path("from/file"), false);
+    give_finder_info(where.here.path("from/file"));
 }
 
 void prepare_streams(place const & where) {
     where.here.write("n/f", "data");
     put_stream(u"N:\\f:note", "note");
     put_stream(u"N:\\f:AFP_Resource", "AFP_");
-    give_finder_info(u"N:\\f", true);
+    nio::attributes set;
+    set.finder_info.fill('f');
+    nio::item item(u"N:\\f");
+    set.apply(item, true, true);
 }
 
 /// As the program does it, but for the words and the catalogue.
-bool carry(place const & where, char const * from, char const * to, fork_form form) {
+bool carry(place const & where, char const * from, char const * to, carrying const & how) {
     struct silence {
         std::streambuf * const words = std::cerr.rdbuf(nullptr);
         ~silence() { std::cerr.rdbuf(words); }
@@ -71,16 +81,22 @@ bool carry(place const & where, char const * from, char const * to, fork_form fo
             fs::remove_all(folder);
         }
     } const at_end{where.here.host(to) + "/.catalog.part"};
-    stream::infinite_output unread;
-    xml_catalog catalog(unread, false);
-    carrier carrier(where.here.host(to), form);
-    return tree(where.here.host(from), catalog, &carrier).walk().complaints == 0;
+    auto const root = platform::from_host(where.here.host(from));
+    ::report told("", root, true);
+    selection const all({}, {});
+    carrier carrier(where.here.host(to), how, told);
+    tree("", root, true, all, nullptr, &carrier, told).walk();
+    // The program may have seen by itself that something was not kept.
+    if (!told.good() && platform::last_error() == 0)
+        platform::SetLastError(platform::ERROR_IO_DEVICE);
+    return told.good();
 }
 
 scenario const table[] = {
     {"macbinary_unpacks", promise::whole, prepare_packed,
      [](place const & where, report &) {
-         return unpack(where.here.host("packed.bin"), where.here.host("out")).size() > 0;
+         archive packed(where.here.host("packed.bin"));
+         return unpack(packed, where.here.host("out")).size() > 0;
      }},
     {"macbinary_packs", promise::whole, prepare_unpacked,
      [](place const & where, report &) {
@@ -89,13 +105,23 @@ scenario const table[] = {
      }},
 };
 
+constexpr carrying in_form(fork_form form, bool verify) {
+    carrying how;
+    how.form = form;
+    how.verify = verify;
+    return how;
+}
+
 scenario const catalog_table[] = {
     {"catalog_carries_to_doubles", promise::stepwise, prepare_forks,
-     [](place const & where, report &) { return carry(where, "from", "to", fork_form::apple_double); },
+     [](place const & where, report &) { return carry(where, "from", "to", in_form(fork_form::apple_double, false)); },
+     scenario::nothing, true},
+    {"catalog_carries_to_sidecars", promise::stepwise, prepare_forks,
+     [](place const & where, report &) { return carry(where, "from", "to", in_form(fork_form::sidecar, true)); },
      scenario::nothing, true},
     {"catalog_carries_to_streams", promise::stepwise, prepare_streams,
-     [](place const & where, report &) { return carry(where, "n", "m", fork_form::stream); }, scenario::named_streams,
-     true},
+     [](place const & where, report &) { return carry(where, "n", "m", in_form(fork_form::stream, false)); },
+     scenario::named_streams, true},
 };
 
 } // namespace

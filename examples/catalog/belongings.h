@@ -1,0 +1,32 @@
+#pragma once
+
+#include "host_folder.h"
+
+/// What a file or folder of the host has beside its bytes, its dates and its forks.
+namespace host {
+
+/// What there is of that, or what is to be kept of it.
+struct belongings {
+    bool owner = false;
+    bool acls = false;
+    bool attributes = false;
+};
+
+/// Whether it may have more than its status tells: extended attributes of any kind, the library's too.
+bool has_more(narrow_string const & path);
+
+/// ACLs, and extended attributes that are not the library's own.
+belongings belongings_of(narrow_string const & path);
+
+/// Gives `to` those of `from` that are asked for, and the permissions in `known`. The result tells what could not be
+/// given.
+struct refusals {
+    bool mode = false, owner = false, acls = false, attributes = false;
+};
+refusals give_belongings(narrow_string const & from, status const & known, narrow_string const & to,
+                         belongings const & wanted);
+
+/// Permissions alone; false if the host refuses.
+bool give_mode(narrow_string const & path, uint32 mode);
+
+} // namespace host

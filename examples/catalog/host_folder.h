@@ -1,0 +1,85 @@
+#pragma once
+
+#include "common/host.h"
+
+#include <optional>
+#include <vector>
+
+namespace host {
+
+/// What the host says of a name without opening it.
+struct status {
+    host::kind kind = kind::nothing;
+    /// Bytes, and how many of them take room on the disk.
+    uint64 size = 0, stored = 0;
+    /// In 100 nanoseconds since 1601; 0 if the host does not know when it was made.
+    uint64 modified = 0, created = 0;
+    /// Which file it is, among all of the host.
+    uint64 device = 0, number = 0;
+    uint32 names = 1;
+    uint32 mode = 0, owner = 0, group = 0;
+
+    bool same_file(status const & other) const { return device == other.device && number == other.number; }
+};
+
+/// A name in a folder, as the host spells it.
+struct found {
+    narrow_string name;
+    host::status status;
+};
+
+/// A folder that is held: what becomes of its name, or of those above it, does not lead elsewhere. Failures throw a
+/// `std::system_error`.
+class folder {
+public:
+    /// The folder at a path of the host. The path may lead through links, its last name is none unless `follow`.
+    folder(narrow_string const & path, bool follow);
+    folder(folder && other) noexcept;
+    folder & operator=(folder const &) = delete;
+    ~folder();
+
+    /// The folder of this name in it, which is no link.
+    folder inner(narrow_string const & name) const;
+    /// Makes a folder that is the user's alone; false if there is anything of this name.
+    bool make(narrow_string const & name) const;
+    /// Removes an empty folder of this name.
+    bool remove(narrow_string const & name) const;
+
+    /// All that is in it, sorted by name.
+    std::vector<found> list() const;
+    host::status status() const;
+    host::status look(narrow_string const & name) const;
+
+    /// Keeps others that ask for the same out for as long as this is held; false if one has asked before.
+    bool lock() const;
+    /// Whether the folder is the user's own.
+    bool own() const;
+
+    /// A path of the host to a name in it, or to itself, that holds for as long as the folder is held.
+    narrow_string path(narrow_string const & name) const;
+    narrow_string path() const;
+
+    /// What was written to the file system of the folder is on the disk then.
+    void sync() const;
+
+private:
+    explicit folder(int descriptor) : descriptor_(descriptor) {}
+
+    int descriptor_;
+};
+
+/// The status of a path; links are not followed.
+status status_of(narrow_string const & path);
+
+/// Lets the program hold as many folders as the host allows.
+void hold_many_folders();
+/// What the program makes from here on is the user's alone, until it is given another mode.
+void make_private();
+
+/// The stretches of a file that hold data, in order; what lies between is zeros that take no room.
+struct stretch {
+    uint64 begin, end;
+};
+std::vector<stretch> stretches_of(narrow_string const & path, status const & known);
+
+} // namespace host

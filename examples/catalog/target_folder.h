@@ -1,0 +1,42 @@
+#pragma once
+
+#include "host_folder.h"
+
+#include <socle/basic/types.h>
+
+#include <memory>
+#include <set>
+
+/// A folder that files are carried into: held, with the names that it had when it was entered. One that is not there,
+/// as nothing is made in a dry run, has none.
+class target_folder {
+public:
+    /// `spelled` is the library's path of it, and `typed` what the user calls it.
+    target_folder(std::optional<host::folder> held, wide_string const & spelled, narrow_string const & typed);
+
+    std::optional<host::folder> const & held() const { return held_; }
+    narrow_string const & typed() const { return typed_; }
+
+    /// What had the name, exactly so spelled; null for nothing.
+    host::status const * listed(narrow_string const & name) const;
+    /// What has the name now, in whatever spelling the host takes for the same.
+    host::status look(narrow_string const & name) const;
+
+    /// Notes that a file here stands for one of the source; false if it stands for another already.
+    bool claim(host::status const & file);
+
+    /// The library's path of a name in it: a path that leads here whatever becomes of the folder's name or, for files
+    /// with streams, the spelled one, by which the library knows what volume they are on.
+    wide_string path(wide_string const & leaf, bool spelled) const;
+    wide_string const & spelled() const { return spelled_; }
+    narrow_string typed(wide_string const & leaf) const;
+
+private:
+    std::optional<host::folder> held_;
+    wide_string spelled_;
+    narrow_string typed_;
+    std::vector<host::found> names_;
+    std::set<std::pair<uint64, uint64>> claimed_;
+};
+
+using target_pointer = std::shared_ptr<target_folder>;

@@ -1,0 +1,38 @@
+#include "failure.h"
+
+#include "host.h"
+#include "host_text.h"
+
+#include <socle/basic/exception.h>
+#include <socle/io/exception.h>
+#include <socle/nio/filesystem_exception.h>
+
+#include <exception>
+#include <filesystem>
+
+namespace {
+
+/// `message` up to where the path begins.
+narrow_string with_words(narrow_string const & message, char const * path_begins, uint32 code) {
+    return code == 0 ? readable_path(message) : message.substr(0, message.find(path_begins)) + ": " + host::words(code);
+}
+
+} // namespace
+
+narrow_string current_failure() {
+    try {
+        throw;
+    } catch (nio::filesystem_exception const & e) {
+        return with_words(e.message(), " (", e.error());
+    } catch (basic::exception const & e) {
+        return readable_path(e.message());
+    } catch (io::exception const & e) {
+        return with_words(e.message(), " \"", static_cast<uint32>(e.error()));
+    } catch (un::exception const & e) {
+        return readable_path(e.message());
+    } catch (std::filesystem::filesystem_error const & e) {
+        return "failed: " + e.code().message();
+    } catch (std::exception const & e) {
+        return readable_path(e.what());
+    }
+}

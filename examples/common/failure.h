@@ -1,0 +1,17 @@
+#pragma once
+
+#include <socle/basic/types.h>
+
+/// What is wrong with how the program was called.
+class usage_error {
+public:
+    explicit usage_error(narrow_string words) : words_(std::move(words)) {}
+    narrow_string const & words() const { return words_; }
+
+private:
+    narrow_string words_;
+};
+
+/// What the exception that is handled says, with the host's words for its code, and without the path in the library's
+/// spelling. To be called where something was caught.
+narrow_string current_failure();

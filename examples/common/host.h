@@ -1,0 +1,24 @@
+#pragma once
+
+#include <socle/basic/types.h>
+
+/// What the programs ask of the host beside the library. The folder `posix` has it for one kind of host.
+namespace host {
+
+/// What a name stands for. Links are not followed, and nothing is opened.
+enum class kind { nothing, file, folder, link, other };
+kind kind_of(narrow_string const & path);
+
+/// What a name stands for if links are followed.
+kind kind_behind(narrow_string const & path);
+
+/// The host's words for a code of the system: "No space left on device" for 112.
+narrow_string words(uint32 code);
+
+/// The columns of the terminal that errors are shown on; 80 if it does not tell.
+uint32 terminal_width();
+
+/// From here on, a write to a pipe that nobody reads fails, where it would end the program without a word.
+void report_closed_pipes();
+
+} // namespace host
