@@ -165,7 +165,8 @@ phase_clients() {
 
         echo "$dialect: a client through pkg-config"
         g++ -std=$dialect "${warnings[@]}" -I"$scratch/namesakes" "${compile_flags[@]}" -Iexamples \
-            examples/macbinary/*.cpp examples/common/*.cpp "${link_flags[@]}" -o "$scratch/client-$dialect"
+            -DEXAMPLE_VERSION='"of the installed copy"' examples/macbinary/*.cpp \
+            examples/common/*.cpp examples/common/posix/*.cpp "${link_flags[@]}" -o "$scratch/client-$dialect"
         check_client "$scratch/client-$dialect"
 
         echo "$dialect: a client through find_package"

@@ -12,8 +12,11 @@ struct belongings {
     bool attributes = false;
 };
 
-/// Whether it may have more than its status tells: extended attributes of any kind, the library's too.
+/// Whether it has more than its status tells: extended attributes of any kind, the library's too.
 bool has_more(narrow_string const & path);
+/// Whether what is in the folder may have more that is not even listed: a driver that has the attributes and streams of
+/// the disk itself does not.
+bool has_unlisted(host::folder const & folder);
 
 /// ACLs, and extended attributes that are not the library's own.
 belongings belongings_of(narrow_string const & path);

@@ -214,7 +214,7 @@ file_record carrier::look_at_there(target_folder const & folder, wide_string con
         return folder.look(platform::to_host(name)).kind != host::kind::nothing;
     };
     bool const forks = !spelled() && (has(rsrc_name(how_.form, leaf)) || has(info_name(how_.form, leaf)));
-    if (forks || host::has_more(folder.held()->path(platform::to_host(leaf))))
+    if (forks || folder.has_more(platform::to_host(leaf)))
         return look_at_made(how_.form, folder.path(leaf, spelled()));
     entry plain;
     plain.leaf = leaf;
@@ -351,11 +351,23 @@ void carrier::flush() {
     auto const batch = std::move(waiting_);
     waiting_.clear();
     waiting_bytes_ = waiting_folders_ = 0;
-    bool const files = std::any_of(batch.begin(), batch.end(), [](waiting const & each) { return !each.made; });
-    if (files)
-        work_->held()->sync();
-    for (auto const & each : batch)
-        report_.attempt(each.from.path, [&] { each.made ? finish_folder(each) : place(each); });
+    narrow_string failure;
+    try {
+        if (std::any_of(batch.begin(), batch.end(), [](waiting const & each) { return !each.made; }))
+            work_->held()->sync();
+    } catch (...) {
+        failure = current_failure();
+    }
+    for (auto const & each : batch) {
+        report_.attempt(each.from.path, [&] {
+            if (each.made)
+                finish_folder(each);
+            else if (failure.empty())
+                place(each);
+            else
+                fail("is not carried: " + failure);
+        });
+    }
 }
 
 /// Sidecars first, so that what is there has them.
@@ -404,13 +416,14 @@ void carrier::place_sidecars(waiting const & file, std::vector<wide_string> & pl
 
 void carrier::move(wide_string const & from, target_folder & folder, wide_string const & leaf, bool replace) const {
     auto const name = platform::to_host(leaf);
-    if (replace) {
+    if (replace)
         fs::rename(platform::to_host(from), folder.held()->path(name));
-        return;
-    }
-    if (folder.look(name).kind != host::kind::nothing)
+    else if (folder.look(name).kind != host::kind::nothing)
         fail("is not carried, as another file is there: " + folder.typed(leaf));
-    io::item(library_path(from)).move(library_path(folder.path(leaf, spelled())));
+    else if (spelled())
+        io::item(library_path(from)).move(library_path(folder.path(leaf, true)));
+    else
+        work_->held()->move(platform::to_host(nio::leaf(from, u'\\')), *folder.held(), name);
 }
 
 void carrier::finish_folder(waiting const & folder) {

@@ -42,6 +42,8 @@ public:
     folder inner(narrow_string const & name) const;
     /// Makes a folder that is the user's alone; false if there is anything of this name.
     bool make(narrow_string const & name) const;
+    /// Moves a file to a folder of the same file system where nothing has that name.
+    void move(narrow_string const & name, folder const & to, narrow_string const & new_name) const;
     /// Removes an empty folder of this name.
     bool remove(narrow_string const & name) const;
 

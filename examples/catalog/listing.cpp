@@ -61,12 +61,13 @@ std::vector<entry> list_folder(host::folder const & folder, wide_string const & 
     std::vector<entry> entries;
     {
         auto const names = folder.list();
+        bool const unlisted = host::has_unlisted(folder);
         entries.reserve(names.size());
         for (auto const & [name, status] : names) {
             entry added;
             added.leaf = platform::from_host(name);
             added.status = status;
-            added.more = (added.file() || added.folder()) && host::has_more(folder.path(name));
+            added.more = (added.file() || added.folder()) && (unlisted || host::has_more(folder.path(name)));
             entries.push_back(added);
         }
     }

@@ -1,5 +1,7 @@
 #include "target_folder.h"
 
+#include "belongings.h"
+
 #include "common/host_text.h"
 
 #include <socle/nio/path.h>
@@ -9,8 +11,10 @@
 
 target_folder::target_folder(std::optional<host::folder> held, wide_string const & spelled, narrow_string const & typed)
     : held_(std::move(held)), spelled_(spelled), typed_(typed) {
-    if (held_)
-        names_ = held_->list();
+    if (!held_)
+        return;
+    names_ = held_->list();
+    unlisted_ = host::has_unlisted(*held_);
 }
 
 host::status const * target_folder::listed(narrow_string const & name) const {
@@ -21,6 +25,10 @@ host::status const * target_folder::listed(narrow_string const & name) const {
 
 host::status target_folder::look(narrow_string const & name) const {
     return held_ ? held_->look(name) : host::status();
+}
+
+bool target_folder::has_more(narrow_string const & name) const {
+    return held_ && (unlisted_ || host::has_more(held_->path(name)));
 }
 
 bool target_folder::claim(host::status const & file) { return claimed_.emplace(file.device, file.number).second; }

@@ -22,6 +22,9 @@ public:
     /// What has the name now, in whatever spelling the host takes for the same.
     host::status look(narrow_string const & name) const;
 
+    /// Whether a file of this name may have more than its status tells.
+    bool has_more(narrow_string const & name) const;
+
     /// Notes that a file here stands for one of the source; false if it stands for another already.
     bool claim(host::status const & file);
 
@@ -35,6 +38,7 @@ private:
     std::optional<host::folder> held_;
     wide_string spelled_;
     narrow_string typed_;
+    bool unlisted_ = false;
     std::vector<host::found> names_;
     std::set<std::pair<uint64, uint64>> claimed_;
 };

@@ -74,11 +74,11 @@ void copy_padded(io::fork & fork, stream::output & target, uint32 length, copyin
     target.fill(header::padded(length) - length, 0);
 }
 
-/// Moves what is complete to a free name, and gives that name as the host has it.
-narrow_string place(part & file, any::path const & folder, any::string const & leaf) {
+/// Moves what is complete to a free name, and gives its path as the host has it, by the folder's name as it was typed.
+narrow_string place(part & file, any::path const & folder, any::string const & leaf, narrow_string const & typed) {
     for (int attempt = 1;; ++attempt) {
         io::file target = free_name(folder, leaf);
-        auto host = platform::to_host(target.path().leaf());
+        narrow_string host = (std::filesystem::path(typed) / platform::to_host(target.path().leaf())).string();
         try {
             file.place(target);
             return host;
@@ -116,7 +116,7 @@ narrow_string unpack(archive & in, narrow_string const & folder) {
     made.make(made.file().info_fork());
     made.close();
     attributes_of(h).apply(made.file().path(), 1);
-    return (std::filesystem::path(folder) / place(made, where, leaf)).string();
+    return place(made, where, leaf, folder);
 }
 
 void pack(narrow_string const & path, narrow_string const & target) {

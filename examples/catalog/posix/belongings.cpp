@@ -41,10 +41,11 @@ bool copy(narrow_string const & name, narrow_string const & from, narrow_string 
 
 bool has_more(narrow_string const & path) {
     auto const size = ::llistxattr(path.c_str(), nullptr, 0);
-    if (size != 0)
-        return size > 0 || errno != ENOTSUP;
-    // A driver that has the attributes and streams of the disk itself does not list them.
-    return ::lgetxattr(path.c_str(), "system.ntfs_attrib", nullptr, 0) >= 0;
+    return size > 0 || (size < 0 && errno != ENOTSUP);
+}
+
+bool has_unlisted(host::folder const & folder) {
+    return ::getxattr(folder.path().c_str(), "system.ntfs_attrib", nullptr, 0) >= 0;
 }
 
 belongings belongings_of(narrow_string const & path) {

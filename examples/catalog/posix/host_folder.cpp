@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdio>
 #include <dirent.h>
 #include <fcntl.h>
 #include <sys/file.h>
@@ -86,6 +87,17 @@ bool folder::make(narrow_string const & name) const {
     if (errno != EEXIST)
         fail("cannot make the folder");
     return false;
+}
+
+void folder::move(narrow_string const & name, folder const & to, narrow_string const & new_name) const {
+    auto const rename = [&](unsigned how) {
+        return ::renameat2(descriptor_, name.c_str(), to.descriptor_, new_name.c_str(), how) == 0;
+    };
+    if (rename(RENAME_NOREPLACE))
+        return;
+    // Not every file system can promise that nothing is replaced.
+    if (errno != EINVAL || to.look(new_name).kind != kind::nothing || !rename(0))
+        fail("cannot be moved into place");
 }
 
 bool folder::remove(narrow_string const & name) const {
