@@ -3,8 +3,8 @@
 
 A comment stands for the declaration below it and for the overloads that follow without a comment of their own; between
 `/// @{` and `/// @}` the first comment stands for every declaration. Here it is repeated for each. What needs no words,
-such as copying, destruction and the types of an iterator, and what an internal comment with two strokes speaks of, is
-left out of the reference.
+such as copying, destruction and the types of an iterator, what an internal comment with two strokes speaks of, and what
+is private, is left out of the reference.
 """
 import re
 import sys
@@ -46,7 +46,11 @@ def main(path):
         text = lines[at].strip()
         end = at + 1
         shown = []
-        if text in ("/// @{", "/// @}"):
+        if text == "private:":
+            outer = re.match(r" *", lines[at])[0]
+            while not re.match(outer + r"(public:|protected:|\};)", lines[end]):
+                end += 1
+        elif text in ("/// @{", "/// @}"):
             comment, group = [], text.endswith("{")
         elif text.startswith("///"):
             while lines[end].strip().startswith("///"):
@@ -54,6 +58,9 @@ def main(path):
             comment, name, internal = lines[at:end], None, False
         elif text == "" or text.startswith("//") or is_scope(lines, at):
             shown = (comment if name is None else []) + [lines[at]]
+            if comment and text.startswith("namespace"):
+                # Several headers speak to the page of a family, each under its name.
+                shown.insert(0, f"/// @par &lt;{path[path.rindex('socle/'):]}&gt;")
             comment, name = ([], None) if not group else (comment, name)
             internal = text.startswith("//")
         else:
@@ -67,7 +74,7 @@ def main(path):
                 shown = ["/// @cond"] + declared + ["/// @endcond"]
             else:
                 shown = told + declared
-                comment, name = told, of
+                comment, name = told, of or ""
         print("".join(line + "\n" for line in shown), end="")
         at = end
 

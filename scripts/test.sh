@@ -190,6 +190,7 @@ phase_docs() {
     run_tests ctest --preset dev -R '^docs\.'
     tests/docs/snippets.sh "${compile_flags[@]}" "${link_flags[@]}"
     cmake --workflow --preset docs
+    tests/docs/reference.py build/docs/docs/html "$prefix/include"
 }
 
 phase_abi() {
@@ -201,6 +202,7 @@ phase_packages() {
     need cmake=cmake ninja-build=ninja g++=g++ pkg-config=pkg-config file=file lintian=lintian mmdebstrap=mmdebstrap
     mkdir "$scratch/ways"
     tests/packages/ways.sh "$scratch/ways"
+    tests/packages/recipes.sh "$scratch/ways" "$scratch/ways/program.cpp" '3 files, the first is a TEXT at 32'
     tests/packages/clean_system.sh "$scratch/ways/packages" "$scratch/ways/program.cpp" \
         '3 files, the first is a TEXT at 32'
 }

@@ -7,12 +7,14 @@
 
 namespace nio {
 
-/// Reads single bits from a source. There is one specialisation.
+// There is one specialisation.
 template <int, int, int>
 class bit_input;
 
 SOCLE_API int64 read_p2(bit_input<1, 0, 1> & in);
 
+/// Reads single bits from a source.
+///
 /// The first bit of the stream is bit 0 of its first byte. Bytes are taken from the source one at a time, and only when
 /// a bit of theirs is wanted; the source must outlive this object. At the end of the source, bits are -1.
 template <>

@@ -4,10 +4,12 @@
 
 namespace nio {
 
-/// Writes single bits to a sink. There is one specialisation.
+// There is one specialisation.
 template <int, int>
 class bit_output;
 
+/// Writes single bits to a sink.
+///
 /// The first bit of the stream is bit 0 of its first byte. Up to 31 bits are held back, and nothing but `finish` writes
 /// the last of them: the destructor does not. The target must outlive this object.
 template <>

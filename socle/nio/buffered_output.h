@@ -7,7 +7,7 @@
 
 namespace nio {
 
-/// Collects small writes for a target, which must outlive it. The position and the size count what was written here.
+/// Collects small writes for a target, which must outlive it. The position and the size count what was written to it.
 ///
 /// What the target throws passes through, and what it did not take is still held. The destructor writes what is held
 /// and swallows every failure, so a caller who needs to know of them calls `flush()` first.

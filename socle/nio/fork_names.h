@@ -7,7 +7,7 @@
 /// sidecar beside it.
 namespace nio {
 
-/// The sidecar: `dir\._leaf` for `dir\leaf`. Here `\` and `/` both separate.
+/// The sidecar: `dir\._leaf` for `dir\leaf`. `\` and `/` both separate.
 SOCLE_API wide_string ufs_name(wide_string const & path);
 /// `path` followed by ":AFP_Resource".
 SOCLE_API wide_string ntfs_rsrc_name(wide_string const & path);

@@ -11,7 +11,7 @@
 /// p2, in bits: with x = value + 1 and w the number of its 1 bits, w - 1 bits of 1, one bit of 0, then the bits of x
 /// from the lowest up to its highest 1. Every value but -1 has a code, small ones with few 1 bits the shortest.
 ///
-/// Nothing here reports a code that is cut short or too long; exceptions of the streams pass through.
+/// No function reports a code that is cut short or too long; exceptions of the streams pass through.
 namespace nio {
 
 /// The number of 1 bits in the 64-bit pattern of `value`.

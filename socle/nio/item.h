@@ -3,7 +3,7 @@
 #include "socle/basic/export.h"
 #include "socle/basic/types.h"
 
-/// What the file system says of a path, and the changes of a path that ask it.
+/// Questions to the file system about a path, and changes of a path that depend on the answer.
 namespace nio {
 
 /// Whether there is anything at the path; a dangling link counts.

@@ -7,7 +7,7 @@
 #include <iterator>
 #include <vector>
 
-/// Paths as plain text. Nothing here looks at the disk; the separator is any 16-bit unit.
+/// Paths as plain text. No function accesses the file system; the separator is any 16-bit unit.
 namespace nio {
 
 /// Adds `tail` whole, after a `sep` if `path` is not empty and does not end in one. An empty `tail` changes nothing.
@@ -27,7 +27,7 @@ SOCLE_API wide_string leaf_name(wide_string const & path, char16_t sep);
 SOCLE_API wide_string leaf_ext(wide_string const & path, char16_t sep);
 
 /// A path that any volume accepts: behind a drive, every unit below 0x20 or above 0x80 and each of `" * / : < > ? |`
-/// becomes '_'. The separator is `\` alone, so `a/b` gives `a_b`.
+/// becomes '_'. The separator is `\` alone, so `a/b` becomes `a_b`.
 SOCLE_API wide_string normalize(wide_string const & path);
 
 /// What lies between the separators of a path, empty pieces included: `\\host\share` has four, `a\` two, an empty path

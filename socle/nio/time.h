@@ -27,7 +27,7 @@ public:
 
     /// The DOS date in the high 16 bits: years since 1980, month, day, in 7, 4 and 5 bits; the DOS time in the low 16:
     /// hour, minute, seconds / 2, in 5, 6 and 5 bits. Odd seconds are rounded up. The time is taken as GMT, and its
-    /// seconds since 1970 modulo 2^32; the words are local time. A year before 1980 gives a date word of 0.
+    /// seconds since 1970 modulo 2^32; the words are local time. For a year before 1980 the date word is 0.
     uint32 get_dos() const;
     /// Sets the time from local time; a field out of its range carries into the others.
     void set_dos(uint16 date_word, uint16 time_word);

@@ -52,7 +52,8 @@ private:
     int file_;
 };
 
-/// A file gives fewer bytes only at its end. A pipe gives what is there, and 109 when its writers have gone.
+/// Returns fewer bytes from a file only at its end. From a pipe it returns what is there, and fails with 109 when its
+/// writers have gone.
 bool ReadFile(int file, char * buffer, uint32 size, uint32 & done);
 /// Writes all; `done` tells how much it was when that failed: 112 on a full disk, 232 on a pipe without readers.
 bool WriteFile(int file, char const * buffer, uint32 size, uint32 & done);

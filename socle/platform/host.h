@@ -3,7 +3,6 @@
 #include "socle/basic/export.h"
 #include "socle/basic/types.h"
 
-/// For programs at home on the host: which of its folders are volumes, and the way between its paths and the library's.
 namespace platform {
 
 /// Makes the host folder `folder` the volume of a further drive letter, with the name of a file system; on one called

@@ -11,7 +11,7 @@
 /// bytes that cannot be decoded. So every host name comes back as it was.
 namespace platform {
 
-/// False for a name that no host name stands for: a NUL, a separator, a colon, a lone surrogate but 0xDC80 to 0xDCFF.
+/// False for a name that has no host form: a NUL, a separator, a colon, a lone surrogate but 0xDC80 to 0xDCFF.
 bool to_host_name(std::u16string_view name, narrow_string & host);
 wide_string from_host_name(std::string_view host);
 /// The same, behind what `text` holds.
