@@ -120,12 +120,12 @@ void attributes::apply(any::path const & path, int type) const {
 
 void attributes::load_bin(any::path const & path) {
     file sidecar = sidecar_of(path);
-    system_bits const bits(sidecar.path());
-    if (!bits.exists() && !platform::nothing_is_there())
+    system_kind const kind(sidecar.path());
+    if (!kind.exists() && !platform::nothing_is_there())
         raise_system_error(sidecar.path(), "cannot open", "io::fork");
     // A side fork of the sidecar itself makes it a file that cannot be opened.
-    bool const nothing = !bits.exists() && !sidecar.info_fork().exists() && !sidecar.rsrc_fork().exists();
-    if (nothing || bits.device())
+    bool const nothing = !kind.exists() && !sidecar.info_fork().exists() && !sidecar.rsrc_fork().exists();
+    if (nothing || kind.device())
         return;
     std::array<char, info_header::size> bytes;
     fork & stored = sidecar.data_fork();
@@ -148,7 +148,7 @@ void attributes::apply_bin(any::path const & path) const {
     // Before the old sidecar goes.
     auto const bytes =
         info_header{mac_file.value().info, mac_seconds(created.value()), mac_seconds(modified.value())}.write();
-    if (system_bits(sidecar.path()).device()) {
+    if (system_kind(sidecar.path()).device()) {
         platform::SetLastError(platform::ERROR_ACCESS_DENIED);
         raise_system_error(sidecar.path(), "cannot create", "io::fork");
     }
@@ -161,7 +161,7 @@ void attributes::apply_bin(any::path const & path) const {
 uint32 attributes::get_time(any::path const & path, any::time * created, any::time * modified) {
     platform::WIN32_FILE_ATTRIBUTE_DATA data{};
     if (!platform::GetFileAttributesExW(system_name(path), data))
-        raise_system_error(path, system_bits(path).exists() ? "cannot access timestamp(s) of" : "what is this", origin);
+        raise_system_error(path, system_kind(path).exists() ? "cannot access timestamp(s) of" : "what is this", origin);
     if (created != nullptr)
         created->set(data.ftCreationTime, any::time::format_file_time);
     if (modified != nullptr)

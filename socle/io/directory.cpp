@@ -1,6 +1,7 @@
 #include "socle/io/directory.h"
 
 #include "socle/io/exception.h"
+#include "socle/io/folder_trees_internal.h"
 #include "socle/io/system_error.h"
 #include "socle/io/system_path_internal.h"
 #include "socle/platform/directories.h"
@@ -15,12 +16,6 @@ namespace {
 
 constexpr char const * origin = "io::directory";
 constexpr int tries = 999;
-
-/// Whether this is a link, or may be one as far as the system tells. It may lead to a folder even if that is not seen.
-bool may_be_link(any::path const & path) {
-    system_bits const bits(path);
-    return !bits.exists() || bits.link();
-}
 
 } // namespace
 
@@ -68,21 +63,7 @@ void directory::unlink(bool report) {
         throw exception("cannot delete " + path().full_string().str(true), origin, 0);
 }
 
-void directory::unlink_children(bool report) {
-    if (may_be_link(path()))
-        return;
-    // Again as long as that helps: a sidecar is hidden until its file has gone.
-    for (bool removed = true; removed;) {
-        removed = false;
-        for (iterator entry = begin(), last; entry != last; ++entry) {
-            bool const reachable = entry->exists();
-            if (entry->directory())
-                directory(entry->path()).unlink_children(report);
-            entry->unlink(report);
-            removed = removed || (reachable && !entry->exists());
-        }
-    }
-}
+void directory::unlink_children(bool report) { unlink_children_of(path(), report); }
 
 void directory::unlink_with_children(bool report) {
     unlink_children(report);
@@ -116,6 +97,7 @@ struct directory::iterator::search {
         return wide_calls ? platform::FindNextFileW(handle, wide) : platform::FindNextFileA(handle, narrow);
     }
     any::string name() const { return wide_calls ? any::string(wide.cFileName) : any::string(narrow.cFileName, true); }
+    uint32 found_bits() const { return wide_calls ? wide.dwFileAttributes : narrow.dwFileAttributes; }
 
     platform::file_search * handle = nullptr; // null when it has ended
     platform::WIN32_FIND_DATAW wide;
@@ -155,6 +137,14 @@ directory::iterator directory::iterator::operator++(int) {
     return *this;
 }
 
+bool directory::iterator::is_directory() const {
+    return (search_->found_bits() & platform::FILE_ATTRIBUTE_DIRECTORY) != 0;
+}
+
+bool directory::iterator::is_link() const {
+    return (search_->found_bits() & platform::FILE_ATTRIBUTE_REPARSE_POINT) != 0;
+}
+
 bool directory::iterator::operator==(iterator const & other) const { return search_->handle == other.search_->handle; }
 
 void directory::iterator::first(directory & folder) {
@@ -184,18 +174,11 @@ void directory::iterator::skip_hidden() {
 }
 
 bool directory::iterator::trivial() const {
-    any::string const name = search_->name();
-    if (name == u"." || name == u"..")
-        return true;
-    constexpr std::u16string_view rsrc = u".rsrc", info = u".info";
-    auto const beside = [&](std::u16string_view suffix) {
+    return is_hidden(search_->name(), [&](wide_string const & name) {
         any::path path(dir_->path());
-        path.add_leaf(any::string(name.substr(0, name.size() - info.size()) + wide_string(suffix)));
+        path.add_leaf(any::string(name));
         return item(path).exists();
-    };
-    if (name.ends_with(rsrc))
-        return beside(u"");
-    return name.ends_with(info) && (beside(u"") || beside(rsrc));
+    });
 }
 
 void directory::iterator::close() { search_->close(); }

@@ -83,6 +83,13 @@ public:
     item * operator->() { return &current_; }
     /// @}
 
+    /// @{
+    /// What the entry was when the folder was listed, which costs no further question: a folder or a link to one; a
+    /// link. Not for a walk that has ended.
+    bool is_directory() const;
+    bool is_link() const;
+    /// @}
+
     /// Goes to the next entry that shows.
     iterator & operator++();
     /// Goes to the next entry, and returns that one.

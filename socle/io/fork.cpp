@@ -114,8 +114,8 @@ uint64 fork::size() {
             raise("cannot determine the size of");
         return result;
     }
-    system_bits const bits(fork_name());
-    if (!bits.exists() || bits.device())
+    system_kind const kind(fork_name());
+    if (!kind.exists() || kind.device())
         return 0;
     try {
         open();

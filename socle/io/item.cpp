@@ -3,6 +3,7 @@
 #include "socle/io/directory.h"
 #include "socle/io/exception.h"
 #include "socle/io/file.h"
+#include "socle/io/folder_trees_internal.h"
 #include "socle/io/system_error.h"
 #include "socle/io/system_path_internal.h"
 #include "socle/platform/files.h"
@@ -60,9 +61,9 @@ void item::apply_attributes(int type) const {
         attributes_.apply(path_, type);
 }
 
-bool item::exists() const { return system_bits(path_).exists(); }
+bool item::exists() const { return system_kind(path_).exists(); }
 
-bool item::directory() const { return system_bits(path_).directory(); }
+bool item::directory() const { return system_kind(path_).directory(); }
 
 bool item::link() const {
     if (path_.empty())
@@ -145,10 +146,10 @@ bool item::_move(any::path const & target) {
 }
 
 uint64 item::size() {
-    system_bits const bits(path_);
-    if (bits.directory())
+    system_kind const kind(path_);
+    if (kind.directory())
         return 0;
-    if (bits.device())
+    if (kind.device())
         return all_ones;
     file opened(path_);
     io::fork & fork = opened.data_fork();
@@ -202,24 +203,20 @@ bool item::create_with_parents(bool overwrite) {
 }
 
 void item::scan(summary & sum) {
-    system_bits const bits(path_);
-    if (!bits.exists()) {
+    system_kind const kind(path_);
+    if (!kind.exists()) {
         ++sum.missing;
         return;
     }
     ++sum.items;
-    if (!bits.directory()) {
-        ++sum.files;
-        uint64 const bytes = size();
-        sum.bytes += bytes == all_ones ? 0 : bytes;
+    if (kind.directory()) {
+        ++sum.directories;
+        scan_children_of(path_, sum);
         return;
     }
-    ++sum.directories;
-    if (bits.link())
-        return;
-    io::directory folder(path_);
-    for (auto entry = folder.begin(), last = folder.end(); entry != last; ++entry)
-        entry->scan(sum);
+    ++sum.files;
+    uint64 const bytes = size();
+    sum.bytes += bytes == all_ones ? 0 : bytes;
 }
 
 item::summary item::scan(item & other) {

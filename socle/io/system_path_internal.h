@@ -14,20 +14,20 @@ inline wide_string system_name(any::path const & path) {
     return wide_calls ? wide_string(full) : platform::from_ansi(full.str(true));
 }
 
-/// The attribute bits of what a path leads to, or that there is nothing. Opens nothing.
-class system_bits {
+/// What kind of thing a path leads to, or that there is nothing. Opens nothing.
+class system_kind {
 public:
-    explicit system_bits(any::path const & path) : bits_(platform::GetFileAttributesW(system_name(path))) {}
+    explicit system_kind(any::path const & path) : bits_(platform::GetFileKindW(system_name(path))) {}
 
     bool exists() const { return bits_ != platform::INVALID_FILE_ATTRIBUTES; }
     bool directory() const { return has(platform::FILE_ATTRIBUTE_DIRECTORY); }
     bool link() const { return has(platform::FILE_ATTRIBUTE_REPARSE_POINT); }
     /// What is neither file nor folder: opening it may have effects, and reading it may wait.
     bool device() const { return has(platform::FILE_ATTRIBUTE_DEVICE); }
-    bool has(uint32 bit) const { return exists() && (bits_ & bit) != 0; }
-    uint32 value() const { return bits_; }
 
 private:
+    bool has(uint32 bit) const { return exists() && (bits_ & bit) != 0; }
+
     uint32 bits_;
 };
 

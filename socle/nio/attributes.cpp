@@ -33,7 +33,7 @@ char const * chars(apple_double::finder_info const & info) { return reinterpret_
 /// Whether anything is at `name`. Throws for what may be there, but out of reach, and for a pipe or a device: reading
 /// it might not come to an end.
 bool info_exists(wide_string const & name) {
-    uint32 const kind = GetFileAttributesW(name);
+    uint32 const kind = GetFileKindW(name);
     if (kind == INVALID_FILE_ATTRIBUTES) {
         if (nothing_is_there())
             return false;

@@ -1,12 +1,11 @@
 #include "socle/nio/directory.h"
 
-#include "socle/nio/file.h"
 #include "socle/nio/filesystem_exception.h"
 #include "socle/nio/new_paths_internal.h"
 #include "socle/nio/path.h"
 #include "socle/nio/timer.h"
 #include "socle/platform/directories.h"
-#include "socle/platform/files.h"
+#include "socle/platform/folder_walk.h"
 
 #include <charconv>
 #include <utility>
@@ -29,12 +28,53 @@ bool make_directory(wide_string & path) {
     return true;
 }
 
-/// Whether this is a link, or may be one as far as the system tells. It may lead to a directory even if that is not
-/// seen.
-bool may_be_link(wide_string const & path) {
-    uint32 const bits = platform::GetFileAttributesW(path);
-    return bits == platform::INVALID_FILE_ATTRIBUTES || (bits & platform::FILE_ATTRIBUTE_REPARSE_POINT) != 0;
-}
+/// Whether a search passes this name over.
+bool is_hidden(wide_string const & name) { return name == u"." || name == u".." || name.starts_with(u"._"); }
+
+/// Removes what a directory contains: each file behind its sidecar, each directory behind what it contains.
+class emptying : public platform::tree_visitor {
+public:
+    emptying(wide_string const & path, bool must_succeed) : path_(path), must_succeed_(must_succeed) {}
+
+    bool enter(platform::open_folder & folder, platform::WIN32_FIND_DATAW const & entry) override {
+        if (is_hidden(entry.cFileName))
+            return false;
+        if ((entry.dwFileAttributes & platform::FILE_ATTRIBUTE_DIRECTORY) == 0)
+            remove_file(folder, entry.cFileName);
+        else if ((entry.dwFileAttributes & platform::FILE_ATTRIBUTE_REPARSE_POINT) != 0)
+            check(platform::RemoveDirectoryW(folder, entry.cFileName), entry.cFileName);
+        else
+            return names_.push_back(entry.cFileName), true;
+        return false;
+    }
+
+    void leave(platform::open_folder & folder, wide_string const & name) override {
+        names_.pop_back();
+        check(platform::RemoveDirectoryW(folder, name), name);
+    }
+
+private:
+    /// A sidecar is a file like any other, and may have one itself.
+    void remove_file(platform::open_folder & folder, wide_string const & name) {
+        wide_string const sidecar = u"._" + name;
+        if (platform::GetFileKindW(folder, sidecar) != platform::INVALID_FILE_ATTRIBUTES)
+            remove_file(folder, sidecar);
+        check(platform::DeleteFileW(folder, name), name);
+    }
+
+    void check(bool removed, wide_string const & name) {
+        if (removed || !must_succeed_)
+            return;
+        for (wide_string const & above : names_)
+            append(path_, above, u'\\');
+        append(path_, name, u'\\');
+        throw filesystem_exception("cannot delete", path_);
+    }
+
+    wide_string path_;
+    std::vector<wide_string> names_; // of the directories below it that were entered
+    bool must_succeed_;
+};
 
 } // namespace
 
@@ -75,13 +115,11 @@ void directory::unlink(bool must_succeed) {
 }
 
 void directory::unlink_children(bool must_succeed) {
-    if (may_be_link(path()))
+    platform::open_folder folder;
+    if (!folder.open(path()))
         return;
-    for (iterator it = begin(), last; it != last; ++it)
-        if (nio::is_directory(*it))
-            directory(*it).unlink_with_children(must_succeed);
-        else
-            file(*it, 0).unlink(must_succeed);
+    emptying visitor(path(), must_succeed);
+    walk_tree(folder, visitor);
 }
 
 void directory::unlink_with_children(bool must_succeed) {
@@ -142,6 +180,14 @@ directory::iterator directory::iterator::operator++(int) {
     return *this;
 }
 
+bool directory::iterator::is_directory() const {
+    return (search_->data.dwFileAttributes & platform::FILE_ATTRIBUTE_DIRECTORY) != 0;
+}
+
+bool directory::iterator::is_link() const {
+    return (search_->data.dwFileAttributes & platform::FILE_ATTRIBUTE_REPARSE_POINT) != 0;
+}
+
 bool directory::iterator::operator==(iterator const & other) const { return search_->handle == other.search_->handle; }
 
 void directory::iterator::_first(wide_string const & path) {
@@ -165,10 +211,7 @@ void directory::iterator::_succ() {
         _close();
 }
 
-bool directory::iterator::_trivial() const {
-    wide_string const & name = search_->data.cFileName;
-    return name == u"." || name == u".." || name.starts_with(u"._");
-}
+bool directory::iterator::_trivial() const { return is_hidden(search_->data.cFileName); }
 
 void directory::iterator::_close() { search_->close(); }
 

@@ -69,6 +69,13 @@ public:
     wide_string const * operator->() const { return &current_; }
     /// @}
 
+    /// @{
+    /// What the entry was when the directory was listed, which costs no further question: a directory or a link to one;
+    /// a link. Not for a walk that has ended.
+    bool is_directory() const;
+    bool is_link() const;
+    /// @}
+
     /// Goes to the next entry that shows.
     iterator & operator++();
     /// Goes to the next entry, and returns that one.

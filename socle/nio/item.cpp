@@ -21,13 +21,11 @@ wide_string decimal(uint32 number) {
 
 } // namespace
 
-bool exists(wide_string const & path) {
-    return platform::GetFileAttributesW(path) != platform::INVALID_FILE_ATTRIBUTES;
-}
+bool exists(wide_string const & path) { return platform::GetFileKindW(path) != platform::INVALID_FILE_ATTRIBUTES; }
 
 bool is_directory(wide_string const & path) {
-    uint32 const attributes = platform::GetFileAttributesW(path);
-    return attributes != platform::INVALID_FILE_ATTRIBUTES && (attributes & platform::FILE_ATTRIBUTE_DIRECTORY) != 0;
+    uint32 const kind = platform::GetFileKindW(path);
+    return kind != platform::INVALID_FILE_ATTRIBUTES && (kind & platform::FILE_ATTRIBUTE_DIRECTORY) != 0;
 }
 
 bool is_link(wide_string const & path) {

@@ -1,0 +1,62 @@
+#include "socle/platform/folder_walk.h"
+
+#include <deque>
+
+namespace platform {
+
+namespace {
+
+/// A folder of the walk, and how far its search has come.
+class level {
+public:
+    explicit level(open_folder & top) : folder_(&top) {}
+    level(open_folder & above, wide_string const & name) : folder_(&own_) { own_.open(above, name); }
+    level(level const &) = delete;
+    level & operator=(level const &) = delete;
+    ~level() { restart(); }
+
+    open_folder & folder() { return *folder_; }
+    WIN32_FIND_DATAW const & found() const { return found_; }
+
+    bool next() {
+        if (search_ != nullptr)
+            return FindNextFileW(search_, found_);
+        search_ = folder_->is_open() ? FindFirstFileW(*folder_, found_) : nullptr;
+        return search_ != nullptr;
+    }
+
+    void restart() {
+        if (search_ != nullptr)
+            FindClose(search_);
+        search_ = nullptr;
+    }
+
+private:
+    open_folder own_;
+    open_folder * folder_;
+    file_search * search_ = nullptr;
+    WIN32_FIND_DATAW found_;
+};
+
+} // namespace
+
+void walk_tree(open_folder & top, tree_visitor & visitor) {
+    std::deque<level> levels;
+    levels.emplace_back(top);
+    for (;;) {
+        level & here = levels.back();
+        if (here.next()) {
+            if (visitor.enter(here.folder(), here.found()))
+                levels.emplace_back(here.folder(), here.found().cFileName);
+        } else if (visitor.again()) {
+            here.restart();
+        } else if (levels.size() == 1) {
+            return;
+        } else {
+            levels.pop_back();
+            visitor.leave(levels.back().folder(), levels.back().found().cFileName);
+        }
+    }
+}
+
+} // namespace platform
