@@ -10,13 +10,8 @@ namespace {
 
 /// Where a path to a folder leads, which need not be told from the folder above.
 system_code host_path_of(std::u16string_view path, narrow_string & host) {
-    path_text names;
-    if (system_code const code = read_path(path, host_working_directory, names))
-        return code;
-    if (names.is_share())
-        return ERROR_BAD_NETPATH;
     host_text text;
-    if (system_code const code = to_host_text(names, text))
+    if (system_code const code = to_host_text(path, text))
         return code;
     if (text.has_stream)
         return ERROR_DIRECTORY;

@@ -46,6 +46,7 @@ system_code open_folder(narrow_string const & folder, resolved_path const * neig
 /// Where the host's path leads.
 system_code place(host_text const & text, resolved_path const * neighbour, resolved_path & resolved) {
     resolved.on = text.on;
+    resolved.is_folder = text.is_folder;
     resolved.safe = text.safe;
     bool const attached = any_attached();
     if (text.leaf.empty()) {
@@ -89,6 +90,7 @@ system_code to_host_text(path_text const & path, host_text & text) {
     if (text.on == nullptr)
         return ERROR_PATH_NOT_FOUND;
     text.folder = text.on->folder;
+    text.is_folder = path.folder;
     narrow_string host;
     auto const convert = [&](std::u16string_view name) {
         return name.find_first_of(u"\\:") == std::u16string_view::npos && to_host_name(name, host);
@@ -103,7 +105,7 @@ system_code to_host_text(path_text const & path, host_text & text) {
     std::u16string_view const last = path.names.back();
     std::size_t const colon = last.find(u':');
     text.has_stream = colon != std::u16string_view::npos;
-    text.stream = text.has_stream ? last.substr(colon + 1) : last.substr(last.size());
+    text.stream = text.has_stream ? last.substr(colon + 1) : std::u16string_view();
     std::u16string_view const leaf = last.substr(0, colon);
     // A volume's own folder may have streams as well.
     if (leaf.empty() ? path.names.size() > 1 || !text.has_stream : !convert(leaf))
@@ -127,17 +129,18 @@ bool host_working_directory(path_text & text) {
     return true;
 }
 
-system_code resolve(std::u16string_view path, resolved_path & resolved, resolved_path const * neighbour) {
+system_code to_host_text(std::u16string_view path, host_text & text) {
     path_text names;
     if (system_code const code = read_path(path, host_working_directory, names))
         return code;
-    if (names.is_share())
-        return ERROR_BAD_NETPATH;
+    return names.is_share() ? ERROR_BAD_NETPATH : to_host_text(names, text);
+}
+
+system_code resolve(std::u16string_view path, resolved_path & resolved, resolved_path const * neighbour) {
     host_text text;
-    if (system_code const code = to_host_text(names, text))
+    if (system_code const code = to_host_text(path, text))
         return code;
     resolved = resolved_path();
-    resolved.is_folder = names.folder;
     if (system_code const code = place(text, neighbour, resolved))
         return code;
     if (text.has_stream) {

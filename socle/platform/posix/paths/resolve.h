@@ -38,12 +38,14 @@ struct host_text {
     volume const * on = nullptr;
     narrow_string folder;
     narrow_string leaf;
+    bool is_folder = false; // see resolved_path
     bool has_stream = false;
-    std::u16string_view stream; // in the text that was converted
+    wide_string stream;
     bool safe = true;
 };
 
 system_code to_host_text(path_text const & path, host_text & text);
+system_code to_host_text(std::u16string_view path, host_text & text);
 
 /// Whether the native volumes let a file have this name.
 bool is_safe_name(std::u16string_view name);
