@@ -154,6 +154,46 @@ TEST(platform_folders, are_not_left_for_what_takes_their_place) {
     EXPECT_FALSE(here.exists("outside/made") || here.exists("outside/out"));
 }
 
+// However the path of a link is spelled, it is the link that is asked, moved and removed.
+TEST(platform_folders, links_to_them_are_not_gone_through) {
+    ntfs_folder const here;
+    for (bool const attached : {true, false}) {
+        if (!attached && here.attached())
+            detach_volume('N');
+        for (wide_string const end : {u"", u"\\", u"//", u"\\.", u"/.\\", u"\\x\\..\\"}) {
+            SCOPED_TRACE(narrow_string(end.begin(), end.end()));
+            auto const make_link = [&] { fs::create_directory_symlink("target", here.host("link")); };
+            fs::create_directory(here.host("target"));
+            here.write("target/file", "kept");
+            wide_string const link = here.path("link") + end;
+            make_link();
+            uint32 const kind = FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_REPARSE_POINT;
+            WIN32_FILE_ATTRIBUTE_DATA data{};
+            EXPECT_EQ(GetFileKindW(link), kind);
+            EXPECT_EQ(GetFileAttributesW(link), kind);
+            EXPECT_TRUE(GetFileAttributesExW(link, data));
+            EXPECT_EQ(data.dwFileAttributes, kind);
+            EXPECT_EQ(code(open_folder().open(link)), ERROR_DIRECTORY);
+            EXPECT_EQ(code(MoveFileW(link, here.path("moved"))), 0u);
+            EXPECT_EQ(code(MoveFileW(here.path("moved"), here.path("link"))), 0u);
+            EXPECT_EQ(code(DeleteFileW(link)), 0u);
+            EXPECT_FALSE(here.exists("link"));
+            make_link();
+            EXPECT_EQ(code(RemoveDirectoryW(link)), 0u);
+            EXPECT_FALSE(here.exists("link"));
+            EXPECT_EQ(here.read("target/file"), "kept");
+        }
+    }
+    // What is no folder has no path that ends in a separator.
+    fs::create_symlink("target/file", here.host("to_file"));
+    for (char const * file : {"target/file/", "to_file/"}) {
+        EXPECT_EQ(code(DeleteFileW(here.path(file))), ERROR_PATH_NOT_FOUND);
+        EXPECT_EQ(code(GetFileKindW(here.path(file)) != INVALID_FILE_ATTRIBUTES), ERROR_PATH_NOT_FOUND);
+        EXPECT_EQ(code(MoveFileW(here.path(file), here.path("moved"))), ERROR_PATH_NOT_FOUND);
+        EXPECT_EQ(code(SetFileAttributesW(here.path(file), 0)), ERROR_PATH_NOT_FOUND);
+    }
+}
+
 /// No more than `count` descriptors while this lives.
 class few_descriptors {
 public:
@@ -190,7 +230,7 @@ TEST(platform_folders, are_deeper_than_descriptors_and_paths_go) {
     scratch const here;
     open_folder top;
     ASSERT_TRUE(top.open(here.path("")));
-    for (rlim_t const descriptors : {64, 12}) {
+    for (rlim_t const descriptors : {rlim_t{64}, rlim_t{12}}) {
         few_descriptors const limit(descriptors);
         make_chain(here, wide_string(100, u'd'), 200);
         EXPECT_EQ(remove_all(top), 201);

@@ -24,7 +24,7 @@ system_code host_path_of(std::u16string_view path, narrow_string & host) {
 uint32 entry_kind(int folder, dirent64 const & entry) {
     host::at const at(folder, entry.d_name);
     struct stat status {};
-    mode_t mode = DTTOIF(entry.d_type);
+    auto mode = static_cast<mode_t>(DTTOIF(entry.d_type));
     if (entry.d_type == DT_UNKNOWN && host::lstat(at, &status) == 0)
         mode = status.st_mode;
     if (!S_ISLNK(mode))
