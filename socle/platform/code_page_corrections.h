@@ -2,10 +2,10 @@
 
 #include "socle/platform/code_page_tables.h"
 
-/// What the pages of the native system hold, where the tables of hosts differ.
+/// What the code pages of Win32 hold, where the tables of hosts differ.
 namespace platform {
 
-/// Makes the units of a page, as the host has them, those of the native one.
+/// Replaces the units of a page, as the host has them, by those of Win32.
 void correct(uint32 number, code_page & page);
 
 /// Whether a pair is not written for its unit if there is another one.
