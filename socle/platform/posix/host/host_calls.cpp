@@ -272,10 +272,6 @@ int setxattr(at const & file, char const * name, void const * value, std::size_t
     return fails("setxattr") ? -1 : ::setxattr(linked(file, false).name(), name, value, size, 0);
 }
 
-int removexattr(at const & file, char const * name) {
-    return fails("removexattr") ? -1 : ::removexattr(linked(file, false).name(), name);
-}
-
 ssize_t listxattr(at const & file, char * names, std::size_t size) {
     if (fails("listxattr"))
         return -1;

@@ -89,7 +89,6 @@ ssize_t getdents(int folder, void * buffer, std::size_t size);
 ssize_t getxattr(at const & file, char const * name, void * value, std::size_t size);
 ssize_t lgetxattr(at const & file, char const * name, void * value, std::size_t size);
 int setxattr(at const & file, char const * name, void const * value, std::size_t size);
-int removexattr(at const & file, char const * name);
 ssize_t listxattr(at const & file, char * names, std::size_t size);
 
 int getentropy(void * buffer, std::size_t size);
