@@ -6,6 +6,7 @@ set(socle_package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/socle")
 install(
     TARGETS socle
     EXPORT socle
+    RUNTIME COMPONENT runtime
     LIBRARY COMPONENT runtime NAMELINK_COMPONENT development
     ARCHIVE COMPONENT development
     FILE_SET HEADERS
@@ -40,5 +41,9 @@ install(
 )
 
 if(PROJECT_IS_TOP_LEVEL)
-    include(cmake/SoclePackages.cmake)
+    if(WIN32)
+        include(cmake/SocleZip.cmake)
+    else()
+        include(cmake/SoclePackages.cmake)
+    endif()
 endif()

@@ -613,7 +613,7 @@ private:
         check(fs::file_size(folder_ / "elsewhere" / "kept") == 4);
     }
 
-    scratch files_{(fs::temp_directory_path() / "socle_fuzz_XXXXXX").string()};
+    scratch files_{fs::temp_directory_path()};
     fs::path folder_ = files_.folder();
     wide_string root_ = files_.path("top");
     model model_;

@@ -18,6 +18,7 @@ phases=(
     'clients   programs built against an installed copy'
     'docs      the programs and tables of the documents, and the reference'
     'abi       the binary interface is the one that is written down'
+    'windows   for Windows by mingw-w64: the tests under Wine, a client and the zip archive'
     'packages  each way to have the library, its packages, and these in a clean system'
 )
 
@@ -196,6 +197,15 @@ phase_docs() {
 phase_abi() {
     once build dev
     scripts/abi.sh
+}
+
+phase_windows() {
+    need cmake=cmake ninja-build=ninja g++-mingw-w64-x86-64-posix=x86_64-w64-mingw32-g++-posix wine64=/usr/lib/wine/wine64 \
+        googletest=/usr/src/googletest zip=zip unzip=unzip
+    cmake --preset windows
+    cmake --build --preset windows
+    run_tests ctest --preset windows
+    tests/packages/windows.sh "$scratch/windows"
 }
 
 phase_packages() {

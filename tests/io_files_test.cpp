@@ -6,7 +6,6 @@
 #include "tests/support/raised.h"
 #include "tests/support/scratch.h"
 
-#include <fcntl.h>
 #include <gtest/gtest.h>
 
 namespace {
@@ -136,7 +135,7 @@ TEST_P(disk, create_mends_a_name_that_cannot_be_made) {
 
 TEST_P(disk, a_closed_fork_answers_without_opening) {
     files.write("f", "four");
-    ASSERT_EQ(mkfifo(files.host("pipe").c_str(), 0600), 0);
+    bool const pipes = support::make_fifo(files.host("pipe"));
     std::filesystem::create_directory(files.host("folder"));
     struct {
         char const * name;
@@ -150,6 +149,8 @@ TEST_P(disk, a_closed_fork_answers_without_opening) {
     };
     for (auto const & [name, size, error] : cases) {
         SCOPED_TRACE(name);
+        if (std::string("pipe") == name && !pipes)
+            continue;
         io::file f = file(name);
         auto & fork = f.data_fork();
         EXPECT_EQ(fork.size(), size);
@@ -262,29 +263,22 @@ TEST_P(disk, fork_streams_seek_instead_of_reading) {
 TEST(forks, take_the_standard_streams) {
     scratch const files;
     files.write("typed", "typed");
-    int const before = dup(STDIN_FILENO);
-    auto const redirect = [&] {
-        int const file = open(files.host("typed").c_str(), O_RDONLY);
-        dup2(file, STDIN_FILENO);
-        close(file);
-    };
+    support::standard_input input;
     char bytes[6] = {};
     io::file file;
-    redirect();
+    input.comes_from(files.host("typed"));
     file.data_fork().open_stdin();
     EXPECT_FALSE(file.data_fork().console());
     EXPECT_EQ(file.data_fork().read(bytes, 5), 5u);
     EXPECT_STREQ(bytes, "typed");
     file.data_fork().close(true);
-    redirect();
+    input.comes_from(files.host("typed"));
     nio::file wide(u"", 0);
     wide.open_stdin();
     EXPECT_EQ(wide.read(bytes, 2), 2u);
     wide.close();
-    close(STDIN_FILENO);
+    input.close();
     EXPECT_EQ(raised_with_code([&] { file.data_fork().open_stdin(); }).substr(0, 27), "io::fork: cannot open stdin");
-    dup2(before, STDIN_FILENO);
-    close(before);
 }
 
 } // namespace

@@ -7,18 +7,13 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-
 namespace {
 
 namespace fs = std::filesystem;
 
 class nio_item : public testing::Test {
 protected:
-    void SetUp() override { ASSERT_TRUE(ntfs_.attached()) << "no extended attributes in the folder for tests"; }
-
     scratch folder_;
-    ntfs_folder ntfs_;
     wide_string path_ = folder_.path("");
 };
 
@@ -36,11 +31,14 @@ TEST_F(nio_item, fork_names_by_text) {
 }
 
 TEST_F(nio_item, fork_names_by_volume) {
+    ntfs_folder const ntfs;
+    if (!ntfs.attached())
+        GTEST_SKIP() << ntfs_folder::limit;
     wide_string const flat = path_ + u"a";
     EXPECT_FALSE(nio::is_ntfs(flat));
     EXPECT_TRUE(nio::is_ntfs(u"N:\\a"));
     EXPECT_TRUE(nio::is_ntfs(u"n:/missing/a"));
-    EXPECT_TRUE(nio::is_ntfs(ntfs_.path("x/../a")));
+    EXPECT_TRUE(nio::is_ntfs(ntfs.path("x/../a")));
     EXPECT_FALSE(nio::is_ntfs(u"Q:\\a"));
     EXPECT_FALSE(nio::is_ntfs(u"\\\\host\\share\\a"));
     EXPECT_FALSE(nio::is_ntfs(u""));
@@ -48,7 +46,7 @@ TEST_F(nio_item, fork_names_by_volume) {
         wide_string path;
         bool must_exist, allow_ntfs, in_stream;
     };
-    ntfs_.write("plain", "");
+    ntfs.write("plain", "");
     for (row const & r : {
              row{u"N:\\plain", false, true, true},
              row{u"N:\\plain", true, true, false},
@@ -67,14 +65,17 @@ TEST_F(nio_item, fork_names_by_volume) {
 TEST_F(nio_item, exists_whatever_it_is) {
     folder_.write("file", "");
     fs::create_directory(folder_.host("dir"));
-    fs::create_symlink("dir", folder_.host("to_dir"));
-    fs::create_symlink("nowhere", folder_.host("dangling"));
+    bool const links = support::limit_of_links().empty();
+    if (links) {
+        support::make_link("dir", folder_.host("to_dir"));
+        support::make_link("nowhere", folder_.host("dangling"));
+    }
     struct row {
         char16_t const * name;
         bool exists, directory;
     };
     for (row const & r : {row{u"file", true, false}, row{u"dir", true, true}, row{u"dir\\", true, true},
-                          row{u"to_dir", true, true}, row{u"dangling", true, false}, row{u"missing", false, false},
+                          row{u"to_dir", links, links}, row{u"dangling", links, false}, row{u"missing", false, false},
                           row{u"file\\x", false, false}, row{u"a?", false, false}}) {
         nio::item const item(path_ + r.name);
         EXPECT_EQ(item.exists(), r.exists);
@@ -85,7 +86,7 @@ TEST_F(nio_item, exists_whatever_it_is) {
 }
 
 TEST_F(nio_item, make_absolute) {
-    EXPECT_EQ(nio::make_absolute(u"\\a/b\\.\\c\\..\\d"), u"C:\\a\\b\\d");
+    EXPECT_TRUE(nio::make_absolute(u"\\a/b\\.\\c\\..\\d").ends_with(u":\\a\\b\\d"));
     EXPECT_EQ(nio::make_absolute(u"N:a"), u"N:\\a");
     EXPECT_EQ(nio::make_absolute(u""), u"");
     io::item item(any::path(u"N:a\\..\\b", true));
@@ -105,7 +106,7 @@ TEST_F(nio_item, make_unique) {
             nio::make_unique(path_ + u"a.b.txt", tries);
             ADD_FAILURE();
         } catch (nio::filesystem_exception const & e) {
-            EXPECT_TRUE(e.message().starts_with("cannot resolve a name conflict (C:\\var\\tmp\\socle_test_"));
+            EXPECT_TRUE(e.message().starts_with("cannot resolve a name conflict ("));
         }
     }
 }
@@ -135,12 +136,12 @@ TEST_F(nio_item, links) {
 }
 
 TEST_F(nio_item, temp_directory) {
-    ::setenv("TEMP", "/tmp/\xc3\xa9", 1);
-    ::setenv("TMP", "/other", 1);
+    support::set_variable("TEMP", "/tmp/\xc3\xa9");
+    support::set_variable("TMP", "/other");
     EXPECT_EQ(nio::temp_directory(), u"/tmp/\xe9");
-    ::unsetenv("TEMP");
+    support::set_variable("TEMP", nullptr);
     EXPECT_EQ(nio::temp_directory(), u"/other");
-    ::unsetenv("TMP");
+    support::set_variable("TMP", nullptr);
     EXPECT_EQ(nio::temp_directory(), u".");
 }
 
@@ -171,7 +172,7 @@ TEST_F(nio_item, moves_that_fail_lose_nothing) {
         nio::move(path_ + u"a", to, true);
         ADD_FAILURE();
     } catch (nio::filesystem_exception const & e) {
-        EXPECT_TRUE(e.message().starts_with("cannot move (C:\\")) << e.message();
+        EXPECT_TRUE(e.message().starts_with("cannot move (")) << e.message();
         EXPECT_NE(e.message().find("\\a) 183 "), narrow_string::npos) << e.message();
         EXPECT_EQ(e.error(), 183u);
     }

@@ -138,7 +138,7 @@ TEST(shell_link, files) {
     folder.write("empty.lnk", "");
     folder.write("huge.lnk", sample("local_ascii.lnk"));
     std::filesystem::resize_file(folder.host("huge.lnk"), 1 << 30);
-    ASSERT_EQ(mkfifo(folder.host("pipe.lnk").c_str(), 0600), 0);
+    support::make_fifo(folder.host("pipe.lnk"));
     for (char const * name : {"folder.lnk", "empty.lnk", "huge.lnk", "pipe.lnk", "missing.lnk"}) {
         wide_string target = u"as it was";
         EXPECT_FALSE(platform::ResolveShellLink(folder.path(name), target)) << name;
@@ -154,14 +154,14 @@ TEST(shell_link, files) {
 }
 
 TEST(environment, text) {
-    setenv("SOCLE_TEST", "C:\\\xc3\xa9 \xe2\x82\xac \xd0\xb6", 1);
+    support::set_variable("SOCLE_TEST", "C:\\\xc3\xa9 \xe2\x82\xac \xd0\xb6");
     wide_string wide;
     narrow_string narrow;
     EXPECT_TRUE(platform::_wgetenv("SOCLE_TEST", wide));
     EXPECT_EQ(wide, u"C:\\\xe9 \u20ac \u0436");
     EXPECT_TRUE(platform::getenv("SOCLE_TEST", narrow));
     EXPECT_EQ(narrow, "C:\\\xe9 \x80 ?");
-    unsetenv("SOCLE_TEST");
+    support::set_variable("SOCLE_TEST", nullptr);
     EXPECT_FALSE(platform::getenv("SOCLE_TEST", narrow));
     EXPECT_EQ(narrow, "C:\\\xe9 \x80 ?");
 }

@@ -4,12 +4,13 @@
 
 #include <socle/command/exception.h>
 #include <socle/command/line.h>
+#include <socle/platform/host.h>
 
 #include <algorithm>
 #include <iostream>
 
 command_line::command_line(int argc, char const * const * argv, description const & about)
-    : arguments_(argv, argv + argc), about_(about) {}
+    : arguments_(platform::arguments(argc, argv)), about_(about) {}
 
 void command_line::add(command::element * element, narrow_string const & value_name) {
     declared_.push_back({element, value_name});

@@ -2,7 +2,7 @@
 
 #include <socle/basic/types.h>
 
-/// What the programs ask of the host beside the library. The folder `posix` has it for one kind of host.
+/// What the programs ask of the host beside the library. The folders `posix` and `win32` have it for each kind of host.
 namespace host {
 
 /// What a name stands for. Links are not followed, and nothing is opened.

@@ -6,6 +6,7 @@
 #include "xml_report.h"
 
 #include "common/command_line.h"
+#include "common/document.h"
 #include "common/host.h"
 #include "common/host_text.h"
 #include "common/mac_roman.h"
@@ -73,7 +74,9 @@ bool show_as_xml(std::vector<narrow_string> const & paths) {
         report.add(path, file.head());
         file.read_to_the_end();
     });
-    std::cout << report.document();
+    document out;
+    out.write(report.document());
+    out.finish();
     return good;
 }
 

@@ -14,6 +14,12 @@ option<T>::option(command::line & line, narrow_string const & names, T const & v
 }
 
 template <class T>
+option<T>::option(option const &) = default;
+
+template <class T>
+option<T> & option<T>::operator=(option const &) = default;
+
+template <class T>
 option<T>::~option() = default;
 
 template <class T>
@@ -27,6 +33,11 @@ void option<T>::parse(narrow_string const & text) {
     else
         value_ = static_cast<T>(un::read(text, 10));
     found(true);
+}
+
+template <class T>
+T & option<T>::operator()() noexcept {
+    return value_;
 }
 
 template class option<bool>;

@@ -17,20 +17,21 @@ public:
     /// Registers this object with `line`, which it must outlive. `value` is the default.
     option(command::line & line, narrow_string const & names, T const & value, narrow_string const & description);
     /// A copy is registered nowhere.
-    option(option const &) = default;
-    option & operator=(option const &) = default;
+    option(option const &);
+    option & operator=(option const &);
     ~option() override;
 
     /// Sets the value from the text behind the "=", as told above.
     void parse(narrow_string const & text) override;
 
     /// The value.
-    T & operator()() noexcept { return value_; }
+    T & operator()() noexcept;
 
 private:
     T value_;
 };
 
+// No member is inline: the library's instances are all there are, and not every system exports what is inline.
 extern template class option<bool>;
 extern template class option<char>;
 extern template class option<int>;

@@ -53,7 +53,7 @@ public:
     int count() const noexcept { return count_; }
 
 private:
-    friend int64 read_p2(bit_input & in);
+    friend SOCLE_API int64 read_p2(bit_input & in);
 
     static constexpr int max_peek = 24;
 

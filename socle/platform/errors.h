@@ -1,6 +1,7 @@
 #pragma once
 
 #include "socle/basic/types.h"
+#include "socle/platform/host.h"
 
 namespace platform {
 
@@ -11,13 +12,16 @@ constexpr uint32 ERROR_ACCESS_DENIED = 5;
 constexpr uint32 ERROR_INVALID_HANDLE = 6;
 constexpr uint32 ERROR_NOT_ENOUGH_MEMORY = 8;
 constexpr uint32 ERROR_INVALID_DATA = 13;
+constexpr uint32 ERROR_INVALID_DRIVE = 15;
 constexpr uint32 ERROR_NOT_SAME_DEVICE = 17;
 constexpr uint32 ERROR_NO_MORE_FILES = 18;
 constexpr uint32 ERROR_WRITE_PROTECT = 19;
+constexpr uint32 ERROR_NOT_READY = 21;
 constexpr uint32 ERROR_SEEK = 25;
 constexpr uint32 ERROR_SHARING_VIOLATION = 32;
 constexpr uint32 ERROR_NOT_SUPPORTED = 50;
 constexpr uint32 ERROR_BAD_NETPATH = 53;
+constexpr uint32 ERROR_BAD_NET_NAME = 67;
 constexpr uint32 ERROR_FILE_EXISTS = 80;
 constexpr uint32 ERROR_INVALID_PARAMETER = 87;
 constexpr uint32 ERROR_BROKEN_PIPE = 109;
@@ -26,6 +30,7 @@ constexpr uint32 ERROR_INSUFFICIENT_BUFFER = 122;
 constexpr uint32 ERROR_INVALID_NAME = 123;
 constexpr uint32 ERROR_NEGATIVE_SEEK = 131;
 constexpr uint32 ERROR_DIR_NOT_EMPTY = 145;
+constexpr uint32 ERROR_BAD_PATHNAME = 161;
 constexpr uint32 ERROR_ALREADY_EXISTS = 183;
 constexpr uint32 ERROR_FILENAME_EXCED_RANGE = 206;
 constexpr uint32 ERROR_NO_DATA = 232;
@@ -35,12 +40,6 @@ constexpr uint32 ERROR_IO_DEVICE = 1117;
 /// The code of the last call that failed on this thread. Calls that succeed leave it alone.
 uint32 GetLastError();
 void SetLastError(uint32 code);
-/// Whether that code says that nothing has such a name, and not that the host could not look.
-inline bool nothing_is_there() {
-    uint32 const code = GetLastError();
-    return code == ERROR_FILE_NOT_FOUND || code == ERROR_PATH_NOT_FOUND || code == ERROR_BAD_NETPATH
-           || code == ERROR_INVALID_NAME || code == ERROR_FILENAME_EXCED_RANGE;
-}
 
 /// The system's text for a code, ending ".\r\n" and a zero byte, which is not counted in the result. 0 if there is no
 /// text for the code, or the buffer is too small.

@@ -24,7 +24,16 @@ SOCLE_API wide_string from_host(narrow_string const & path);
 /// no such path: an unknown drive, a share, a named stream, a NUL, a lone surrogate.
 SOCLE_API narrow_string to_host(wide_string const & path);
 
+/// The arguments of `main`, its program's name first, in the host's form, which `from_host` takes.
+SOCLE_API std::vector<narrow_string> arguments(int argc, char const * const * argv);
+
+/// Whether a path names a link of the file system, wherever that leads.
+SOCLE_API bool is_link(wide_string const & path);
+
 /// The system code of the last call that failed on this thread; 18 after a walk that ended at the end.
 SOCLE_API uint32 last_error();
+
+/// Whether a code says that nothing has such a name, and not that the system could not look.
+SOCLE_API bool nothing_is_there(uint32 code = last_error());
 
 } // namespace platform

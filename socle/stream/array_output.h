@@ -21,7 +21,7 @@ public:
     using output::write;
 
     /// Stores the byte.
-    SOCLE_API void write(char byte) override {
+    SOCLE_INLINE_API void write(char byte) override {
         if (memory_.open())
             memory_.bytes[memory_.next++] = byte;
         else

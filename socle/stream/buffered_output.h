@@ -28,7 +28,7 @@ public:
     /// Holds the bytes. A block of at least the size of the buffer goes past it, in one write.
     void write(char const * data, uint32 count) override;
     void write(narrow_string const & text) override;
-    SOCLE_API void write(char byte) override {
+    SOCLE_INLINE_API void write(char byte) override {
         if (memory_.open())
             memory_.bytes[memory_.next++] = byte;
         else

@@ -65,10 +65,10 @@ public:
 
     /// @{
     /// Reads an integer, the high byte first.
-    SOCLE_API uint16 read16() override { return next<big_endian_input, uint16>(true); }
+    SOCLE_INLINE_API uint16 read16() override { return next<big_endian_input, uint16>(true); }
     uint32 read24() override;
-    SOCLE_API uint32 read32() override { return next<big_endian_input, uint32>(true); }
-    SOCLE_API uint64 read64() override { return next<big_endian_input, uint64>(true); }
+    SOCLE_INLINE_API uint32 read32() override { return next<big_endian_input, uint32>(true); }
+    SOCLE_INLINE_API uint64 read64() override { return next<big_endian_input, uint64>(true); }
     /// @}
 
 private:
@@ -88,10 +88,10 @@ public:
 
     /// @{
     /// Reads an integer, the low byte first.
-    SOCLE_API uint16 read16() override { return next<little_endian_input, uint16>(false); }
+    SOCLE_INLINE_API uint16 read16() override { return next<little_endian_input, uint16>(false); }
     uint32 read24() override;
-    SOCLE_API uint32 read32() override { return next<little_endian_input, uint32>(false); }
-    SOCLE_API uint64 read64() override { return next<little_endian_input, uint64>(false); }
+    SOCLE_INLINE_API uint32 read32() override { return next<little_endian_input, uint32>(false); }
+    SOCLE_INLINE_API uint64 read64() override { return next<little_endian_input, uint64>(false); }
     /// @}
 
 private:

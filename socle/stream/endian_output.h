@@ -58,10 +58,10 @@ public:
 
     /// @{
     /// Writes an integer, the high byte first.
-    SOCLE_API void write16(uint16 value) override { put(value, true); }
+    SOCLE_INLINE_API void write16(uint16 value) override { put(value, true); }
     void write24(uint32 value) override;
-    SOCLE_API void write32(uint32 value) override { put(value, true); }
-    SOCLE_API void write64(uint64 value) override { put(value, true); }
+    SOCLE_INLINE_API void write32(uint32 value) override { put(value, true); }
+    SOCLE_INLINE_API void write64(uint64 value) override { put(value, true); }
     /// @}
 
 private:
@@ -81,10 +81,10 @@ public:
 
     /// @{
     /// Writes an integer, the low byte first.
-    SOCLE_API void write16(uint16 value) override { put(value, false); }
+    SOCLE_INLINE_API void write16(uint16 value) override { put(value, false); }
     void write24(uint32 value) override;
-    SOCLE_API void write32(uint32 value) override { put(value, false); }
-    SOCLE_API void write64(uint64 value) override { put(value, false); }
+    SOCLE_INLINE_API void write32(uint32 value) override { put(value, false); }
+    SOCLE_INLINE_API void write64(uint64 value) override { put(value, false); }
     /// @}
 
 private:

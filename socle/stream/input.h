@@ -30,7 +30,7 @@ public:
     bool seek(uint64 where) override;
 
     /// The next byte, 0 to 255, or -1 at the end, also when asked again.
-    SOCLE_API virtual int read() {
+    SOCLE_INLINE_API virtual int read() {
         if (memory_.open())
             return static_cast<unsigned char>(memory_.bytes[memory_.next++]);
         return read_on();

@@ -8,10 +8,10 @@ host_header=$(dirname "$0")/../../socle/platform/host.h
 
 families='basic|qpthr|un|nio|stream|any|io|command'
 if [ -e "$host_header" ]; then
-    host=$(sed -n 's/^SOCLE_API .*\b\([a-z_][a-z_]*\)(.*/\1/p' "$host_header" | sort -u | paste -sd'|')
+    host=$(sed -n 's/^SOCLE_API [^(]*\b\([a-z_][a-z_]*\)(.*/\1/p' "$host_header" | sort -u | paste -sd'|')
 fi
 about='(vtable for |VTT for |typeinfo for |typeinfo name for |construction vtable for |(non-)?virtual thunk to )'
-ours="^$about?(($families)::|platform::(${host:-none})\()"
+ours="^$about?(($families)::|platform::(${host:-none})(\[abi:cxx11\])?\()"
 # What the compiler makes of the standard library's templates. It is told by the mangled names, as demanglers differ on
 # result types. A sanitizer marks each of our constants with a symbol of its own.
 standard='_Z(TV|TT|TI|TS|GV)?Z?N?K?(S[tabsiod]|9__gnu_cxx)|__odr_asan\.'

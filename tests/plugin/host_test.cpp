@@ -1,9 +1,8 @@
 #include "socle/socle.h"
 #include "tests/plugin/plugin.h"
+#include "tests/support/system.h"
 
 #include <gtest/gtest.h>
-
-#include <dlfcn.h>
 
 #include <exception>
 #include <memory>
@@ -58,17 +57,11 @@ constexpr row rows[] = {
     {"nio::filesystem_exception", expect_caught<nio::filesystem_exception>},
 };
 
-struct closing {
-    void operator()(void * library) const { dlclose(library); }
-};
-
-using library = std::unique_ptr<void, closing>;
-
-library open(int flags) { return library(dlopen(SOCLE_TEST_PLUGIN, flags)); }
+using library = std::unique_ptr<support::library>;
 
 template <class Entry>
 Entry * entry(library const & plugin, char const * name) {
-    return reinterpret_cast<Entry *>(dlsym(plugin.get(), name));
+    return reinterpret_cast<Entry *>(plugin->find(name));
 }
 
 std::exception_ptr caught(plugin_throw_entry * plugin_throw, char const * class_name) {
@@ -83,9 +76,9 @@ std::exception_ptr caught(plugin_throw_entry * plugin_throw, char const * class_
 TEST(plugin, throws_every_class_to_its_host_and_goes) {
     int unloads = 0;
     for (int load = 1; load <= 100 && !HasFailure(); ++load) {
-        ASSERT_EQ(open(RTLD_NOW | RTLD_NOLOAD), nullptr) << "still loaded from before";
-        library plugin = open(RTLD_NOW | RTLD_LOCAL);
-        ASSERT_NE(plugin, nullptr) << dlerror();
+        ASSERT_FALSE(support::library::is_loaded(SOCLE_TEST_PLUGIN)) << "still loaded from before";
+        auto plugin = std::make_unique<support::library>(SOCLE_TEST_PLUGIN);
+        ASSERT_TRUE(support::library::is_loaded(SOCLE_TEST_PLUGIN));
         auto * const plugin_start = entry<plugin_start_entry>(plugin, "plugin_start");
         auto * const plugin_throw = entry<plugin_throw_entry>(plugin, "plugin_throw");
         ASSERT_TRUE(plugin_start && plugin_throw);
@@ -99,7 +92,7 @@ TEST(plugin, throws_every_class_to_its_host_and_goes) {
             expect(kept.back());
         }
         plugin.reset();
-        EXPECT_EQ(open(RTLD_NOW | RTLD_NOLOAD), nullptr) << "the plug-in is pinned";
+        EXPECT_FALSE(support::library::is_loaded(SOCLE_TEST_PLUGIN)) << "the plug-in is pinned";
         EXPECT_EQ(unloads, load);
 
         // The exceptions belong to the library, so they outlive the plug-in that threw them.

@@ -46,9 +46,9 @@ constexpr row rows[] = {
 
 } // namespace
 
-extern "C" SOCLE_API void plugin_start(int * unloads) { counter.unloads = unloads; }
+extern "C" void plugin_start(int * unloads) { counter.unloads = unloads; }
 
-extern "C" SOCLE_API void plugin_throw(char const * class_name) {
+extern "C" void plugin_throw(char const * class_name) {
     for (auto const & [name, throw_it] : rows)
         if (name == class_name)
             throw_it();

@@ -2,10 +2,12 @@
 
 #include "tests/support/scratch.h"
 
+#include <sys/stat.h>
+
 /// A folder on another file system of the host than the one for tests.
 class elsewhere : public scratch {
 public:
-    elsewhere() : scratch("/dev/shm/socle_test_XXXXXX") {}
+    elsewhere() : scratch("/dev/shm") {}
 
     bool differs_from(scratch const & other) const {
         struct stat here {

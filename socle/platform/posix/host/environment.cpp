@@ -1,6 +1,7 @@
 #include "socle/platform/environment.h"
 
 #include "socle/platform/ansi_text.h"
+#include "socle/platform/host.h"
 #include "socle/platform/host_names.h"
 
 #include <cstdlib>
@@ -21,6 +22,8 @@ bool getenv(char const * name, narrow_string & value) {
     value = to_ansi(text);
     return true;
 }
+
+std::vector<narrow_string> arguments(int argc, char const * const * argv) { return {argv, argv + argc}; }
 
 uint32 GetVersionExA() { return VER_PLATFORM_WIN32_NT; }
 

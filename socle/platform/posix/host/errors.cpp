@@ -8,13 +8,13 @@ namespace platform {
 
 namespace {
 
-thread_local uint32 last_error = 0;
+thread_local uint32 code_of_last_failure = 0;
 
 } // namespace
 
-uint32 GetLastError() { return last_error; }
+uint32 GetLastError() { return code_of_last_failure; }
 
-void SetLastError(uint32 code) { last_error = code; }
+void SetLastError(uint32 code) { code_of_last_failure = code; }
 
 uint32 FormatMessageA(uint32 code, char * buffer, uint32 size) {
     std::string_view const text = error_message(code);

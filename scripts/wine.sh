@@ -1,0 +1,30 @@
+#!/usr/bin/env bash
+# wine.sh <folder> <program> [<argument>...]: runs a program for Windows under Wine, whose own files are kept in <folder>.
+# It runs in a fresh folder, which goes afterwards, and as an ordinary user: Wine refuses nothing to root.
+set -euo pipefail
+
+folder=$1
+shift
+if [ "$(id -u)" = 0 ]; then
+    install -d -o 65534 -g 65534 "$folder"
+    exec setpriv --reuid=65534 --regid=65534 --clear-groups "${BASH_SOURCE[0]}" "$folder" "$@"
+fi
+wine=/usr/lib/wine/wine64
+export HOME=$folder WINEPREFIX=$folder/prefix WINEDEBUG=${WINEDEBUG:--all} WINEDLLOVERRIDES='mscoree,mshtml='
+export LC_ALL=${LC_ALL:-C.UTF-8} # the encoding of the host's names
+unset DISPLAY WAYLAND_DISPLAY XDG_RUNTIME_DIR
+mkdir -p "$folder"
+
+# Whoever comes first makes what Wine keeps. The lock is not for its server, which stays a while.
+exec {lock}>"$folder/lock"
+flock "$lock"
+if [ ! -e "$folder/ready" ]; then
+    "$wine" wineboot --init >"$folder/wineboot.txt" 2>&1 {lock}>&-
+    touch "$folder/ready"
+fi
+exec {lock}>&-
+
+run=$(mktemp -d "$folder/run.XXXXXX")
+trap 'chmod -R u+w "$run" && rm -rf "$run"' EXIT
+cd "$run"
+"$wine" "$@"

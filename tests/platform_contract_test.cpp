@@ -1,0 +1,304 @@
+#include "socle/platform/directories.h"
+#include "socle/platform/errors.h"
+#include "socle/platform/file_times.h"
+#include "socle/platform/files.h"
+#include "socle/platform/host.h"
+#include "socle/platform/paths.h"
+#include "tests/support/scratch.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+
+/// What the layer answers on every system.
+namespace {
+
+using namespace platform;
+namespace fs = std::filesystem;
+
+constexpr uint32 read_write = GENERIC_READ | GENERIC_WRITE;
+constexpr uint32 share_all = FILE_SHARE_READ | FILE_SHARE_WRITE;
+
+class platform_contract : public testing::Test {
+protected:
+    ~platform_contract() override { detach_volume('N'); }
+
+    int open(std::string const & name) const {
+        return CreateFileW(scratch_.path(name), GENERIC_READ, share_all, OPEN_EXISTING, 0);
+    }
+    int open_rw(std::string const & name) const {
+        return CreateFileW(scratch_.path(name), read_write, FILE_SHARE_READ, OPEN_EXISTING, 0);
+    }
+    int create(std::string const & name, uint32 disposition = CREATE_ALWAYS) const {
+        return CreateFileW(scratch_.path(name), read_write, FILE_SHARE_READ, disposition, 0);
+    }
+    int open_times(std::string const & name, uint32 access) const {
+        return CreateFileW(scratch_.path(name), access, share_all, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS);
+    }
+
+    /// The system code of an opening, whose handle is closed at once.
+    static uint32 code_of(int file) {
+        return file == INVALID_HANDLE_VALUE ? GetLastError() : CloseHandle(file) ? 0 : 1;
+    }
+    static uint32 code(bool done) { return done ? 0 : GetLastError(); }
+
+    scratch scratch_;
+};
+
+TEST_F(platform_contract, files_open_or_say_why_not) {
+    scratch_.write("file", "bytes");
+    scratch_.write("locked", "bytes");
+    ASSERT_TRUE(support::make_read_only(scratch_.host("locked")));
+    fs::create_directory(scratch_.host("folder"));
+    struct {
+        char const * name;
+        uint32 open, open_rw, create_new, create_always, times, backup;
+    } const cases[] = {
+        {"file", 0, 0, 80, 0, 0, 0}, {"locked", 0, 5, 80, 5, 0, 0},   {"folder", 5, 5, 80, 5, 0, 0},
+        {"none", 2, 2, 0, 0, 2, 2},  {"none/file", 3, 3, 3, 3, 3, 3},
+    };
+    for (auto const & c : cases) {
+        SCOPED_TRACE(c.name);
+        EXPECT_EQ(code_of(open(c.name)), c.open);
+        EXPECT_EQ(code_of(open_rw(c.name)), c.open_rw);
+        EXPECT_EQ(code_of(open_times(c.name, 0)), c.times);
+        EXPECT_EQ(code_of(CreateFileW(scratch_.path(c.name), GENERIC_READ, FILE_SHARE_READ, OPEN_EXISTING,
+                                      FILE_FLAG_BACKUP_SEMANTICS)),
+                  c.backup);
+        EXPECT_EQ(code_of(create(c.name, CREATE_NEW)), c.create_new);
+        EXPECT_EQ(code_of(create(c.name)), c.create_always);
+    }
+    EXPECT_EQ(scratch_.read("locked") + scratch_.read("file"), "bytes");
+    EXPECT_EQ(code_of(create("a?b")), 123u);
+    EXPECT_EQ(code_of(CreateFileW(scratch_.path("a") + wide_string(u"\0x", 2), GENERIC_READ, 3, OPEN_EXISTING, 0)),
+              123u);
+    EXPECT_EQ(code_of(CreateFileW(u"", GENERIC_READ, 3, OPEN_EXISTING, 0)), 3u);
+    EXPECT_NE(code_of(CreateFileW(u"Q:\\x", GENERIC_READ, 3, OPEN_EXISTING, 0)), 0u);
+    EXPECT_TRUE(nothing_is_there());
+}
+
+TEST_F(platform_contract, writers_exclude_each_other_and_never_a_reader) {
+    scratch_.write("file", "precious");
+    int const held = open_rw("file");
+    ASSERT_NE(held, INVALID_HANDLE_VALUE);
+    EXPECT_EQ(code_of(open_rw("file")), 32u);
+    EXPECT_EQ(code_of(create("file")), 32u);
+    EXPECT_EQ(code_of(open("file")), 0u);
+    EXPECT_TRUE(CloseHandle(held));
+    EXPECT_EQ(scratch_.read("file"), "precious");
+    EXPECT_EQ(code_of(open_rw("file")), 0u);
+}
+
+TEST_F(platform_contract, read_write_and_resize) {
+    int const file = create("file");
+    ASSERT_GE(file, 0);
+    uint32 done = 0;
+    uint64 position = 0;
+    uint64 size = 0;
+    EXPECT_TRUE(WriteFile(file, "0123456789", 10, done));
+    EXPECT_EQ(done, 10u);
+    EXPECT_TRUE(SetFilePointer(file, 4, FILE_BEGIN, position) && SetEndOfFile(file) && GetFileSize(file, size));
+    EXPECT_EQ(size, 4u);
+    EXPECT_TRUE(SetFilePointer(file, int64{5} << 32, FILE_BEGIN, position) && SetEndOfFile(file));
+    EXPECT_TRUE(GetFileSize(file, size) && SetFilePointer(file, 0, FILE_CURRENT, position));
+    EXPECT_EQ(size, uint64{5} << 32);
+    EXPECT_EQ(position, uint64{5} << 32);
+    EXPECT_FALSE(SetFilePointer(file, -1, FILE_BEGIN, position));
+    EXPECT_EQ(GetLastError(), 131u);
+    EXPECT_TRUE(SetFilePointer(file, (int64{5} << 32) - 3, FILE_BEGIN, position));
+    char bytes[8] = "xxxxxxx";
+    EXPECT_TRUE(ReadFile(file, bytes, 8, done));
+    EXPECT_EQ(std::string(bytes, 8), std::string("\0\0\0xxxx\0", 8));
+    EXPECT_EQ(done, 3u);
+    EXPECT_TRUE(ReadFile(file, bytes, 8, done) && FlushFileBuffers(file));
+    EXPECT_EQ(done, 0u);
+    EXPECT_EQ(GetFileType(file), FILE_TYPE_DISK);
+    EXPECT_TRUE(CloseHandle(file));
+}
+
+TEST_F(platform_contract, refuse_what_the_handle_is_not_for) {
+    scratch_.write("file", "bytes");
+    int const reader = open("file");
+    int const writer = CreateFileW(scratch_.path("file"), GENERIC_WRITE, FILE_SHARE_READ, OPEN_EXISTING, 0);
+    int const times = CreateFileW(scratch_.path("file"), 0, share_all, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS);
+    char byte = 'x';
+    uint32 done = 7;
+    uint64 value = 0;
+    struct {
+        char const * what;
+        bool result;
+        uint32 code;
+    } const cases[] = {
+        {"write", WriteFile(reader, &byte, 1, done), GetLastError()},
+        {"resize", SetEndOfFile(reader), GetLastError()},
+        {"flush", FlushFileBuffers(reader), GetLastError()},
+        {"read", ReadFile(writer, &byte, 1, done), GetLastError()},
+        {"read times", ReadFile(times, &byte, 1, done), GetLastError()},
+        {"resize times", SetEndOfFile(times), GetLastError()},
+    };
+    bool const tells_why = support::limit_of_resizing().empty();
+    for (auto const & c : cases) {
+        EXPECT_FALSE(c.result) << c.what;
+        if (tells_why || !std::string(c.what).starts_with("resize"))
+            EXPECT_EQ(c.code, 5u) << c.what;
+    }
+    for (int const file : {reader, writer, times})
+        EXPECT_TRUE(CloseHandle(file));
+    for (int const file : {INVALID_HANDLE_VALUE, 100000}) {
+        for (auto const & use : std::vector<std::function<bool()>>{
+                 [&] { return WriteFile(file, &byte, 1, done); }, [&] { return ReadFile(file, &byte, 1, done); },
+                 [&] { return SetFilePointer(file, 0, FILE_CURRENT, value); }, [&] { return SetEndOfFile(file); },
+                 [&] { return FlushFileBuffers(file); }, [&] { return GetFileSize(file, value); },
+                 [&] { return GetFileTime(file, value, value); }, [&] { return SetFileTime(file, &value, nullptr); },
+                 [&] { return SetFileTime(file, nullptr, &value); }, [&] { return GetFileType(file) != 0; },
+                 [&] { return CloseHandle(file); }}) {
+            SetLastError(0);
+            EXPECT_FALSE(use());
+            EXPECT_EQ(GetLastError(), 6u);
+        }
+    }
+}
+
+TEST_F(platform_contract, pipes_have_no_positions_and_end_in_codes) {
+    int ends[2];
+    ASSERT_TRUE(support::make_pipe(ends));
+    EXPECT_EQ(GetFileType(ends[0]), FILE_TYPE_PIPE);
+    char bytes[4];
+    uint32 done = 0;
+    uint64 value = 0;
+    EXPECT_TRUE(WriteFile(ends[1], "ab", 2, done));
+    EXPECT_TRUE(FlushFileBuffers(ends[1])); // does not wait for the reader
+    EXPECT_TRUE(ReadFile(ends[0], bytes, 4, done));
+    EXPECT_EQ(done, 2u);
+    EXPECT_EQ(code(SetFilePointer(ends[0], 0, FILE_CURRENT, value)), 25u);
+    EXPECT_EQ(code(GetFileSize(ends[0], value)), 50u);
+    EXPECT_TRUE(CloseHandle(ends[1]));
+    EXPECT_EQ(code(ReadFile(ends[0], bytes, 4, done)), 109u);
+    EXPECT_EQ(done, 0u);
+    EXPECT_TRUE(CloseHandle(ends[0]));
+    ASSERT_TRUE(support::make_pipe(ends));
+    EXPECT_TRUE(CloseHandle(ends[0]));
+    EXPECT_EQ(code(WriteFile(ends[1], "ab", 2, done)), 232u);
+    EXPECT_TRUE(CloseHandle(ends[1]));
+}
+
+TEST_F(platform_contract, the_last_error_outlives_what_the_runtime_does) {
+    EXPECT_EQ(code_of(open("none")), 2u);
+    try {
+        throw 1;
+    } catch (int) {
+    }
+    EXPECT_EQ(GetLastError(), 2u);
+    EXPECT_EQ(code_of(create("new")), 0u);
+    EXPECT_EQ(GetLastError(), 2u);
+}
+
+TEST_F(platform_contract, attributes_and_times_are_set_and_asked) {
+    scratch_.write("file", "x");
+    fs::create_directory(scratch_.host("folder"));
+    EXPECT_EQ(GetFileAttributesW(scratch_.path("file")), FILE_ATTRIBUTE_ARCHIVE);
+    EXPECT_EQ(GetFileAttributesW(scratch_.path("folder")), FILE_ATTRIBUTE_DIRECTORY);
+    uint64 const modified = 130000000007654321 / 10'000'000 * 10'000'000;
+    for (char const * name : {"file", "folder"}) {
+        int const handle = open_times(name, GENERIC_WRITE);
+        ASSERT_NE(handle, INVALID_HANDLE_VALUE) << name;
+        EXPECT_TRUE(SetFileTime(handle, nullptr, &modified)) << name;
+        EXPECT_TRUE(CloseHandle(handle));
+        WIN32_FILE_ATTRIBUTE_DATA data{};
+        EXPECT_TRUE(GetFileAttributesExW(scratch_.path(name), data)) << name;
+        EXPECT_EQ(data.ftLastWriteTime, modified) << name;
+    }
+    for (uint32 const bits : {0x22u, 0x24u, 0x21u}) {
+        EXPECT_TRUE(SetFileAttributesW(scratch_.path("file"), bits));
+        EXPECT_EQ(GetFileAttributesW(scratch_.path("file")), bits);
+    }
+    EXPECT_EQ(code(DeleteFileW(scratch_.path("file"))), 5u);
+    EXPECT_TRUE(SetFileAttributesW(scratch_.path("file"), 0x20));
+    EXPECT_EQ(code(DeleteFileW(scratch_.path("file"))), 0u);
+    for (auto const & [name, error] : {std::pair("none", 2u), std::pair("none/x", 3u)}) {
+        EXPECT_EQ(GetFileAttributesW(scratch_.path(name)), INVALID_FILE_ATTRIBUTES);
+        EXPECT_EQ(GetLastError(), error);
+        EXPECT_EQ(code(SetFileAttributesW(scratch_.path(name), 1)), error);
+        EXPECT_TRUE(nothing_is_there());
+    }
+}
+
+TEST_F(platform_contract, times_of_what_cannot_be_written_are_set) {
+    if (auto const limit = support::limit_of_times(); !limit.empty())
+        GTEST_SKIP() << limit;
+    scratch_.write("locked", "x");
+    ASSERT_TRUE(support::make_read_only(scratch_.host("locked")));
+    int const handle = open_times("locked", GENERIC_WRITE);
+    uint64 const modified = 130000000000000000;
+    EXPECT_TRUE(SetFileTime(handle, nullptr, &modified));
+    EXPECT_TRUE(CloseHandle(handle));
+    WIN32_FILE_ATTRIBUTE_DATA data{};
+    EXPECT_TRUE(GetFileAttributesExW(scratch_.path("locked"), data));
+    EXPECT_EQ(data.ftLastWriteTime, modified);
+}
+
+TEST_F(platform_contract, searches_deliver_all_in_the_order_of_capitals) {
+    for (char const * name : {"b", "A", "_", "B1", "!", "C"})
+        scratch_.write(name, "");
+    std::vector<wide_string> names;
+    WIN32_FIND_DATAW data;
+    file_search * const search = FindFirstFileW(scratch_.path("*"), data);
+    ASSERT_NE(search, nullptr);
+    do
+        names.push_back(data.cFileName);
+    while (FindNextFileW(search, data));
+    EXPECT_EQ(GetLastError(), 18u);
+    FindClose(search);
+    EXPECT_EQ(names, (std::vector<wide_string>{u".", u"..", u"!", u"A", u"b", u"B1", u"C", u"_"}));
+    for (auto const & [pattern, error] : {std::pair("none", 2u), std::pair("none/*", 3u), std::pair("none/none", 3u)}) {
+        EXPECT_EQ(FindFirstFileW(scratch_.path(pattern), data), nullptr);
+        EXPECT_EQ(GetLastError(), error) << pattern;
+    }
+}
+
+TEST_F(platform_contract, folders_are_made_moved_and_removed) {
+    scratch_.write("file", "");
+    fs::create_directory(scratch_.host("full"));
+    scratch_.write("full/x", "");
+    struct {
+        char const * name;
+        uint32 create, remove;
+    } const table[] = {{"new", 0, 0}, {"file", 183, 267}, {"full", 183, 145}, {"none/new", 3, 3}, {"trailing/", 0, 0}};
+    for (auto const & c : table) {
+        EXPECT_EQ(code(CreateDirectoryW(scratch_.path(c.name))), c.create) << c.name;
+        EXPECT_EQ(code(RemoveDirectoryW(scratch_.path(c.name))), c.remove) << c.name;
+    }
+    EXPECT_EQ(code(DeleteFileW(scratch_.path("full"))), 5u);
+    EXPECT_EQ(code(MoveFileW(scratch_.path("file"), scratch_.path("full"))), 183u);
+    EXPECT_EQ(code(MoveFileW(scratch_.path("none"), scratch_.path("other"))), 2u);
+    EXPECT_EQ(code(MoveFileW(scratch_.path("file"), scratch_.path("none/file"))), 3u);
+    EXPECT_EQ(code(MoveFileW(scratch_.path("full"), scratch_.path("moved"))), 0u);
+    EXPECT_TRUE(scratch_.exists("moved/x") && !scratch_.exists("full"));
+}
+
+TEST_F(platform_contract, volumes_are_folders_with_a_letter) {
+    fs::create_directory(scratch_.host("volume"));
+    scratch_.write("volume/file", "bytes");
+    EXPECT_EQ(attach_volume('C', scratch_.folder(), "FAT"), 183u);
+    EXPECT_EQ(attach_volume('1', scratch_.folder(), "FAT"), 87u);
+    EXPECT_EQ(attach_volume('N', scratch_.host("none"), "FAT"), 3u);
+    ASSERT_EQ(attach_volume('n', scratch_.host("volume"), "FAT"), 0u);
+    EXPECT_EQ(attach_volume('N', scratch_.folder(), "FAT"), 183u);
+    wide_string text;
+    EXPECT_TRUE(GetVolumeInformationW(u"N:\\", text));
+    EXPECT_EQ(text, u"FAT");
+    EXPECT_TRUE(GetFullPathNameW(scratch_.path("volume/a/../file"), text));
+    EXPECT_EQ(text, u"N:\\file");
+    EXPECT_TRUE(GetFullPathNameW(scratch_.path("volumes"), text));
+    EXPECT_EQ(text, scratch_.path("volumes"));
+    EXPECT_EQ(to_host(u"N:\\file"), scratch_.host("volume/file"));
+    EXPECT_EQ(code_of(CreateFileW(u"n:/file", GENERIC_READ, share_all, OPEN_EXISTING, 0)), 0u);
+    EXPECT_EQ(code(MoveFileW(u"N:\\file", u"N:\\moved")), 0u);
+    EXPECT_EQ(scratch_.read("volume/moved"), "bytes");
+    EXPECT_EQ(detach_volume('N'), 0u);
+    EXPECT_EQ(detach_volume('N'), 3u);
+    EXPECT_NE(code_of(CreateFileW(u"N:\\moved", GENERIC_READ, share_all, OPEN_EXISTING, 0)), 0u);
+    EXPECT_TRUE(nothing_is_there());
+}
+
+} // namespace

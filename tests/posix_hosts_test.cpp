@@ -1,0 +1,71 @@
+#include "socle/io/attributes.h"
+#include "socle/io/directory.h"
+#include "socle/io/exception.h"
+#include "socle/platform/code_pages.h"
+#include "socle/platform/host.h"
+#include "socle/platform/posix/host/host_calls.h"
+#include "tests/support/scratch.h"
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <string_view>
+#include <unistd.h>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+any::path path_in(scratch const & folder, std::string const & name) { return {folder.path(name), true}; }
+
+TEST(io_directory, what_is_listed_but_cannot_be_reached_ends_the_emptying) {
+    scratch const folder;
+    // Its entries are listed, but an ordinary user reaches none of them.
+    fs::create_directories(folder.host("tree/locked"));
+    folder.write("tree/locked/listed", "");
+    folder.write("tree/other", "");
+    fs::permissions(folder.host("tree/locked"), fs::perms::owner_read | fs::perms::owner_write);
+    io::directory tree(path_in(folder, "tree"));
+    tree.unlink_with_children(false);
+    EXPECT_FALSE(folder.exists("tree/other"));
+    EXPECT_EQ(folder.exists("tree/locked"), geteuid() != 0);
+    if (geteuid() != 0) {
+        EXPECT_THROW(tree.unlink_with_children(true), io::exception);
+        fs::permissions(folder.host("tree/locked"), fs::perms::owner_all);
+    }
+}
+
+TEST(code_pages, are_those_that_are_listed) {
+    for (uint32 const page : {0u, 1u, 37u, 54936u}) {
+        char16_t unit = u'a';
+        char byte = 'a';
+        EXPECT_EQ(platform::MultiByteToWideChar(page, "a", 1, &unit, 1), 0u);
+        EXPECT_EQ(platform::WideCharToMultiByte(page, u"a", 1, &byte, 1, nullptr, nullptr), 0u);
+        EXPECT_EQ(platform::last_error(), 87u);
+    }
+}
+
+TEST(io_attributes, keep_what_a_host_without_extended_attributes_can) {
+    scratch const folder;
+    folder.write("from", "x");
+    folder.write("to", "y");
+    platform::posix::host::fault = [](char const * call) {
+        return std::string_view(call).find("xattr") != std::string_view::npos ? ENOTSUP : 0;
+    };
+    io::attributes set, got;
+    set.load(path_in(folder, "from"), 0);
+    set.modified = any::time(126227808000000000, nio::time::format_file_time);
+    set.created = set.modified.value();
+    io::win32::attributes bits;
+    bits.flags = 0x23; // read-only, hidden and archive
+    set.win32 = bits;
+    set.apply(path_in(folder, "to"), 0);
+    got.load(path_in(folder, "to"), 0);
+    platform::posix::host::fault = nullptr;
+    EXPECT_EQ(got.modified.value().file_time(), set.modified.value().file_time());
+    EXPECT_TRUE(got.read_only.value());
+    EXPECT_EQ(got.win32.value().flags, 0x21u); // what is hidden cannot be kept
+    EXPECT_FALSE(io::item(path_in(folder, "to")).directory());
+}
+
+} // namespace
