@@ -263,7 +263,8 @@ bool carrier::link(file_record const & from, target_pointer const & folder, wide
     if (place.second)
         return false;
     flush(); // brings the first name into place
-    auto & [first_folder, first_leaf] = place.first->second;
+    auto const first_folder = place.first->second.first;
+    auto const first_leaf = place.first->second.second;
     auto const first = first_folder->look(platform::to_host(first_leaf));
     auto const there = folder->look(platform::to_host(leaf));
     if (first.kind != host::kind::file && !how_.dry) {

@@ -5,10 +5,13 @@
 #include "examples/macbinary/packing.h"
 #include "socle/io/attributes.h"
 #include "socle/nio/attributes.h"
+#include "socle/nio/exception.h"
 #include "socle/nio/file.h"
 #include "socle/platform/errors.h"
 #include "socle/platform/posix/host/host_calls.h"
 #include "socle/stream/infinite_output.h"
+
+#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -134,6 +137,45 @@ scenario const catalog_table[] = {
      [](place const & where, report &) { return carry(where, "n", "m", in_form(fork_form::stream, false)); },
      scenario::named_streams, true},
 };
+
+/// Where the folder is swapped for a link, and the call before which that happens.
+struct swap {
+    std::string folder, outside;
+    int calls_left;
+} swapped;
+
+int swap_folder(char const *) {
+    if (--swapped.calls_left == 0) {
+        uncounted const work;
+        std::error_code ignored; // it may not be there yet
+        fs::rename(swapped.folder, swapped.folder + ".away", ignored);
+        if (!ignored)
+            fs::create_directory_symlink(swapped.outside, swapped.folder);
+    }
+    return 0;
+}
+
+TEST(catalog, a_folder_that_is_swapped_for_a_link_leads_nowhere_else) {
+    for (char const * const folder : {"to", "to/sub", "to/.catalog.part"}) {
+        bool through = false;
+        for (int n = 1; !through; n += 7) {
+            place const where;
+            prepare_forks(where);
+            where.here.write("from/sub/file", "data");
+            fs::create_directory(where.here.host("outside"));
+            swapped = {where.here.host(folder), where.here.host("outside"), n};
+            platform::posix::host::fault = swap_folder;
+            try {
+                carry(where, "from", "to", in_form(fork_form::sidecar, true));
+            } catch (nio::exception const &) {
+                // Another run may seem to be at work there.
+            }
+            platform::posix::host::fault = nullptr;
+            through = swapped.calls_left > 0;
+            ASSERT_TRUE(fs::is_empty(where.here.host("outside"))) << folder << ", " << n;
+        }
+    }
+}
 
 } // namespace
 
