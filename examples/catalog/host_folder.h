@@ -2,6 +2,7 @@
 
 #include "common/host.h"
 
+#include <functional>
 #include <optional>
 #include <vector>
 
@@ -47,7 +48,9 @@ public:
     /// Removes an empty folder of this name.
     bool remove(narrow_string const & name) const;
 
-    /// All that is in it, sorted by name.
+    /// Calls `visit` for all that is in it, in the host's order.
+    void each(std::function<void(narrow_string const &, host::status const &)> const & visit) const;
+    /// The same as a list, sorted by name.
     std::vector<found> list() const;
     host::status status() const;
     host::status look(narrow_string const & name) const;

@@ -59,18 +59,13 @@ bool is_fork_name(wide_string const & leaf) {
 
 std::vector<entry> list_folder(host::folder const & folder, wide_string const & path) {
     std::vector<entry> entries;
-    {
-        auto const names = folder.list();
-        bool const unlisted = host::has_unlisted(folder);
-        entries.reserve(names.size());
-        for (auto const & [name, status] : names) {
-            entry added;
-            added.leaf = platform::from_host(name);
-            added.status = status;
-            added.more = (added.file() || added.folder()) && (unlisted || host::has_more(folder.path(name)));
-            entries.push_back(added);
-        }
-    }
+    bool const unlisted = host::has_unlisted(folder);
+    folder.each([&](narrow_string const & name, host::status const & status) {
+        auto & added = entries.emplace_back();
+        added.leaf = platform::from_host(name);
+        added.status = status;
+        added.more = (added.file() || added.folder()) && (unlisted || host::has_more(folder.path(name)));
+    });
     auto const before = [](entry const & a, entry const & b) { return a.leaf < b.leaf; };
     std::sort(entries.begin(), entries.end(), before);
 

@@ -69,12 +69,11 @@ std::vector<entry> tree::entries_of(wide_string const & path) {
     return entries;
 }
 
-/// The names of the entries in the target, in the order of the entries.
+/// The names of the entries in the target, in the order of the entries; none at all if each keeps its own.
 std::vector<wide_string> tree::names_for(wide_string const & path, std::vector<entry> const & entries) const {
-    std::vector<wide_string> result(entries.size());
-    std::transform(entries.begin(), entries.end(), result.begin(), [](entry const & e) { return e.leaf; });
     if (std::all_of(entries.begin(), entries.end(), needs_no_other_name))
-        return result;
+        return {};
+    std::vector<wide_string> result(entries.size());
     std::set<wide_string> present, reserved;
     for (auto const & e : entries) {
         present.insert(e.leaf);
@@ -106,19 +105,20 @@ std::vector<wide_string> tree::names_for(wide_string const & path, std::vector<e
 
 void tree::folder(wide_string const & path, target_pointer const & target) {
     auto const entries = entries_of(path);
-    auto const names = target ? names_for(path, entries) : std::vector<wide_string>(entries.size());
+    auto const names = target ? names_for(path, entries) : std::vector<wide_string>();
     for (std::size_t i = 0; i < entries.size(); ++i) {
         auto const & e = entries[i];
+        auto const & leaf = names.empty() ? e.leaf : names[i];
         auto const whole = nio::concatenate(path, e.leaf, u'\\');
         report_.bar().begin(report_.bar().visible() ? report_.name(whole) : narrow_string());
         if (!e.file() && !e.folder()) {
             other(whole, e.status.kind == host::kind::link);
             continue;
         }
-        if (target && names[i] != e.leaf)
+        if (leaf != e.leaf)
             report_.change_name();
         auto const record = look_at(path, e);
-        e.folder() ? inner_folder(record, names[i], target) : file(record, names[i], target);
+        e.folder() ? inner_folder(record, leaf, target) : file(record, leaf, target);
     }
 }
 

@@ -104,7 +104,7 @@ bool folder::remove(narrow_string const & name) const {
     return ::unlinkat(descriptor_, name.c_str(), AT_REMOVEDIR) == 0;
 }
 
-std::vector<found> folder::list() const {
+void folder::each(std::function<void(narrow_string const &, host::status const &)> const & visit) const {
     int const again = ::openat(descriptor_, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     DIR * const walk = again < 0 ? nullptr : ::fdopendir(again);
     if (walk == nullptr) {
@@ -115,7 +115,6 @@ std::vector<found> folder::list() const {
         DIR * walk;
         ~closing() { ::closedir(walk); }
     } const at_end{walk};
-    std::vector<found> result;
     errno = 0;
     for (; dirent const * const entry = ::readdir(walk); errno = 0) {
         narrow_string const name = entry->d_name;
@@ -123,12 +122,17 @@ std::vector<found> folder::list() const {
             continue;
         struct status known;
         if (look_at(descriptor_, entry->d_name, known))
-            result.push_back({name, known});
+            visit(name, known);
         else if (errno != ENOENT)
             fail("cannot be listed");
     }
     if (errno != 0)
         fail("cannot be listed");
+}
+
+std::vector<found> folder::list() const {
+    std::vector<found> result;
+    each([&](narrow_string const & name, host::status const & known) { result.push_back({name, known}); });
     std::sort(result.begin(), result.end(), [](found const & a, found const & b) { return a.name < b.name; });
     return result;
 }
