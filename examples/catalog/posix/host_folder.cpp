@@ -108,7 +108,9 @@ void folder::each(std::function<void(narrow_string const &, host::status const &
     int const again = ::openat(descriptor_, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     DIR * const walk = again < 0 ? nullptr : ::fdopendir(again);
     if (walk == nullptr) {
+        int const error = errno;
         ::close(again);
+        errno = error;
         fail("cannot be listed");
     }
     struct closing {
