@@ -12,6 +12,8 @@ template <int, int, int>
 class bit_input;
 
 SOCLE_API int64 read_p2(bit_input<1, 0, 1> & in);
+/// Its way to the bits that are held.
+class p2_code;
 
 /// Reads single bits from a source.
 ///
@@ -53,7 +55,7 @@ public:
     int count() const noexcept { return count_; }
 
 private:
-    friend SOCLE_API int64 read_p2(bit_input & in);
+    friend p2_code;
 
     static constexpr int max_peek = 24;
 

@@ -38,9 +38,16 @@ int length_of_weight(uint64 bits, uint64 running, int weight) {
 
 } // namespace
 
+class p2_code {
+public:
+    static int64 read(bit_input<1, 0, 1> & in);
+};
+
 int hamming_weight(int64 value) { return last_weight(running_weights(static_cast<uint64>(value))); }
 
-int64 read_p2(bit_input<1, 0, 1> & in) {
+int64 read_p2(bit_input<1, 0, 1> & in) { return p2_code::read(in); }
+
+int64 p2_code::read(bit_input<1, 0, 1> & in) {
     uint64 weight = 1;
     for (;;) {
         auto const [bits, length] = in.ahead();
