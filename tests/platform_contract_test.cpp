@@ -208,7 +208,7 @@ TEST_F(platform_contract, attributes_and_times_are_set_and_asked) {
         EXPECT_TRUE(GetFileAttributesExW(scratch_.path(name), data)) << name;
         EXPECT_EQ(data.ftLastWriteTime, modified) << name;
     }
-    for (uint32 const bits : {0x22u, 0x24u, 0x21u}) {
+    for (uint32 const bits : {0x22u, 0x24u, 0x20u, 0x21u}) {
         EXPECT_TRUE(SetFileAttributesW(scratch_.path("file"), bits));
         EXPECT_EQ(GetFileAttributesW(scratch_.path("file")), bits);
     }
