@@ -1,0 +1,151 @@
+// Trees that are removed and scanned while somebody else changes them.
+
+#include "socle/io/directory.h"
+#include "socle/nio/directory.h"
+#include "socle/platform/posix/host/host_calls.h"
+#include "tests/support/elsewhere.h"
+
+#include <gtest/gtest.h>
+
+#include <fcntl.h>
+#include <functional>
+#include <sys/resource.h>
+
+namespace {
+
+namespace fs = std::filesystem;
+namespace host = platform::posix::host;
+
+any::path as_path(wide_string const & text) { return any::path(any::string(text), true); }
+
+void empty_with_nio(wide_string const & path) { nio::directory(path).unlink_children(false); }
+void empty_with_io(wide_string const & path) { io::directory(as_path(path)).unlink_children(false); }
+void scan(wide_string const & path) {
+    io::item item(as_path(path));
+    io::item::summary sum;
+    item.scan(sum);
+    EXPECT_LE(sum.bytes, 7u) << "bytes of what lies outside";
+}
+
+struct operation {
+    char const * name;
+    void (*run)(wide_string const & path);
+} const operations[] = {{"nio", empty_with_nio}, {"io", empty_with_io}, {"scan", scan}};
+
+constexpr char const * inside[] = {"tree/a/one", "tree/a/b/two", "tree/a/b/._two", "tree/c/one", "tree/file"};
+constexpr char const * outside[] = {"outside/one", "outside/._one", "outside/b/two", "outside/file", "outside/a/one"};
+
+void make(scratch const & here) {
+    for (char const * name : {"tree", "outside", "aside"})
+        fs::remove_all(here.host(name));
+    for (char const * folder : {"tree/a/b", "tree/c", "outside/a", "outside/b", "aside"})
+        fs::create_directories(here.host(folder));
+    for (char const * file : inside)
+        here.write(file, "x");
+    for (char const * file : outside)
+        here.write(file, "kept bytes");
+    fs::create_directory_symlink("../outside", here.host("tree/link"));
+}
+
+/// What somebody puts in the place of `name`, which goes aside.
+struct swap {
+    char const * name;
+    enum { link, folder, file } put;
+} const swaps[] = {{"tree/a", swap::link},    {"tree/a/b", swap::link},    {"tree/c", swap::file},
+                   {"tree/file", swap::link}, {"tree/link", swap::folder}, {"tree", swap::link}};
+
+void carry_out(scratch const & here, swap const & s) {
+    std::error_code ignored;
+    fs::rename(here.host(s.name), here.host("aside/it"), ignored);
+    if (s.put == swap::link)
+        fs::create_directory_symlink(here.host("outside"), here.host(s.name), ignored);
+    else if (s.put == swap::folder)
+        fs::create_directory(here.host(s.name), ignored);
+    else
+        here.write(s.name, "y");
+}
+
+std::function<int(char const *)> at_call;
+
+/// Does something at each host call while this lives.
+class watched_calls {
+public:
+    explicit watched_calls(std::function<int(char const *)> then) {
+        at_call = std::move(then);
+        host::fault = [](char const * call) { return at_call(call); };
+    }
+    watched_calls(watched_calls const &) = delete;
+    watched_calls & operator=(watched_calls const &) = delete;
+    ~watched_calls() { host::fault = nullptr; }
+};
+
+TEST(held_trees, are_never_left_whatever_is_swapped_at_any_call) {
+    elsewhere const here;
+    for (operation const & each : operations)
+        for (swap const & s : swaps) {
+            bool swapped = true;
+            for (int n = 1; swapped; ++n) {
+                SCOPED_TRACE(std::string(each.name) + ", " + s.name + " at call " + std::to_string(n));
+                make(here);
+                int calls = 0;
+                {
+                    watched_calls const watch([&](char const *) {
+                        if (++calls == n)
+                            carry_out(here, s);
+                        return 0;
+                    });
+                    each.run(here.path("tree"));
+                }
+                swapped = calls >= n;
+                for (char const * file : outside)
+                    ASSERT_EQ(here.read(file), "kept bytes") << file;
+            }
+        }
+}
+
+// However its path is spelled.
+TEST(held_trees, are_no_links) {
+    elsewhere const here;
+    for (operation const & each : operations)
+        for (char16_t const * end : {u"", u"\\", u"/", u"\\.", u"\\.\\", u"/./", u"\\\\", u"\\a\\.."}) {
+            make(here);
+            fs::remove_all(here.host("tree"));
+            fs::create_directory_symlink("outside", here.host("tree"));
+            each.run(here.path("tree") + end);
+            for (char const * file : outside)
+                EXPECT_EQ(here.read(file), "kept bytes") << each.name;
+        }
+}
+
+/// Makes folders in each other, deeper than the host has paths for.
+void make_chain(scratch const & here, int depth) {
+    std::string const name(40, 'd');
+    int at = open(here.folder().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    for (int i = 0; i < depth; ++i) {
+        ASSERT_EQ(mkdirat(at, name.c_str(), 0777), 0);
+        int const below = openat(at, name.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+        close(at);
+        at = below;
+    }
+    close(at);
+}
+
+TEST(held_trees, are_deeper_than_descriptors_and_paths_go) {
+    constexpr int depth = 1200;
+    elsewhere const here;
+    rlimit before{};
+    getrlimit(RLIMIT_NOFILE, &before);
+    for (auto const & empty : {empty_with_nio, empty_with_io}) {
+        make_chain(here, depth);
+        rlimit const few{64, before.rlim_max};
+        setrlimit(RLIMIT_NOFILE, &few);
+        io::item::summary sum;
+        io::item(as_path(here.path(""))).scan(sum);
+        empty(here.path(""));
+        setrlimit(RLIMIT_NOFILE, &before);
+        EXPECT_EQ(sum.directories, depth + 1u);
+        EXPECT_TRUE(fs::is_empty(here.folder()));
+    }
+}
+
+} // namespace
