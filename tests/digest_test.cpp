@@ -6,7 +6,7 @@
 
 namespace {
 
-using crc_16 = algorithm::crc::crc<16, 0x1021, 0, 1, 0, 0>;
+using crc_16 = algorithm::crc::xmodem;
 
 byte_vector bytes(narrow_string const & text) { return {text.begin(), text.end()}; }
 

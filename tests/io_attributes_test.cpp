@@ -39,6 +39,16 @@ struct disk : testing::Test {
     scratch files;
 };
 
+TEST(optional, is_changed_in_place_and_stays_absent) {
+    io::optional<io::mac::file_attributes> set;
+    set->info.type = "TEXT";
+    EXPECT_FALSE(set);
+    set = set.value();
+    set.value().info.creator = "ttxt";
+    EXPECT_TRUE(set && set->info.type == "TEXT" && set->info.creator == "ttxt");
+    EXPECT_TRUE(io::optional<bool>(false));
+}
+
 TEST(attributes, dos_knows_five_of_the_bits) {
     struct {
         uint32 flags;

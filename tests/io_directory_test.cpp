@@ -1,11 +1,15 @@
 #include "socle/io/directory.h"
 #include "socle/io/exception.h"
 #include "socle/io/file.h"
+#include "socle/nio/directory.h"
 #include "socle/platform/host.h"
 #include "tests/support/raised.h"
 #include "tests/support/scratch.h"
 
 #include <gtest/gtest.h>
+
+#include <iterator>
+#include <ranges>
 
 namespace {
 
@@ -15,10 +19,12 @@ any::path path_in(scratch const & folder, std::string const & name) { return {fo
 
 std::string raised(auto && call) { return support::raised_as<io::exception>(call); }
 
-std::string shown(io::directory & folder) {
+static_assert(std::ranges::input_range<io::directory const> && std::ranges::input_range<nio::directory const>);
+
+std::string shown(io::directory const & folder) {
     std::string names;
-    for (auto entry = folder.begin(); entry != folder.end(); ++entry)
-        names += platform::to_host(entry->path().leaf()) + " ";
+    for (io::item const & entry : folder)
+        names += platform::to_host(entry.path().leaf()) + " ";
     return names;
 }
 
@@ -77,6 +83,12 @@ TEST_P(both_calls, a_copy_goes_on_from_the_start) {
     EXPECT_EQ(assigned->path().leaf(), u"b");
     assigned = entry;
     EXPECT_FALSE(assigned == entry); // a search of its own, from the start
+
+    // Moving goes on in the same search.
+    auto moved = std::ranges::next(directory.begin(), 1);
+    EXPECT_EQ(std::ranges::next(std::move(moved), 1)->path().leaf(), u"c");
+    nio::directory wide(folder.path(""));
+    EXPECT_TRUE(std::ranges::next(std::ranges::next(wide.begin(), 1), 1)->ends_with(u"c"));
 }
 
 TEST_P(both_calls, emptying_takes_all_but_what_lies_behind_links) {

@@ -1,12 +1,19 @@
+#include "socle/io/describe.h"
 #include "socle/io/exception.h"
 #include "socle/io/file.h"
 #include "socle/io/fork_input.h"
 #include "socle/io/fork_output.h"
+#include "socle/io/open_fork.h"
+#include "socle/nio/exception.h"
 #include "socle/nio/file.h"
+#include "socle/qpthr/exception.h"
+#include "socle/stream/exception.h"
 #include "tests/support/raised.h"
 #include "tests/support/scratch.h"
 
 #include <gtest/gtest.h>
+
+#include <stdexcept>
 
 namespace {
 
@@ -131,6 +138,63 @@ TEST_P(disk, create_mends_a_name_that_cannot_be_made) {
     any::path const before = lost.path();
     EXPECT_EQ(raised_with_code([&] { lost.create(false); }), "io::fork: cannot create: 3");
     EXPECT_EQ(lost.path().full_string(), before.full_string());
+}
+
+TEST_P(disk, a_guard_opens_a_fork_and_closes_it) {
+    io::file f = file("f");
+    auto & fork = f.data_fork();
+    {
+        io::open_fork const made(fork, io::fork::create_new);
+        made->write("four", 4);
+    }
+    EXPECT_FALSE(fork.descriptor().valid());
+    EXPECT_EQ(raised_with_code([&] { io::open_fork(fork, io::fork::create_new); }), "io::fork: cannot create: 80");
+    {
+        io::open_fork changed(fork, io::fork::open_read_write);
+        changed->resize(2);
+        changed.commit();
+        EXPECT_FALSE(fork.descriptor().valid());
+    }
+    EXPECT_EQ(io::open_fork(fork)->size(), 2u);
+    io::open_fork(fork, io::fork::create_always).commit();
+    EXPECT_EQ(files.read("f"), "");
+    io::open_fork unwritable(fork);
+    EXPECT_EQ(raised_with_code([&] { unwritable.commit(); }), "io::fork: cannot flush: 5");
+}
+
+TEST_P(disk, what_failed_is_described) {
+    auto const thrown = [](auto const & act) {
+        try {
+            act();
+        } catch (...) {
+            return std::current_exception();
+        }
+        return std::exception_ptr();
+    };
+    struct {
+        std::exception_ptr thrown;
+        std::string words, path, origin;
+        int code;
+    } const table[] = {
+        {thrown([&] { file("no (f) 2").data_fork().open(); }), "cannot open", "no (f) 2", "io::fork", 2},
+        {thrown([&] { nio::file(files.path("no (f) 2"), nio::file::mode_read); }), "cannot open file", "no (f) 2", "",
+         2},
+        {thrown([] { throw io::exception("words", "origin", 0); }), "words", "", "origin", 0},
+        {thrown([] { throw stream::exception("words", "origin"); }), "words", "", "origin", 0},
+        {thrown([] { throw qpthr::QpUserException(7, "words"); }), "words", "", "", 7},
+        {thrown([] { throw nio::exception("words"); }), "words", "", "", 0},
+        {thrown([] { throw std::runtime_error("words"); }), "words", "", "", 0},
+        {thrown([] { throw 1; }), "unknown exception", "", "", 0},
+        {nullptr, "", "", "", 0},
+    };
+    for (auto const & row : table) {
+        io::description const told = io::describe(row.thrown);
+        EXPECT_EQ(told.words, row.words);
+        EXPECT_TRUE(row.path.empty() ? told.path.empty() : told.path.ends_with("\\" + row.path)) << told.path;
+        EXPECT_EQ(told.origin, row.origin);
+        EXPECT_EQ(told.code, row.code);
+        EXPECT_TRUE(told.message.starts_with(told.words));
+    }
 }
 
 TEST_P(disk, a_closed_fork_answers_without_opening) {

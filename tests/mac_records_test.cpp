@@ -50,6 +50,13 @@ TEST(os_type, is_made_of_texts_and_numbers) {
     }
 }
 
+TEST(os_type, compares_with_texts_and_numbers_too) {
+    os_type const type("TEXT");
+    EXPECT_TRUE(type == "TEXT" && "TEXT" == type && type == "TEXTURE" && type == 0x54455854);
+    EXPECT_TRUE(type != "text" && type != os_type() && type != 0);
+    EXPECT_TRUE(type > "APPL" && os_type(0) < type);
+}
+
 TEST(os_type, a_short_stream_is_an_error_only_if_asked_for) {
     uint32 const lenient[] = {0xFFFFFFFF, 0x41FFFFFF, 0x4142FFFF, 0x414243FF};
     for (uint32 length = 0; length < 4; ++length) {

@@ -9,6 +9,9 @@
 
 #include <gtest/gtest.h>
 
+#include <span>
+#include <string_view>
+
 namespace {
 
 using support::bytes;
@@ -43,6 +46,35 @@ TEST(memory_input, starts_anywhere_and_ends_with_the_block) {
             EXPECT_EQ(in->tell(), std::max(c.start, 6u));
         }
     }
+}
+
+TEST(memory_input, reads_texts_and_blocks_of_any_kind) {
+    std::string const letters = "abc";
+    byte_vector const vector = bytes(letters);
+    stream::array_input from_text(letters), from_bytes(vector);
+    for (stream::array_input * in : {&from_text, &from_bytes}) {
+        char block[5] = {};
+        EXPECT_EQ(in->read(std::span(block)), 3u);
+        EXPECT_EQ(std::string(block), letters);
+        EXPECT_EQ(in->read(std::span(block)), 0u);
+    }
+    EXPECT_EQ(raised([&] { stream::array_input(std::string_view(letters.data(), too_much)); }),
+              "stream::array_input: cannot read more than the maximum array size");
+}
+
+TEST(vector_output, takes_bytes_texts_and_blocks) {
+    byte_vector vector;
+    stream::vector_output out(vector);
+    std::string const two = "\x02";
+    unsigned char const bytes[] = {4, 5};
+    out.write(0);
+    out.write("\x01");
+    out.write(two);
+    out.write(std::string_view("\x03"));
+    out.write(std::span(bytes));
+    out.write(std::span<unsigned char const>());
+    out.write(0x106);
+    EXPECT_EQ(vector, (byte_vector{0, 1, 2, 3, 4, 5, 6}));
 }
 
 TEST(memory_input, skips_no_more_than_thirty_two_bits) {

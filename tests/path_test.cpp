@@ -89,6 +89,15 @@ TEST(path, adds_and_drops) {
     EXPECT_TRUE(any::path::null.empty());
 }
 
+TEST(path, goes_to_the_host_and_back) {
+    for (char const * host : {"/", "/a", "/tmp/\xC3\xA9\xFF/x:y\\z", "a/b", ""})
+        EXPECT_EQ(any::path::from_host(host).to_host(), host);
+    EXPECT_EQ(any::path::from_host("/a/./b").full_string(), u"C:\\a\\b");
+    any::path const custom(u"C:,a,b", u",", false);
+    EXPECT_EQ(custom.to_host(), "/a/b");
+    EXPECT_EQ((custom / u"c" / any::path(u"d\\e", false)).full_string(), u"C:,a,b,c,d,e");
+}
+
 TEST(path, takes_its_own_elements) {
     any::path const start(u"a long name that is stored apart/another such long name.txt", true);
     elements const both = of(start);

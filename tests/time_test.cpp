@@ -155,6 +155,27 @@ TEST(time, sets_and_reads_within_its_widths) {
     EXPECT_TRUE(value.is_local());
 }
 
+TEST(time, goes_to_the_clock_of_the_standard_library_and_back) {
+    using namespace std::chrono;
+    struct {
+        sys_time<nanoseconds> point;
+        uint64 file_time;
+    } const table[] = {
+        {sys_days(2001y / January / 1), 126'227'808'000'000'000},
+        {sys_days(1970y / January / 1) + nanoseconds(199), 116'444'736'000'000'001},
+        {sys_days(1970y / January / 1) - nanoseconds(1), 116'444'735'999'999'999},
+    };
+    for (auto const & [point, file_time] : table) {
+        nio::time const time(point);
+        EXPECT_EQ(time.file_time(), file_time);
+        EXPECT_EQ(time.sys_time(), floor<nio::time::ticks>(point));
+        EXPECT_EQ(any::time(time.sys_time()).file_time(), file_time);
+    }
+    nio::time day;
+    day.set(sys_days(1601y / January / 2));
+    EXPECT_EQ(day.file_time(), 864'000'000'000u);
+}
+
 TEST(time, takes_every_dos_word) {
     in_zone const utc("UTC");
     for (uint32 word = 0; word <= 0xFFFF; ++word) {

@@ -2,9 +2,18 @@
 
 namespace algorithm::crc {
 
-namespace {
+constexpr std::array<uint32, 256> crc_table = [] {
+    std::array<uint32, 256> table{};
+    for (uint32 i = 0; i < 256; ++i) {
+        uint32 r = i << 8;
+        for (int bit = 0; bit < 8; ++bit)
+            r = (r & 0x8000) != 0 ? (r << 1) ^ 0x1021 : r << 1;
+        table[i] = r & 0xFFFF;
+    }
+    return table;
+}();
 
-using xmodem = crc<16, 0x1021, 0, 1, 0, 0>;
+namespace {
 
 constexpr uint32 step(uint32 state, unsigned char byte) {
     return (state << 8) ^ crc_table[(byte ^ (state >> 8)) & 0xFF];
@@ -35,6 +44,8 @@ uint32 slice_step(uint32 state, unsigned char const * bytes) {
 }
 
 } // namespace
+
+xmodem::~crc() = default;
 
 void xmodem::reset() {
     state(0);

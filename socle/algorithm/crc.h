@@ -7,16 +7,7 @@
 namespace algorithm::crc {
 
 /// Entry i is what the eight bits of i, followed by sixteen zero bits, leave modulo the polynomial 0x1021.
-inline constexpr std::array<uint32, 256> crc_table = [] {
-    std::array<uint32, 256> table{};
-    for (uint32 i = 0; i < 256; ++i) {
-        uint32 r = i << 8;
-        for (int bit = 0; bit < 8; ++bit)
-            r = (r & 0x8000) != 0 ? (r << 1) ^ 0x1021 : r << 1;
-        table[i] = r & 0xFFFF;
-    }
-    return table;
-}();
+SOCLE_API extern std::array<uint32, 256> const crc_table;
 
 /// A cyclic redundancy check of `width` bits over a polynomial, from an initial value. There is one instance.
 template <unsigned width, uint32 polynomial, uint32 initial, int, int, int>
@@ -24,8 +15,13 @@ class crc;
 
 /// CRC-16/XMODEM: nothing reflected, no final exclusive-or. `result` is its two bytes, the high one first.
 template <>
-class crc<16, 0x1021, 0, 1, 0, 0> : public digest {
+class SOCLE_API crc<16, 0x1021, 0, 1, 0, 0> : public digest {
 public:
+    crc() = default;
+    crc(crc const &) = default;
+    crc & operator=(crc const &) = default;
+    ~crc() override;
+
     /// Back to state 0; `result` keeps the last digest.
     void reset() override;
     /// Only the low 16 bits of `state` count until `finish` clears those above.
@@ -34,10 +30,14 @@ public:
     /// A second call before a `reset` does nothing, even with bytes in between.
     void finish() override;
 
+    /// Whether `finish` was called since the last `reset`.
     bool finished() const noexcept { return finished_; }
 
 private:
     bool finished_ = false;
 };
+
+/// The CRC of MacBinary headers and of BinHex files.
+using xmodem = crc<16, 0x1021, 0, 1, 0, 0>;
 
 } // namespace algorithm::crc

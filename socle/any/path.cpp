@@ -1,5 +1,7 @@
 #include "socle/any/path.h"
 
+#include "socle/platform/host.h"
+
 #include <algorithm>
 
 namespace any {
@@ -8,6 +10,14 @@ path::path(string const & text, bool skip_dots) { set(text, skip_dots); }
 
 path::path(string const & text, char16_t const * separators, bool skip_dots) : separators_(separators) {
     set(text, skip_dots);
+}
+
+path path::from_host(std::filesystem::path const & host) { return {platform::from_host(host.string()), true}; }
+
+std::filesystem::path path::to_host() const {
+    path plain(*this);
+    plain.reset_separator();
+    return platform::to_host(plain.full_string());
 }
 
 path & path::operator=(string const & text) {

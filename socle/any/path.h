@@ -2,6 +2,8 @@
 
 #include "socle/any/string.h"
 
+#include <filesystem>
+
 namespace any {
 
 /// A path as a list of elements, from the root to the leaf. It is text, and never accesses the file system. A separator
@@ -27,6 +29,11 @@ public:
     path(string const & text, bool skip_dots);
     /// All units of the zero-terminated `separators` cut; the first joins.
     path(string const & text, char16_t const * separators, bool skip_dots);
+
+    /// The path of the host, as by `platform::from_host`, with dots skipped.
+    static path from_host(std::filesystem::path const & host);
+    /// The path as the host has it, as by `platform::to_host`, whatever the separators are.
+    std::filesystem::path to_host() const;
 
     /// Replaces the elements, with dots skipped; the separators stay.
     path & operator=(string const & text);
@@ -93,9 +100,11 @@ public:
     path & operator+=(string const & leaf);
     /// As `add_path`.
     path & operator+=(path const & other);
-    /// A copy of this path, with its separators, to which the argument is added by `+=`.
+    /// A copy of this path, with its separators, to which the argument is added by `+=`; `/` does the same as `+`.
     path operator+(string const & leaf) const;
     path operator+(path const & other) const;
+    path operator/(string const & leaf) const { return *this + leaf; }
+    path operator/(path const & other) const { return *this + other; }
 
     /// Compares element by element, as 16-bit text, with case. The separators do not count.
     bool operator<(path const & other) const;

@@ -16,6 +16,9 @@ namespace io {
 /// behind the whole leaf: a MacBinary header of 128 bytes without forks.
 class SOCLE_API attributes {
 public:
+    /// The types of `load` and `apply`: what becomes of the sidecar. 2 is as `no_sidecar`.
+    enum sidecar_use : int { no_sidecar = 0, with_sidecar = 1, read_sidecar = 3 };
+
     /// With every member absent.
     attributes();
     attributes(attributes const &);

@@ -70,9 +70,9 @@ void directory::unlink_with_children(bool report) {
     unlink(report);
 }
 
-directory::iterator directory::begin() { return iterator(*this); }
+directory::iterator directory::begin() const { return iterator(*this); }
 
-directory::iterator directory::end() { return iterator(); }
+directory::iterator directory::end() const { return iterator(); }
 
 /// The system's search, wide or narrow, and the name that it found last.
 struct directory::iterator::search {
@@ -102,30 +102,39 @@ struct directory::iterator::search {
     platform::file_search * handle = nullptr; // null when it has ended
     platform::WIN32_FIND_DATAW wide;
     platform::WIN32_FIND_DATAA narrow;
+    item current;
 };
 
 directory::iterator::iterator() : dir_(&directory::current), search_(new search) {}
 
-directory::iterator::iterator(directory & folder) : dir_(&folder), search_(new search) { first(folder); }
+directory::iterator::iterator(directory const & folder) : dir_(&folder), search_(new search) { first(folder); }
 
 directory::iterator::iterator(iterator const & other) : dir_(other.dir_), search_(new search) {
     first(*dir_);
     search_->wide = other.search_->wide;
     search_->narrow = other.search_->narrow;
-    current_ = other.current_;
+    search_->current = other.search_->current;
+}
+
+directory::iterator::iterator(iterator && other) : iterator() { *this = std::move(other); }
+
+directory::iterator & directory::iterator::operator=(iterator && other) noexcept {
+    std::swap(dir_, other.dir_);
+    std::swap(search_, other.search_);
+    return *this;
 }
 
 directory::iterator & directory::iterator::operator=(iterator const & other) {
     if (*this == other)
         return *this;
-    iterator copy(other);
-    std::swap(dir_, copy.dir_);
-    std::swap(search_, copy.search_);
-    current_ = other.current_;
-    return *this;
+    return *this = iterator(other);
 }
 
 directory::iterator::~iterator() { close(); }
+
+item & directory::iterator::operator*() const { return search_->current; }
+
+item * directory::iterator::operator->() const { return &search_->current; }
 
 directory::iterator & directory::iterator::operator++() {
     next();
@@ -147,7 +156,7 @@ bool directory::iterator::is_link() const {
 
 bool directory::iterator::operator==(iterator const & other) const { return search_->handle == other.search_->handle; }
 
-void directory::iterator::first(directory & folder) {
+void directory::iterator::first(directory const & folder) {
     any::path pattern(folder.path());
     pattern.add_leaf(u"*");
     search_->find_first(pattern);
@@ -164,13 +173,13 @@ void directory::iterator::succ() {
         close();
 }
 
-/// From the entry just found to the next one that shows, which becomes `current_`.
+/// From the entry just found to the next one that shows, which becomes the current one.
 void directory::iterator::skip_hidden() {
     while (search_->handle && trivial())
         succ();
-    current_.path() = dir_->path();
+    search_->current.path() = dir_->path();
     if (search_->handle)
-        current_.path().add_leaf(search_->name());
+        search_->current.path().add_leaf(search_->name());
 }
 
 bool directory::iterator::trivial() const {

@@ -49,9 +49,9 @@ public:
     void unlink_with_children(bool report);
 
     /// The first entry of a new walk.
-    iterator begin();
+    iterator begin() const;
     /// The end of every walk.
-    iterator end();
+    iterator end() const;
 };
 
 /// Goes through a folder, which must outlive it, in the order of the system, once. A folder that cannot be searched has
@@ -72,15 +72,18 @@ public:
     /// The end of any folder.
     iterator();
     /// The first entry of `folder`.
-    explicit iterator(directory & folder);
+    explicit iterator(directory const & folder);
     iterator(iterator const & other);
+    /// Goes on in the same search; `other` is at the end then.
+    iterator(iterator && other);
     iterator & operator=(iterator const & other);
+    iterator & operator=(iterator && other) noexcept;
     ~iterator();
 
     /// @{
     /// The entry, without its attributes.
-    item & operator*() { return current_; }
-    item * operator->() { return &current_; }
+    item & operator*() const;
+    item * operator->() const;
     /// @}
 
     /// @{
@@ -101,16 +104,15 @@ public:
 private:
     struct search;
 
-    void first(directory & folder);
+    void first(directory const & folder);
     void next();
     void succ();
     bool trivial() const;
     void close();
     void skip_hidden();
 
-    directory * dir_;
+    directory const * dir_;
     std::unique_ptr<search> search_;
-    item current_;
 };
 
 } // namespace io

@@ -57,7 +57,9 @@ public:
     virtual void open_stdout();
     /// Opens the standard error output of the process. "cannot open stderr".
     virtual void open_stderr();
-    /// Closes the fork, also where the system reports a failure. "cannot close", if `report`.
+    /// Closes the fork, also where the system reports a failure. "cannot close", if `report`. A failure means that
+    /// bytes may be lost whose writing succeeded. Before an answer counts as safe, flush the streams above, from the
+    /// top down, then call `flush(true)`, then `close(true)`: `io::open_fork::commit` does both.
     virtual void close(bool report);
     /// Whether this is a terminal or another device of characters.
     virtual bool console();

@@ -22,8 +22,16 @@ public:
 
     /// Whether the value is present.
     bool present() const noexcept { return present_; }
-    /// The value, also if it is absent.
+    /// The same; of an `optional<bool>` too, whatever its value is.
+    explicit operator bool() const noexcept { return present_; }
+
+    /// @{
+    /// The value, also if it is absent. Changing it makes it neither present nor absent.
     T const & value() const noexcept { return value_; }
+    T & value() noexcept { return value_; }
+    T const * operator->() const noexcept { return &value_; }
+    T * operator->() noexcept { return &value_; }
+    /// @}
 
 private:
     bool present_ = false;

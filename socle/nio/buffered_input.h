@@ -18,6 +18,8 @@ public:
     buffered_input & operator=(buffered_input const &) = default;
     ~buffered_input() override;
 
+    using input::read;
+
     /// Reads from the buffer, and more from the source where that does not suffice.
     uint32 read(char * buffer, uint32 size) override {
         if (size > fill_ - cursor_ || size == 0)

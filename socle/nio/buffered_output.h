@@ -19,6 +19,8 @@ public:
     buffered_output & operator=(buffered_output const &) = delete;
     ~buffered_output() override;
 
+    using output::write;
+
     /// Holds the bytes, or writes them to the target if they do not fit.
     void write(char const * data, uint32 size) override {
         if (size > capacity_ - used_ || size >= capacity_ || size == 0)

@@ -18,6 +18,7 @@ public:
     /// Does nothing, for both directions.
     void end() override;
 
+    using input::read;
     using output::write;
 
     /// The position of both directions; by default the value last given to `position()`, 0 at first.

@@ -158,14 +158,19 @@ directory::iterator::iterator(iterator const & other) : search_(new search) {
     current_ = other.current_;
 }
 
+directory::iterator::iterator(iterator && other) : iterator() { *this = std::move(other); }
+
+directory::iterator & directory::iterator::operator=(iterator && other) noexcept {
+    std::swap(directory_, other.directory_);
+    std::swap(search_, other.search_);
+    std::swap(current_, other.current_);
+    return *this;
+}
+
 directory::iterator & directory::iterator::operator=(iterator const & other) {
     if (*this == other)
         return *this;
-    iterator copy(other);
-    std::swap(directory_, copy.directory_);
-    std::swap(search_, copy.search_);
-    std::swap(current_, copy.current_);
-    return *this;
+    return *this = iterator(other);
 }
 
 directory::iterator::~iterator() = default;

@@ -60,7 +60,10 @@ public:
     /// The first entry of the directory.
     explicit iterator(nio::item const & from);
     iterator(iterator const & other);
+    /// Goes on in the same search; `other` is at the end then.
+    iterator(iterator && other);
     iterator & operator=(iterator const & other);
+    iterator & operator=(iterator && other) noexcept;
     ~iterator();
 
     /// @{

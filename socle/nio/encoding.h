@@ -6,6 +6,17 @@
 /// ANSI page, -3 UTF-8 of single units (`nio/utf8.h`), and any other the system's OEM page.
 namespace nio {
 
+/// Selectors with names.
+namespace encodings {
+
+constexpr int ansi = -1;         ///< the ANSI page of the system
+constexpr int oem = -2;          ///< the OEM page of the system
+constexpr int utf8 = -3;         ///< UTF-8
+constexpr int western = 1252;    ///< the ANSI page of Western Europe
+constexpr int mac_roman = 10000; ///< the classic Macintosh's
+
+} // namespace encodings
+
 /// Converts to `encoding`. In a page, a character that it lacks becomes "_", and zero bytes at the end are dropped;
 /// UTF-8 keeps both. Returns the empty string for an unknown page, and for a page and a text of 4 GiB or more.
 SOCLE_API narrow_string encode(wide_string const & text, int encoding);

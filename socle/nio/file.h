@@ -20,19 +20,30 @@ class backup_filter;
 /// path. Each opening replaces the handle without closing one that is open.
 class SOCLE_API file : public item, public channel {
 public:
+    /// The modes of the constructor.
+    enum open_mode : int {
+        mode_closed = 0,
+        mode_read = 1,
+        mode_read_write = 2,
+        mode_new = 3,
+        mode_anew = 4,
+        mode_backup = 5,
+        mode_restore = 6,
+    };
+
     /// A closed file with an empty path.
     file();
     /// Stores the path, and opens it by `mode`:
     ///
-    /// | mode | access      | others may  | the file               |
-    /// |------|-------------|-------------|------------------------|
-    /// | 0    | stays closed|             |                        |
-    /// | 1    | read        | read, write | must exist             |
-    /// | 2    | read, write | read        | must exist             |
-    /// | 3    | read, write | read        | must not exist         |
-    /// | 4    | read, write | read        | is made anew           |
-    /// | 5    | back up     | read        | must exist             |
-    /// | 6    | restore     | read        | must exist             |
+    /// | mode                | access      | others may  | the file     |
+    /// |---------------------|-------------|-------------|--------------|
+    /// | 0 `mode_closed`     |             |             |              |
+    /// | 1 `mode_read`       | read        | read, write | must exist   |
+    /// | 2 `mode_read_write` | read, write | read        | must exist   |
+    /// | 3 `mode_new`        | read, write | read        | must not     |
+    /// | 4 `mode_anew`       | read, write | read        | is made anew |
+    /// | 5 `mode_backup`     | back up     | read        | must exist   |
+    /// | 6 `mode_restore`    | restore     | read        | must exist   |
     ///
     /// Throws "cannot open file", but in modes 3 and 4, which leave it closed; for any other mode a `nio::exception`,
     /// "unknown file open mode".
@@ -57,7 +68,8 @@ public:
     void open_stdout();
     void open_stderr();
     /// @}
-    /// Closes the handle, if there is one. What the system reports then is dropped.
+    /// Closes the handle, if there is one. What the system reports then is dropped, although bytes whose writing
+    /// succeeded may be lost with it; an `io::open_fork` on the path tells, by `commit()`.
     void close();
 
     /// Creates and opens the data fork, with all missing parents. True if that worked only under the normalized name,
@@ -82,6 +94,7 @@ public:
     /// the end of a pipe, whose writers have gone, with the code 109.
     uint32 read(char * buffer, uint32 size) override;
 
+    using channel::read;
     using channel::write;
 
     /// Writes all `size` bytes. Throws "cannot write".
@@ -120,10 +133,6 @@ public:
 
 private:
     friend class attributes;
-
-    // The modes of the constructor.
-    static constexpr int mode_closed = 0, mode_read = 1, mode_read_write = 2, mode_new = 3, mode_anew = 4,
-                         mode_backup = 5, mode_restore = 6;
 
     static int try_open(wide_string const & path, int mode);
     static int open_handle(wide_string const & path, int mode);

@@ -10,6 +10,19 @@ void input::begin() {}
 
 void input::end() {}
 
+uint64 input::read(std::span<char> block) {
+    uint64 done = 0;
+    for (uint32 count = 0, got = 0; got == count && done < block.size(); done += got) {
+        count = static_cast<uint32>(std::min<uint64>(block.size() - done, UINT32_MAX));
+        got = read(block.data() + done, count);
+    }
+    return done;
+}
+
+uint64 input::read(std::span<unsigned char> block) {
+    return read(std::span(reinterpret_cast<char *>(block.data()), block.size()));
+}
+
 uint64 input::tell() const { return position_; }
 
 bool input::seek(uint64) { return false; }

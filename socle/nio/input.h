@@ -28,6 +28,11 @@ public:
     /// - A result below `count` means the end was met, where the class does not say otherwise.
     /// - The result is never above `count`.
     virtual uint32 read(char * buffer, uint32 count) = 0;
+    /// @{
+    /// Fills `block`, of any size, through the form above, and returns the number of bytes read.
+    uint64 read(std::span<char> block);
+    uint64 read(std::span<unsigned char> block);
+    /// @}
 
     /// The position of the next byte; by default the value last given to `position()`, 0 at first.
     virtual uint64 tell() const;
@@ -61,6 +66,8 @@ public:
     /// A source of `fill`.
     explicit infinite_input(char fill);
     ~infinite_input() override;
+
+    using input::read;
 
     /// Always fills the whole of `buffer`.
     uint32 read(char * buffer, uint32 size) override;

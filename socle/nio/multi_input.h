@@ -13,6 +13,8 @@ public:
     multi_input & operator=(multi_input const &) = default;
     ~multi_input() override;
 
+    using input::read;
+
     /// Reads from as many sources as it takes. A short result means that the last source has ended. A source that
     /// returns less than it is asked for has ended.
     uint32 read(char * buffer, uint32 size) override;

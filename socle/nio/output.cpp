@@ -1,5 +1,7 @@
 #include "socle/nio/output.h"
 
+#include "socle/nio/in_blocks_internal.h"
+
 #include <typeinfo>
 
 namespace nio {
@@ -13,6 +15,14 @@ void output::end() {}
 void output::write(unsigned char byte) {
     char const data = static_cast<char>(byte);
     write(&data, 1);
+}
+
+void output::write(std::string_view block) {
+    in_blocks(block.data(), block.size(), [this](char const * data, uint32 count) { write(data, count); });
+}
+
+void output::write(std::span<unsigned char const> block) {
+    write(std::string_view(reinterpret_cast<char const *>(block.data()), block.size()));
 }
 
 void output::flush() {}

@@ -4,6 +4,7 @@
 #include "socle/basic/types.h"
 
 #include <span>
+#include <string_view>
 
 namespace nio {
 
@@ -27,6 +28,11 @@ public:
     virtual void write(char const * data, uint32 count) = 0;
     /// Writes one byte, by default through the block form.
     virtual void write(unsigned char byte);
+    /// @{
+    /// Writes a text or block of any size through the block form.
+    void write(std::string_view block);
+    void write(std::span<unsigned char const> block);
+    /// @}
 
     /// Pushes bytes that this object holds back one layer down. Does nothing by default.
     virtual void flush();

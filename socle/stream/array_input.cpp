@@ -12,12 +12,23 @@ namespace {
 
 [[noreturn]] void fail(char const * message) { throw exception(message, "stream::array_input"); }
 
+uint32 checked(std::size_t length) {
+    if (length > UINT32_MAX)
+        fail("cannot read more than the maximum array size");
+    return static_cast<uint32>(length);
+}
+
 } // namespace
 
 array_input::array_input(char const * data, uint32 length, uint32 start) : length_(length) { memory_ = {data, start}; }
 
 array_input::array_input(un::array<char> const & array, uint32 start)
     : array_input(array.data(), array.size(), start) {}
+
+array_input::array_input(std::string_view block) : array_input(block.data(), checked(block.size())) {}
+
+array_input::array_input(std::span<unsigned char const> block)
+    : array_input(reinterpret_cast<char const *>(block.data()), checked(block.size())) {}
 
 array_input::~array_input() = default;
 

@@ -3,6 +3,9 @@
 #include "socle/stream/input.h"
 #include "socle/un/array.h"
 
+#include <span>
+#include <string_view>
+
 namespace stream {
 
 /// Reads a fixed block of memory, which the caller owns and which must outlive the stream. It cannot seek.
@@ -11,6 +14,12 @@ public:
     /// Reads `length` bytes from `data`, starting at index `start`, which may lie past the end.
     array_input(char const * data, uint32 length, uint32 start = 0);
     explicit array_input(un::array<char> const & array, uint32 start = 0);
+    /// @{
+    /// Reads a text or block; also of one that is not zero-terminated. Throws "cannot read more than the maximum array
+    /// size" if its length needs more than 32 bits.
+    explicit array_input(std::string_view block);
+    explicit array_input(std::span<unsigned char const> block);
+    /// @}
     array_input(array_input const &) = default;
     array_input & operator=(array_input const &) = default;
     ~array_input() override;

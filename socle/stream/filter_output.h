@@ -13,6 +13,12 @@ namespace stream {
 ///
 /// The constructor of a filter wraps any stream but one declared as exactly the filter's own class, which it copies, as
 /// it does a const one; `under(stream)` wraps any.
+///
+/// For a filter that changes bytes this is the wrong base: each operation that it does not override hands them on as
+/// they are. One that overrides only `write(char)` passes blocks, texts and copies unfiltered. Derive it from
+/// `stream::output`, where every operation is built on `write(char)` and `tell()`, keep a reference to the underlying
+/// stream, and forward `flush_through` and `close` to it after `flush()`. A block form of `write` comes last, for
+/// speed.
 class SOCLE_API filter_output : public virtual output {
 public:
     filter_output() = default;

@@ -20,6 +20,8 @@ public:
     input & operator=(input const &) = default;
     ~input() override;
 
+    using nio::input::read;
+
     /// Reads up to `count` bytes into `buffer` and returns the number read; below `count` the end was met.
     uint32 read(char * buffer, uint32 count) override;
 

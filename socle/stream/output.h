@@ -37,6 +37,10 @@ public:
     virtual void write(narrow_string const & text);
     /// Writes one byte.
     virtual void write(char byte) = 0;
+    /// Writes one byte, the low 8 bits of `byte`, so that a number such as 0 is a byte.
+    void write(int byte) { write(static_cast<char>(byte)); }
+    /// Writes a zero-terminated text through the form for text.
+    void write(char const * text) { write(narrow_string(text)); }
 
     /// Writes everything from the position of `source` to its end, by default byte by byte.
     virtual void copy_from(input & source);

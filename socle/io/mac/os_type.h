@@ -2,6 +2,8 @@
 
 #include "socle/un/structure.h"
 
+#include <compare>
+
 /// Records of the classic Macintosh file system, big-endian in their stored form.
 namespace io::mac {
 
@@ -18,6 +20,15 @@ public:
     os_type(os_type const &) = default;
     os_type & operator=(os_type const &) = default;
     ~os_type() override;
+
+    /// @{
+    /// Compares the four characters, in order, with case. Text and numbers are taken as by the constructors, so that of
+    /// a longer text only the first four characters count.
+    friend bool operator==(os_type const & a, os_type const & b) noexcept { return a.value == b.value; }
+    friend std::strong_ordering operator<=>(os_type const & a, os_type const & b) noexcept {
+        return a.value <=> b.value;
+    }
+    /// @}
 
     /// The four characters, which may be 0.
     narrow_string to_string() const;
