@@ -1,0 +1,21 @@
+#pragma once
+
+#include "filter.h"
+
+/// A plug-in, loaded as long as the object lives.
+class plugin {
+public:
+    /// Loads `name`.so from the folder. Throws a `un::exception` if that is no plug-in for this host.
+    plugin(narrow_string const & folder, narrow_string const & name);
+
+    /// A filter of the plug-in, which has to go before this object.
+    std::unique_ptr<stream::input> filter_of(stream::input & source) const { return filter_->make(source); }
+
+private:
+    struct unloading {
+        void operator()(void * library) const;
+    };
+
+    std::unique_ptr<void, unloading> library_;
+    filter const * filter_;
+};
