@@ -2,7 +2,6 @@
 
 #include "common/progress.h"
 
-#include <socle/io/fork.h>
 #include <socle/stream/input.h>
 #include <socle/stream/output.h>
 
@@ -18,16 +17,4 @@ public:
 private:
     narrow_string name_;
     progress progress_;
-};
-
-/// Closes a fork at the end of a block.
-class closing {
-public:
-    explicit closing(io::fork & fork) : fork_(fork) {}
-    closing(closing const &) = delete;
-    closing & operator=(closing const &) = delete;
-    ~closing() { fork_.close(false); }
-
-private:
-    io::fork & fork_;
 };

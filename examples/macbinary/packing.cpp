@@ -4,19 +4,17 @@
 #include "copying.h"
 #include "part.h"
 
+#include <socle/basic/codes.h>
 #include <socle/io/exception.h>
 #include <socle/io/fork_input.h>
 #include <socle/io/fork_output.h>
+#include <socle/io/open_fork.h>
 #include <socle/nio/encoding.h>
 #include <socle/platform/host.h>
 
 #include <filesystem>
 
 namespace {
-
-constexpr int mac_roman = 10000;
-constexpr int already_exists = 183;
-constexpr int name_too_long = 206;
 
 any::path library_path(narrow_string const & host) { return {platform::from_host(host), true}; }
 
@@ -43,23 +41,24 @@ uint32 fork_length(io::fork & fork, narrow_string const & path) {
 /// 0 if there is no such fork. What is there but cannot be read must not pass for that.
 uint32 side_fork_length(io::fork & fork, narrow_string const & path) {
     try {
-        fork.open();
+        io::open_fork const opened(fork);
+        return fork_length(*opened, path);
     } catch (io::exception const & e) {
-        bool const nothing = e.error() == 2 || e.error() == 3 || e.error() == name_too_long;
+        namespace codes = basic::codes;
+        bool const nothing = e.error() == codes::file_not_found || e.error() == codes::path_not_found
+                             || e.error() == codes::name_too_long;
         if (nothing || io::item(fork.fork_name()).directory())
             return 0;
         throw;
     }
-    closing const at_end(fork);
-    return fork_length(fork, path);
 }
 
 /// Header, names and lengths of the forks of `file`, whose data fork is open.
 header header_for(io::file & file, narrow_string const & path) {
     io::attributes attributes;
-    attributes.load(file.path(), 3);
+    attributes.load(file.path(), io::attributes::read_sidecar);
     header result;
-    result.name = nio::encode(file.path().leaf(), mac_roman).substr(0, header::longest_name);
+    result.name = nio::encode(file.path().leaf(), nio::encodings::mac_roman).substr(0, header::longest_name);
     result.finder = attributes.mac_file.value().info;
     result.data_length = fork_length(file.data_fork(), path);
     result.resource_length = side_fork_length(file.rsrc_fork(), path);
@@ -84,7 +83,7 @@ narrow_string place(part & file, any::path const & folder, any::string const & l
             return host;
         } catch (io::exception const & e) {
             // The name went to somebody else meanwhile.
-            if (e.error() != already_exists || attempt == 10)
+            if (e.error() != basic::codes::already_exists || attempt == 10)
                 throw;
         }
     }
@@ -97,7 +96,7 @@ narrow_string unpack(archive & in, narrow_string const & folder) {
     in.check_length();
     copying work(in.path(), uint64(h.data_length) + h.resource_length);
 
-    any::string const leaf = nio::decode(h.name, mac_roman);
+    any::string const leaf = nio::decode(h.name, nio::encodings::mac_roman);
     if (leaf.empty())
         throw io::exception("has a name that this system cannot show", in.path(), 0);
     auto const where = absolute_path(folder);
@@ -115,14 +114,13 @@ narrow_string unpack(archive & in, narrow_string const & folder) {
         fork(made.file().rsrc_fork(), h.resource_at(), h.resource_length);
     made.make(made.file().info_fork());
     made.close();
-    attributes_of(h).apply(made.file().path(), 1);
+    attributes_of(h).apply(made.file().path(), io::attributes::with_sidecar);
     return place(made, where, leaf, folder);
 }
 
 void pack(narrow_string const & path, narrow_string const & target) {
     io::file source(library_path(path));
-    source.data_fork().open();
-    closing const at_end(source.data_fork());
+    io::open_fork const data(source.data_fork());
     auto const h = header_for(source, path);
     copying work(path, uint64(h.data_length) + h.resource_length);
 
@@ -133,11 +131,10 @@ void pack(narrow_string const & path, narrow_string const & target) {
     made.make(made.file().data_fork());
     io::fork_output out(made.file().data_fork());
     h.write(out);
-    copy_padded(source.data_fork(), out, h.data_length, work);
+    copy_padded(*data, out, h.data_length, work);
     if (h.resource_length > 0) {
-        source.rsrc_fork().open();
-        closing const rsrc_at_end(source.rsrc_fork());
-        copy_padded(source.rsrc_fork(), out, h.resource_length, work);
+        io::open_fork const resources(source.rsrc_fork());
+        copy_padded(*resources, out, h.resource_length, work);
     }
     made.close();
     made.place(result);

@@ -4,6 +4,7 @@
 #include "socle/io/file.h"
 #include "socle/io/fork_input.h"
 #include "socle/io/fork_output.h"
+#include "socle/io/open_fork.h"
 #include "socle/nio/attributes.h"
 #include "socle/nio/file.h"
 #include "socle/platform/errors.h"
@@ -30,12 +31,6 @@ constexpr uint64 some_time = 126227808000000000;
 
 any::path old_path(place const & where, char const * name) { return {where.here.path(name), true}; }
 
-/// Whoever opens a fork closes it.
-struct closing {
-    io::fork & fork;
-    ~closing() { fork.close(false); }
-};
-
 void write_in_pieces(auto & out, report & written) {
     constexpr uint32 piece = 2500;
     for (std::size_t at = 0; at < new_bytes.size(); at += piece) {
@@ -52,32 +47,29 @@ void check_reads(auto & in, std::string const & expected) {
 
 bool write_fork(place const & where, report & written) {
     io::file file(old_path(where, "file"));
-    closing const at_end{file.data_fork()};
-    bool const renamed = file.create(true);
-    io::fork_output out(file.data_fork());
+    any::path const path = file.path();
+    io::open_fork made(file.data_fork(), io::fork::create_always);
+    io::fork_output out(*made);
     write_in_pieces(out, written);
-    file.data_fork().flush(true);
-    file.data_fork().close(true);
-    return !renamed;
+    made.commit();
+    return file.path().full_string() == path.full_string();
 }
 
 bool resize_fork(place const & where, report &) {
     io::file file(old_path(where, "file"));
-    closing const at_end{file.data_fork()};
-    file.data_fork().open_rw();
-    file.data_fork().resize(100);
-    file.data_fork().resize(20000);
-    bool const good = file.data_fork().tell() == 0 && file.data_fork().size() == 20000;
-    file.data_fork().close(true);
+    io::open_fork fork(file.data_fork(), io::fork::open_read_write);
+    fork->resize(100);
+    fork->resize(20000);
+    bool const good = fork->tell() == 0 && fork->size() == 20000;
+    fork.commit();
     return good;
 }
 
 bool read_forks(place const & where, report &) {
     io::file file(old_path(where, "file"));
     for (io::fork * const fork : {&file.data_fork(), &file.rsrc_fork()}) {
-        closing const at_end{*fork};
-        fork->open();
-        io::fork_input in(*fork);
+        io::open_fork const opened(*fork);
+        io::fork_input in(*opened);
         in.seek(1);
         check_reads(in, old_bytes.substr(1));
     }
