@@ -9,7 +9,7 @@ namespace algorithm::crc {
 /// Entry i is what the eight bits of i, followed by sixteen zero bits, leave modulo the polynomial 0x1021.
 SOCLE_API extern std::array<uint32, 256> const crc_table;
 
-/// A cyclic redundancy check of `width` bits over a polynomial, from an initial value. There is one instance.
+// A cyclic redundancy check of `width` bits over a polynomial, from an initial value. There is one specialisation.
 template <unsigned width, uint32 polynomial, uint32 initial, int, int, int>
 class crc;
 

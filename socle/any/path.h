@@ -100,9 +100,10 @@ public:
     path & operator+=(string const & leaf);
     /// As `add_path`.
     path & operator+=(path const & other);
-    /// A copy of this path, with its separators, to which the argument is added by `+=`; `/` does the same as `+`.
+    /// A copy of this path, with its separators, to which the argument is added by `+=`.
     path operator+(string const & leaf) const;
     path operator+(path const & other) const;
+    /// As `+`.
     path operator/(string const & leaf) const { return *this + leaf; }
     path operator/(path const & other) const { return *this + other; }
 

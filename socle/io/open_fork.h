@@ -14,9 +14,11 @@ public:
     open_fork & operator=(open_fork const &) = delete;
     ~open_fork();
 
+    /// @{
     /// The fork, which is open until `commit()`.
     io::fork & operator*() const noexcept { return fork_; }
     io::fork * operator->() const noexcept { return &fork_; }
+    /// @}
 
     /// Flushes the fork to the disk, then closes it, and throws what either reports. A stream that holds bytes back for
     /// the fork has to be flushed before.
