@@ -204,7 +204,8 @@ summary 'again/version_one is not carried, as a newer file is there: told/versio
 
 # Streams that are no forks go along, or are missed.
 mkdir old new_streams
-"$program" --to=old --forks=ntfs "$samples/split" >/dev/null 2>err
+cp -R "$samples/split" own
+"$program" --to=old --forks=ntfs own >/dev/null 2>err
 if command -v getfattr >/dev/null; then
     id=$(getfattr --only-values -n user.socle.streams old/Placed_Icon | cut -c-32)
     stream=$(basename "$(ls -d old/.socle_streams/"$id"/* | head -1)")
