@@ -6,7 +6,7 @@ program=$1 samples=$2 make_tree=$3
 export TZ=America/New_York
 # Beside the other scratch folders of the tests, where extended attributes are kept.
 scratch=$(mktemp -d /var/tmp/socle_test_XXXXXX)
-finish() { chmod -R u+w "$scratch" && rm -rf "$scratch"; }
+finish() { chmod -R u+rwx "$scratch" && rm -rf "$scratch"; }
 trap finish EXIT
 trap 'echo "failed at line $LINENO"' ERR
 cd "$scratch"
@@ -361,6 +361,8 @@ if [ "$(id -u)" != 0 ]; then
     printf 'data' >half/unread && chmod 0 half/unread
     carry 1 sidecar half open
     chmod 700 half/closed
+    # Its copy is as old, or a second younger; the date of a folder that lets nobody in cannot be set.
+    sed -i '/half\/closed was not given its date of creation$/d' err
     complaints "half/closed cannot open the folder: Permission denied" "half/unread cannot open file: Permission denied"
     grep -q '<folder name="closed"' carried.xml && grep -q '<file name="unread"' carried.xml
     [ -z "$(find open -type f)" ]
@@ -368,6 +370,6 @@ if [ "$(id -u)" != 0 ]; then
 fi
 if command -v script >/dev/null; then
     script -qec "'$program' --to=bar from" /dev/null </dev/null | grep '\[#*\.*\] [0-9]*%' >/dev/null
-    script -qec "stty cols 20; '$program' --to=narrow from" /dev/null </dev/null | tr '\r' '\n' |
+    script -qec "stty cols 20; '$program' --to=narrow from" /dev/null </dev/null | tr '\r' '\n' | LC_ALL=C tr -d '\200-\377' |
         awk 'length($0) > 30 && /\[#/ { exit 1 }'
 fi
