@@ -2,6 +2,7 @@
 
 #include "socle/io/directory.h"
 #include "socle/nio/directory.h"
+#include "socle/nio/filesystem_exception.h"
 #include "socle/platform/posix/host/host_calls.h"
 #include "tests/support/elsewhere.h"
 
@@ -115,6 +116,18 @@ TEST(held_trees, are_no_links) {
             for (char const * file : outside)
                 EXPECT_EQ(here.read(file), "kept bytes") << each.name;
         }
+}
+
+// The failure is that of the lowest folder, and all above it are put down behind it.
+TEST(held_trees, tell_which_folder_could_not_be_removed) {
+    elsewhere const here;
+    fs::create_directories(here.host("tree/a/b/c/._hidden"));
+    try {
+        nio::directory(here.path("tree")).unlink_children(true);
+        ADD_FAILURE() << "nothing thrown";
+    } catch (nio::filesystem_exception const & e) {
+        EXPECT_NE(e.message().find("tree\\a\\b\\c"), narrow_string::npos) << e.message();
+    }
 }
 
 /// Makes folders in each other, deeper than the host has paths for.

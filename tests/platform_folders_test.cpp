@@ -256,6 +256,8 @@ TEST(platform_folders, are_not_climbed_out_of_a_folder_that_was_moved) {
         EXPECT_TRUE(entries(each).empty());
     }
     EXPECT_EQ(here.read("other/d/file") + here.read("d/d/file"), "keptkept");
+    while (!chain.empty())
+        chain.pop_back();
 }
 
 TEST(platform_folders, on_volumes) {

@@ -38,10 +38,20 @@ private:
     WIN32_FIND_DATAW found_;
 };
 
+/// From the top to where the walk is. Each folder goes before the one above, on which it relies.
+struct level_stack {
+    std::deque<level> levels;
+    ~level_stack() {
+        while (!levels.empty())
+            levels.pop_back();
+    }
+};
+
 } // namespace
 
 void walk_tree(open_folder & top, tree_visitor & visitor) {
-    std::deque<level> levels;
+    level_stack stack;
+    auto & levels = stack.levels;
     levels.emplace_back(top);
     for (;;) {
         level & here = levels.back();
