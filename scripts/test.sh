@@ -168,7 +168,7 @@ phase_clients() {
 
         echo "$dialect: a client through pkg-config"
         g++ -std=$dialect "${warnings[@]}" -I"$scratch/namesakes" "${compile_flags[@]}" -Iexamples \
-            -DEXAMPLE_VERSION='"of the installed copy"' examples/macbinary/*.cpp \
+            -DEXAMPLE_VERSION="\"$(pkg-config --modversion socle)\"" examples/macbinary/*.cpp \
             examples/common/*.cpp examples/common/posix/*.cpp "${link_flags[@]}" -o "$scratch/client-$dialect"
         check_client "$scratch/client-$dialect"
 
