@@ -1,5 +1,7 @@
 #include "carrier.h"
 
+#include "losses.h"
+
 #include "common/host_text.h"
 
 #include <socle/io/item.h>
@@ -15,8 +17,6 @@
 namespace {
 
 namespace fs = std::filesystem;
-
-constexpr char work_name[] = ".catalog.part";
 
 [[noreturn]] void fail(narrow_string const & why) { throw nio::exception(why); }
 
@@ -39,18 +39,7 @@ std::optional<host::folder> top_folder(narrow_string const & path, bool dry) {
     return host::folder(path, false);
 }
 
-/// Whether a name is one that a work folder has.
-bool is_part_name(std::string_view name) {
-    if (name.starts_with("._"))
-        name.remove_prefix(2);
-    for (std::string_view const ending : {".rsrc", ".info"})
-        if (name.ends_with(ending))
-            name.remove_suffix(ending.size());
-    return !name.empty() && name.find_first_not_of("0123456789") == name.npos;
-}
-
 uint64 seconds(uint64 file_time) { return file_time / 10'000'000; }
-bool same_second(nio::time const & a, nio::time const & b) { return seconds(a.file_time()) == seconds(b.file_time()); }
 
 } // namespace
 
@@ -69,62 +58,11 @@ carrier::carrier(narrow_string const & folder, carrying const & how, report & re
       top_(std::make_shared<target_folder>(top_folder(folder, how.dry), u"T:", readable_path(folder))),
       volume_(folder, spelled() && (!how.dry || top_->listed(".socle_streams") != nullptr)) {
     if (!how_.dry)
-        take_work_folder();
+        work_.emplace(*top_, how_.form);
 }
-
-carrier::~carrier() { leave_work_folder(); }
 
 bool carrier::is_reserved(wide_string const & leaf) {
-    auto const name = platform::to_host(leaf);
-    return name == work_name || name == ".socle_streams";
-}
-
-void carrier::take_work_folder() {
-    auto const & top = *top_->held();
-    auto const typed = top_->typed(platform::from_host(work_name));
-    top.make(work_name);
-    if (top.look(work_name).kind != host::kind::folder)
-        fail("is in the way, as it is no folder: " + typed);
-    auto held = top.inner(work_name);
-    if (!held.own())
-        fail("is in the way, as it is another user's: " + typed);
-    if (!held.lock() || !top.look(work_name).same_file(held.status()))
-        fail("another run is at work in " + top_->typed());
-    auto work = std::make_shared<target_folder>(std::move(held),
-                                                nio::concatenate(u"T:", platform::from_host(work_name), u'\\'), typed);
-    for (auto const & [name, status] : work->held()->list())
-        if (status.kind != host::kind::file || !is_part_name(name))
-            fail("is in the way, as this program has not made it: " + work->typed(platform::from_host(name)));
-    work_ = std::move(work);
-    clear_work_folder();
-}
-
-/// Of what an earlier run was at, or this one.
-void carrier::clear_work_folder() const {
-    for (auto const & [name, status] : work_->held()->list()) {
-        auto const leaf = platform::from_host(name);
-        if (spelled())
-            forked_copy(how_.form, work_->path(leaf, true)).remove();
-        else
-            fs::remove(work_->held()->path(name));
-    }
-}
-
-void carrier::leave_work_folder() noexcept {
-    if (!work_)
-        return;
-    try {
-        clear_work_folder();
-    } catch (...) {
-        // The next run does it.
-    }
-    top_->held()->remove(work_name);
-    work_.reset();
-}
-
-wide_string carrier::leaf_of_part(uint64 number) {
-    auto const digits = std::to_string(number);
-    return {digits.begin(), digits.end()};
+    return work_folder::is_named(leaf) || platform::to_host(leaf) == ".socle_streams";
 }
 
 void carrier::carry(file_record const & from, target_pointer const & folder, wide_string const & leaf) {
@@ -142,7 +80,7 @@ void carrier::carry(file_record const & from, target_pointer const & folder, wid
         ++(found == finding::older ? report_.replaced : report_.carried);
         return;
     }
-    auto const path = next_part();
+    auto const path = work_->next_part();
     try {
         make(from, path);
     } catch (...) {
@@ -176,7 +114,7 @@ carrier::finding carrier::find(file_record const & from, target_folder & folder,
     bool const same = made.data.size == from.data.size && made.resource.size == from.resource.size && date == wanted
                       && same_finder(how_.form, from, made);
     if (same && (!how_.verify || same_contents(how_.form, from, made))) {
-        check_kept(from, made, {});
+        tell_losses(from, made, {}, how_, report_);
         return finding::same;
     }
     if (!how_.update)
@@ -220,41 +158,6 @@ file_record carrier::look_at_there(target_folder const & folder, wide_string con
     plain.leaf = leaf;
     plain.status = there;
     return look_at(folder.path(u"", spelled()), plain);
-}
-
-void carrier::check_kept(file_record const & from, file_record const & made, host::refusals const & refused) {
-    constexpr uint32 carried_bits = 0x127; // read-only, hidden, system, archive, temporary
-    constexpr uint32 all_may = 0777;
-    if (!same_finder(how_.form, from, made))
-        fail("has other Finder information when it is read back");
-    auto const beside = from.more ? host::belongings_of(platform::to_host(from.path)) : host::belongings();
-    bool const other_owner = made.status.owner != from.status.owner || made.status.group != from.status.group;
-    struct {
-        bool missing;
-        char const * words;
-    } const lost[] = {
-        {made.finder != from.finder, "has more Finder information than a sidecar can hold"},
-        {!same_second(made.created, from.created), "was not given its date of creation"},
-        {!same_second(made.modified, from.modified), "was not given its date of modification"},
-        {((made.bits ^ from.bits) & carried_bits) != 0, "was not given all of its attributes"},
-        {refused.mode || ((made.status.mode ^ from.status.mode) & all_may) != 0, "was not given its permissions"},
-        {how_.keep.owner && other_owner, "was not given its owner"},
-        {refused.acls, "was not given its ACLs"},
-        {refused.attributes, "was not given all of its extended attributes"},
-    };
-    for (auto const & [missing, words] : lost)
-        if (missing)
-            report_.complain(from.path, words);
-    if (!spelled() && has_streams(from))
-        report_.leave_out("files with other streams (--forks ntfs)");
-    if (!how_.keep.owner && other_owner)
-        report_.leave_out("owners (--preserve=owner)");
-    if (!how_.keep.acls && beside.acls)
-        report_.leave_out("ACLs (--preserve=acls)");
-    if (!how_.keep.attributes && beside.attributes)
-        report_.leave_out("files with extended attributes (--preserve=xattrs)");
-    if (!how_.hard_links && from.status.names > 1 && !from.folder())
-        report_.leave_out("hard links (--preserve=links)");
 }
 
 /// Makes the file another name of one that was carried before. False if it is to be carried by itself.
@@ -301,7 +204,7 @@ void carrier::make(file_record const & from, wide_string const & path) {
     auto const now = host::status_of(source);
     if (now.modified != from.status.modified || now.size != from.status.size)
         fail("is not carried, as it changed while it was read");
-    check_kept(from, look_at_made(how_.form, path), refused);
+    tell_losses(from, look_at_made(how_.form, path), refused, how_, report_);
 }
 
 target_pointer carrier::enter(target_pointer const & folder, wide_string const & leaf) {
@@ -337,7 +240,7 @@ void carrier::finish_top(file_record const & from) {
     if (how_.dry)
         return;
     flush();
-    leave_work_folder();
+    work_.reset();
     if (from.has_finder() && !spelled())
         report_.complain(from.path, "has Finder information, for which there is no place in the target");
     auto const refused = apply_to_folder(from, *top_, top_->path(u"", spelled()));
@@ -345,7 +248,7 @@ void carrier::finish_top(file_record const & from) {
     entry made;
     made.status = top_->held()->status();
     made.more = host::has_more(top_->held()->path() + "/.");
-    check_kept(from, look_at(top_->path(u"", false), made), refused);
+    tell_losses(from, look_at(top_->path(u"", false), made), refused, how_, report_);
 }
 
 void carrier::flush() {
@@ -355,7 +258,7 @@ void carrier::flush() {
     narrow_string failure;
     try {
         if (std::any_of(batch.begin(), batch.end(), [](waiting const & each) { return !each.made; }))
-            work_->held()->sync();
+            work_->sync();
     } catch (...) {
         failure = current_failure();
     }
@@ -424,7 +327,7 @@ void carrier::move(wide_string const & from, target_folder & folder, wide_string
     else if (spelled())
         io::item(library_path(from)).move(library_path(folder.path(leaf, true)));
     else
-        work_->held()->move(platform::to_host(nio::leaf(from, u'\\')), *folder.held(), name);
+        work_->move(from, folder, name);
 }
 
 void carrier::finish_folder(waiting const & folder) {
@@ -433,16 +336,16 @@ void carrier::finish_folder(waiting const & folder) {
     if (from.has_finder() && !spelled() && !same_finder(how_.form, from, look_at_made(how_.form, path)))
         place_beside(folder);
     auto const refused = apply_to_folder(from, *folder.made, spelled() ? path : folder.made->path(u"", false));
-    check_kept(from, look_at_made(how_.form, path), refused);
+    tell_losses(from, look_at_made(how_.form, path), refused, how_, report_);
 }
 
 void carrier::place_beside(waiting const & folder) {
-    forked_copy const beside(how_.form, next_part());
+    forked_copy const beside(how_.form, work_->next_part());
     try {
         beside.make_beside(folder.from);
         auto const info = info_name(how_.form, beside.path());
         host::give_mode(platform::to_host(info), folder.from.status.mode & 0666);
-        work_->held()->sync();
+        work_->sync();
         move(info, *folder.folder, info_name(how_.form, folder.leaf), folder.replaces);
     } catch (...) {
         beside.remove();

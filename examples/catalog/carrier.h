@@ -1,24 +1,11 @@
 #pragma once
 
-#include "belongings.h"
-#include "forked_copy.h"
+#include "carrying.h"
 #include "report.h"
 #include "target_folder.h"
+#include "work_folder.h"
 
 #include <map>
-
-/// How to carry.
-struct carrying {
-    fork_form form = fork_form::sidecar;
-    /// Replaces what is there and older than the source.
-    bool update = false;
-    /// Reads back and compares each byte of what was carried, and of what was there already.
-    bool verify = false;
-    /// Makes nothing, and only tells what would be carried.
-    bool dry = false;
-    host::belongings keep;
-    bool hard_links = false;
-};
 
 /// Puts files and folders into a folder of the host, with their forks in one form. Files are made in a work folder at
 /// the top, some thousands at a time, brought to the disk together, and then moved into place: what has its name there
@@ -31,7 +18,6 @@ public:
     carrier(narrow_string const & folder, carrying const & how, report & report);
     carrier(carrier const &) = delete;
     carrier & operator=(carrier const &) = delete;
-    ~carrier();
 
     fork_form form() const { return how_.form; }
     target_pointer const & top() const { return top_; }
@@ -65,11 +51,6 @@ private:
     };
     enum class finding { free, same, older };
 
-    void take_work_folder();
-    void clear_work_folder() const;
-    void leave_work_folder() noexcept;
-    wide_string next_part() { return work_->path(leaf_of_part(parts_++), spelled()); }
-    static wide_string leaf_of_part(uint64 number);
     /// Whether files go by their spelled paths.
     bool spelled() const { return how_.form == fork_form::stream; }
 
@@ -77,7 +58,6 @@ private:
     void check_free(file_record const & from, target_folder const & folder, wide_string const & leaf) const;
     bool is_fork(wide_string const & path) const;
     file_record look_at_there(target_folder const & folder, wide_string const & leaf, host::status const & there) const;
-    void check_kept(file_record const & from, file_record const & made, host::refusals const & refused);
     bool link(file_record const & from, target_pointer const & folder, wide_string const & leaf);
     void make(file_record const & from, wide_string const & path);
 
@@ -96,8 +76,8 @@ private:
     report & report_;
     target_pointer top_;
     volume volume_;
-    target_pointer work_;
-    uint64 parts_ = 0, waiting_bytes_ = 0, waiting_folders_ = 0;
+    std::optional<work_folder> work_;
+    uint64 waiting_bytes_ = 0, waiting_folders_ = 0;
     std::vector<waiting> waiting_;
     /// Where the first name of a file with several names went, by the source's identity.
     std::map<std::pair<uint64, uint64>, std::pair<target_pointer, wide_string>> first_names_;
