@@ -2,6 +2,7 @@
 /// it holds or counts.
 
 #include "fuzz/support/feed.h"
+#include "fuzz/support/stacked.h"
 #include "socle/stream/array_input.h"
 #include "socle/stream/buffered_input.h"
 #include "socle/stream/counted_input.h"
@@ -207,13 +208,6 @@ private:
 
 // The streams.
 
-/// A caller's class, which the library may not take a short way around.
-template <class Stream>
-class callers : public Stream {
-public:
-    using Stream::Stream;
-};
-
 class series : public stream::multi_input {
 public:
     explicit series(std::vector<byte_vector> const & parts) {
@@ -314,15 +308,6 @@ private:
         return std::make_unique<series>(parts_);
     }
 
-    template <class Stream, class... Arguments>
-    void put(bool own, Arguments... arguments) {
-        auto & beneath = top();
-        if (own)
-            streams_.push_back(std::make_unique<Stream>(beneath, arguments...));
-        else
-            streams_.push_back(std::make_unique<callers<Stream>>(beneath, arguments...));
-    }
-
     void push(fuzz::feed & in) {
         auto const kind = static_cast<layer>(in.below(static_cast<uint32>(layer::count)));
         bool const own = in.byte() % 4 != 0;
@@ -333,22 +318,22 @@ private:
             return;
         model_layer added{kind};
         switch (kind) {
-        case layer::filter: put<stream::filter_input>(own); break;
-        case layer::direct: put<stream::direct_input>(own); break;
+        case layer::filter: fuzz::put<stream::filter_input>(streams_, own); break;
+        case layer::direct: fuzz::put<stream::direct_input>(streams_, own); break;
         case layer::counted:
             added.count = number - 3;
-            put<stream::counted_input>(own, added.count);
+            fuzz::put<stream::counted_input>(streams_, own, added.count);
             break;
         case layer::limited:
             // Beyond the end what is asked for counts, and a buffer above asks for more than its reader.
             added.limit = number == 255 ? all_ones : std::min(number, model_.available(height()));
             added.left = added.limit;
-            put<stream::limited_input>(own, added.limit);
+            fuzz::put<stream::limited_input>(streams_, own, added.limit);
             break;
-        case layer::safe: put<stream::safe_input>(own); break;
-        case layer::big: put<stream::big_endian_input>(own); break;
-        case layer::little: put<stream::little_endian_input>(own); break;
-        default: put<stream::buffered_input>(own, static_cast<uint32>(number)); break;
+        case layer::safe: fuzz::put<stream::safe_input>(streams_, own); break;
+        case layer::big: fuzz::put<stream::big_endian_input>(streams_, own); break;
+        case layer::little: fuzz::put<stream::little_endian_input>(streams_, own); break;
+        default: fuzz::put<stream::buffered_input>(streams_, own, static_cast<uint32>(number)); break;
         }
         model_.layers.push_back(added);
         marked_.reset();

@@ -2,6 +2,7 @@
 /// counts. What buffers hold counts as written; it has to be there when they are gone.
 
 #include "fuzz/support/feed.h"
+#include "fuzz/support/stacked.h"
 #include "socle/stream/array_output.h"
 #include "socle/stream/buffered_output.h"
 #include "socle/stream/counted_output.h"
@@ -80,12 +81,6 @@ private:
                 write(height - 1, out, false);
         }
     }
-};
-
-template <class Stream>
-class callers : public Stream {
-public:
-    using Stream::Stream;
 };
 
 /// Keeps what is written; the library knows nothing of it.
@@ -184,15 +179,6 @@ private:
     stream::output & top() { return *streams_.back(); }
     std::size_t height() const { return model_.layers.size(); }
 
-    template <class Stream, class... Arguments>
-    void put(bool own, Arguments... arguments) {
-        auto & beneath = top();
-        if (own)
-            streams_.push_back(std::make_unique<Stream>(beneath, arguments...));
-        else
-            streams_.push_back(std::make_unique<callers<Stream>>(beneath, arguments...));
-    }
-
     void push(fuzz::feed & in) {
         auto const kind = static_cast<layer>(in.below(static_cast<uint32>(layer::count)));
         bool const own = in.byte() % 4 != 0;
@@ -201,20 +187,20 @@ private:
             return;
         model_layer added{kind};
         switch (kind) {
-        case layer::filter: put<stream::filter_output>(own); break;
+        case layer::filter: fuzz::put<stream::filter_output>(streams_, own); break;
         case layer::counted:
             added.count = number;
-            put<stream::counted_output>(own, added.count);
+            fuzz::put<stream::counted_output>(streams_, own, added.count);
             break;
         case layer::buffered:
             added.count = model_.tell(height());
-            put<stream::buffered_output>(own, uint32(number));
+            fuzz::put<stream::buffered_output>(streams_, own, uint32(number));
             break;
         case layer::text:
             added.mode = int(number % 5);
-            put<stream::text_output>(own, added.mode);
+            fuzz::put<stream::text_output>(streams_, own, added.mode);
             break;
-        default: put<stream::little_endian_output>(own); break;
+        default: fuzz::put<stream::little_endian_output>(streams_, own); break;
         }
         model_.layers.push_back(added);
     }

@@ -4,7 +4,7 @@
 #include "socle/platform/files.h"
 #include "socle/platform/host.h"
 #include "socle/platform/paths.h"
-#include "tests/support/scratch.h"
+#include "tests/support/handles.h"
 
 #include <gtest/gtest.h>
 
@@ -16,33 +16,13 @@ namespace {
 using namespace platform;
 namespace fs = std::filesystem;
 
-constexpr uint32 read_write = GENERIC_READ | GENERIC_WRITE;
-constexpr uint32 share_all = FILE_SHARE_READ | FILE_SHARE_WRITE;
-
-class platform_contract : public testing::Test {
+class platform_contract : public handles_test {
 protected:
-    ~platform_contract() override { detach_volume('N'); }
-
-    int open(std::string const & name) const {
-        return CreateFileW(scratch_.path(name), GENERIC_READ, share_all, OPEN_EXISTING, 0);
-    }
-    int open_rw(std::string const & name) const {
-        return CreateFileW(scratch_.path(name), read_write, FILE_SHARE_READ, OPEN_EXISTING, 0);
-    }
-    int create(std::string const & name, uint32 disposition = CREATE_ALWAYS) const {
-        return CreateFileW(scratch_.path(name), read_write, FILE_SHARE_READ, disposition, 0);
-    }
     int open_times(std::string const & name, uint32 access) const {
         return CreateFileW(scratch_.path(name), access, share_all, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS);
     }
 
-    /// The system code of an opening, whose handle is closed at once.
-    static uint32 code_of(int file) {
-        return file == INVALID_HANDLE_VALUE ? GetLastError() : CloseHandle(file) ? 0 : 1;
-    }
     static uint32 code(bool done) { return done ? 0 : GetLastError(); }
-
-    scratch scratch_;
 };
 
 TEST_F(platform_contract, files_open_or_say_why_not) {

@@ -2,7 +2,7 @@
 #include "socle/platform/file_times.h"
 #include "socle/platform/files.h"
 #include "socle/platform/host.h"
-#include "tests/support/scratch.h"
+#include "tests/support/handles.h"
 
 #include <gtest/gtest.h>
 
@@ -19,28 +19,8 @@ namespace {
 using namespace platform;
 namespace fs = std::filesystem;
 
-constexpr uint32 read_write = GENERIC_READ | GENERIC_WRITE;
-constexpr uint32 share_all = FILE_SHARE_READ | FILE_SHARE_WRITE;
-
-class platform_files : public testing::Test {
+class platform_files : public handles_test {
 protected:
-    ~platform_files() override { detach_volume('N'); }
-
-    int open(std::string const & name) const {
-        return CreateFileW(scratch_.path(name), GENERIC_READ, share_all, OPEN_EXISTING, 0);
-    }
-    int open_rw(std::string const & name) const {
-        return CreateFileW(scratch_.path(name), read_write, FILE_SHARE_READ, OPEN_EXISTING, 0);
-    }
-    int create(std::string const & name, uint32 disposition = CREATE_ALWAYS) const {
-        return CreateFileW(scratch_.path(name), read_write, FILE_SHARE_READ, disposition, 0);
-    }
-
-    /// The system code of an opening, whose handle is closed at once.
-    static uint32 code_of(int file) {
-        return file == INVALID_HANDLE_VALUE ? GetLastError() : CloseHandle(file) ? 0 : 1;
-    }
-
     /// The exit status of a process that does this.
     static int in_process(std::function<int()> const & work) {
         pid_t const child = fork();
@@ -53,8 +33,6 @@ protected:
         waitpid(child, &status, 0);
         return WIFEXITED(status) ? WEXITSTATUS(status) : 1000 + WTERMSIG(status);
     }
-
-    scratch scratch_;
 };
 
 TEST_F(platform_files, open_or_say_why_not) {

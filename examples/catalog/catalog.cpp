@@ -176,15 +176,4 @@ int run(int argc, char ** argv) {
 
 } // namespace
 
-int main(int argc, char ** argv) {
-    host::report_closed_pipes();
-    try {
-        return run(argc, argv);
-    } catch (usage_error const & e) {
-        std::cerr << "catalog: " << e.words() << "\nTry 'catalog --help'.\n";
-        return 2;
-    } catch (...) {
-        std::cerr << "catalog: " << current_failure() << '\n';
-    }
-    return 1;
-}
+int main(int argc, char ** argv) { return run_program("catalog", run, argc, argv); }

@@ -9,6 +9,7 @@
 
 #include <exception>
 #include <filesystem>
+#include <iostream>
 
 namespace {
 
@@ -35,4 +36,17 @@ narrow_string current_failure() {
     } catch (std::exception const & e) {
         return readable_path(e.what());
     }
+}
+
+int run_program(char const * name, int (*run)(int, char **), int argc, char ** argv) {
+    host::report_closed_pipes();
+    try {
+        return run(argc, argv);
+    } catch (usage_error const & e) {
+        std::cerr << name << ": " << e.words() << "\nTry '" << name << " --help'.\n";
+        return 2;
+    } catch (...) {
+        std::cerr << name << ": " << current_failure() << '\n';
+    }
+    return 1;
 }

@@ -15,3 +15,6 @@ private:
 /// What the exception that is handled says, with the host's words for its code, and without the path in the library's
 /// spelling. To be called where something was caught.
 narrow_string current_failure();
+
+/// Runs a program: what `run` returns is its exit status, 1 if it throws, and 2 for a usage error.
+int run_program(char const * name, int (*run)(int, char **), int argc, char ** argv);

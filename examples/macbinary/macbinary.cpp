@@ -7,7 +7,6 @@
 
 #include "common/command_line.h"
 #include "common/document.h"
-#include "common/host.h"
 #include "common/host_text.h"
 #include "common/mac_roman.h"
 
@@ -159,15 +158,4 @@ int run(int argc, char ** argv) {
 
 } // namespace
 
-int main(int argc, char ** argv) {
-    host::report_closed_pipes();
-    try {
-        return run(argc, argv);
-    } catch (usage_error const & e) {
-        std::cerr << "macbinary: " << e.words() << "\nTry 'macbinary --help'.\n";
-        return 2;
-    } catch (...) {
-        std::cerr << "macbinary: " << current_failure() << '\n';
-    }
-    return 1;
-}
+int main(int argc, char ** argv) { return run_program("macbinary", run, argc, argv); }

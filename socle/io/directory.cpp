@@ -76,30 +76,20 @@ directory::iterator directory::end() const { return iterator(); }
 
 /// The system's search, wide or narrow, and the name that it found last.
 struct directory::iterator::search {
-    search() = default;
-    search(search const &) = delete;
-    search & operator=(search const &) = delete;
-    ~search() { close(); }
-
-    void close() {
-        if (handle)
-            platform::FindClose(handle);
-        handle = nullptr;
-    }
     bool find_first(any::path const & pattern) {
         if (wide_calls)
-            handle = platform::FindFirstFileW(pattern.full_string(), wide);
+            handle.reset(platform::FindFirstFileW(pattern.full_string(), wide));
         else
-            handle = platform::FindFirstFileA(pattern.full_string().str(true), narrow);
+            handle.reset(platform::FindFirstFileA(pattern.full_string().str(true), narrow));
         return handle != nullptr;
     }
     bool find_next() {
-        return wide_calls ? platform::FindNextFileW(handle, wide) : platform::FindNextFileA(handle, narrow);
+        return wide_calls ? platform::FindNextFileW(handle.get(), wide) : platform::FindNextFileA(handle.get(), narrow);
     }
     any::string name() const { return wide_calls ? any::string(wide.cFileName) : any::string(narrow.cFileName, true); }
     uint32 found_bits() const { return wide_calls ? wide.dwFileAttributes : narrow.dwFileAttributes; }
 
-    platform::file_search * handle = nullptr; // null when it has ended
+    platform::search_handle handle; // null when it has ended
     platform::WIN32_FIND_DATAW wide;
     platform::WIN32_FIND_DATAA narrow;
     item current;
@@ -190,6 +180,6 @@ bool directory::iterator::trivial() const {
     });
 }
 
-void directory::iterator::close() { search_->close(); }
+void directory::iterator::close() { search_->handle.reset(); }
 
 } // namespace io

@@ -39,10 +39,7 @@ struct timer_start : un::timer {
 
 bool io::wide_calls = [] {
     platform::WIN32_FIND_DATAW found;
-    platform::file_search * const search = platform::FindFirstFileW(u".", found);
-    if (search != nullptr)
-        platform::FindClose(search);
-    return search != nullptr;
+    return platform::search_handle(platform::FindFirstFileW(u".", found)) != nullptr;
 }();
 
 // The working directory: without ".", its path has no elements.

@@ -133,18 +133,7 @@ directory::iterator directory::end() const { return iterator(); }
 
 /// The system's search, and what it found last.
 struct directory::iterator::search {
-    search() = default;
-    search(search const &) = delete;
-    search & operator=(search const &) = delete;
-    ~search() { close(); }
-
-    void close() {
-        if (handle)
-            platform::FindClose(handle);
-        handle = nullptr;
-    }
-
-    platform::file_search * handle = nullptr; // null when it has ended
+    platform::search_handle handle; // null when it has ended
     platform::WIN32_FIND_DATAW data;
 };
 
@@ -198,7 +187,7 @@ bool directory::iterator::operator==(iterator const & other) const { return sear
 void directory::iterator::_first(wide_string const & path) {
     directory_ = path;
     // An empty path is no directory, where `\*` would search the root.
-    search_->handle = platform::FindFirstFileW(path.empty() ? path : path + u"\\*", search_->data);
+    search_->handle.reset(platform::FindFirstFileW(path.empty() ? path : path + u"\\*", search_->data));
     while (search_->handle && _trivial())
         _succ();
     show();
@@ -212,13 +201,13 @@ void directory::iterator::_next() {
 }
 
 void directory::iterator::_succ() {
-    if (search_->handle && !platform::FindNextFileW(search_->handle, search_->data))
+    if (search_->handle && !platform::FindNextFileW(search_->handle.get(), search_->data))
         _close();
 }
 
 bool directory::iterator::_trivial() const { return is_hidden(search_->data.cFileName); }
 
-void directory::iterator::_close() { search_->close(); }
+void directory::iterator::_close() { search_->handle.reset(); }
 
 void directory::iterator::show() {
     current_ = directory_;

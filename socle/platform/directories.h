@@ -2,6 +2,8 @@
 
 #include "socle/basic/types.h"
 
+#include <memory>
+
 namespace platform {
 
 /// Makes one directory. 183 if anything is there.
@@ -38,5 +40,12 @@ file_search * FindFirstFileA(narrow_string const & pattern, WIN32_FIND_DATAA & d
 bool FindNextFileA(file_search * search, WIN32_FIND_DATAA & data);
 
 void FindClose(file_search * search);
+
+struct search_end {
+    void operator()(file_search * search) const { FindClose(search); }
+};
+
+/// A search that ends with its owner.
+using search_handle = std::unique_ptr<file_search, search_end>;
 
 } // namespace platform

@@ -13,28 +13,23 @@ public:
     level(open_folder & above, wide_string const & name) : folder_(&own_) { own_.open(above, name); }
     level(level const &) = delete;
     level & operator=(level const &) = delete;
-    ~level() { restart(); }
 
     open_folder & folder() { return *folder_; }
     WIN32_FIND_DATAW const & found() const { return found_; }
 
     bool next() {
         if (search_ != nullptr)
-            return FindNextFileW(search_, found_);
-        search_ = folder_->is_open() ? FindFirstFileW(*folder_, found_) : nullptr;
+            return FindNextFileW(search_.get(), found_);
+        search_.reset(folder_->is_open() ? FindFirstFileW(*folder_, found_) : nullptr);
         return search_ != nullptr;
     }
 
-    void restart() {
-        if (search_ != nullptr)
-            FindClose(search_);
-        search_ = nullptr;
-    }
+    void restart() { search_.reset(); }
 
 private:
     open_folder own_;
     open_folder * folder_;
-    file_search * search_ = nullptr;
+    search_handle search_;
     WIN32_FIND_DATAW found_;
 };
 
