@@ -27,7 +27,7 @@ uint64 walk_io(any::path const & path) {
     uint64 found = 0;
     io::directory folder(path);
     for (auto entry = folder.begin(), last = folder.end(); entry != last; ++entry) {
-        entry->load_attributes(0);
+        entry->load_attributes(io::attributes::no_sidecar);
         found += entry->directory() ? walk_io(entry->path()) : 1;
     }
     return found;

@@ -104,7 +104,7 @@ uint64 walk_io(bool attributes) {
         io::directory inner(folder->path());
         for (auto entry = inner.begin(), end = inner.end(); entry != end; ++entry) {
             if (attributes)
-                entry->load_attributes(0);
+                entry->load_attributes(io::attributes::no_sidecar);
             ++found;
         }
     }

@@ -38,7 +38,7 @@ void apply(wide_string const & path, info_bytes const & info, bool allow_ntfs) {
 }
 
 std::string read_stream(wide_string const & path) {
-    nio::file stream(path, 1);
+    nio::file stream(path, nio::file::mode_read);
     std::string bytes(stream.size(), '\0');
     check(stream.read(bytes.data(), static_cast<uint32>(bytes.size())) == bytes.size());
     return bytes;
@@ -48,10 +48,10 @@ std::string read_stream(wide_string const & path) {
 void block(std::string bytes, info_bytes const & info) {
     wide_string const path = u"N:\\f";
     {
-        nio::file file(path, 3);
-        nio::file fork(path, 0);
+        nio::file file(path, nio::file::mode_new);
+        nio::file fork(path, nio::file::mode_closed);
         fork.create_rsrc(true, false);
-        nio::file stream(nio::ntfs_info_name(path), 3);
+        nio::file stream(nio::ntfs_info_name(path), nio::file::mode_new);
         stream.write(bytes.data(), static_cast<uint32>(bytes.size()));
     }
     info_bytes expected;

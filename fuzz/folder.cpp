@@ -543,7 +543,7 @@ private:
     }
 
     void create_wide(std::string const & path, bool overwrite, std::string const & bytes) {
-        nio::file file(wide_path(path), 0);
+        nio::file file(wide_path(path), nio::file::mode_closed);
         std::string after;
         same(
             [&] {
@@ -562,7 +562,7 @@ private:
     }
 
     void create_rsrc(std::string const & path, bool overwrite, std::string const & bytes) {
-        nio::file file(wide_path(path), 0);
+        nio::file file(wide_path(path), nio::file::mode_closed);
         std::string after;
         same(
             [&] {

@@ -42,7 +42,7 @@ protected:
     }
 
     static void expect_blocks(wide_string const & path, uint32 blocks) {
-        nio::file file(path, 1);
+        nio::file file(path, nio::file::mode_read);
         EXPECT_EQ(file.size(), uint64{blocks} * megabyte);
         std::vector<char> bytes(megabyte);
         for (uint32 i = 0; i < blocks; ++i)
@@ -58,15 +58,15 @@ INSTANTIATE_TEST_SUITE_P(stores, big_stream, testing::Bool(),
 
 TEST_P(big_stream, lives_and_dies_with_its_file) {
     uint32 const blocks = GetParam() ? 10 : 100;
-    nio::file(u"N:\\file", 3).close();
-    nio::file file(u"N:\\file:big", 4);
+    nio::file(u"N:\\file", nio::file::mode_new).close();
+    nio::file file(u"N:\\file:big", nio::file::mode_anew);
     for (uint32 i = 0; i < blocks; ++i)
         file.write(block(i).data(), megabyte);
-    EXPECT_THROW(nio::file(u"N:\\file:big", 2), nio::exception) << "it is being written";
+    EXPECT_THROW(nio::file(u"N:\\file:big", nio::file::mode_read_write), nio::exception) << "it is being written";
     file.close();
     expect_blocks(u"N:\\file:big", blocks);
 
-    nio::file again(u"N:\\file:big:$DATA", 2);
+    nio::file again(u"N:\\file:big:$DATA", nio::file::mode_read_write);
     EXPECT_TRUE(again.resize(uint64{blocks / 2} * megabyte));
     again.close();
     wide_string target = u"N:\\moved";
@@ -75,7 +75,7 @@ TEST_P(big_stream, lives_and_dies_with_its_file) {
     EXPECT_FALSE(nio::exists(u"N:\\file:big"));
 
     nio::unlink(target, true);
-    nio::file(target, 3).close();
+    nio::file(target, nio::file::mode_new).close();
     EXPECT_FALSE(nio::exists(u"N:\\moved:big"));
 }
 

@@ -44,7 +44,7 @@ void walk_items(wide_string const & folder, bool with_attributes) {
     io::directory walked(as_path(folder + u"\\walked"));
     for (auto it = walked.begin(); it != walked.end(); ++it) {
         if (with_attributes)
-            it->load_attributes(0);
+            it->load_attributes(io::attributes::no_sidecar);
         seen += !it.is_directory();
     }
     EXPECT_EQ(seen, entries);
@@ -68,13 +68,13 @@ budget const budgets[] = {
     {"io exists", 1, 1, "statx for the kind",
      [](wide_string const & in) { EXPECT_TRUE(io::item(item_in(in)).exists()); }},
     {"io attributes", 2, 1, "statx, and which extended attributes there are",
-     [](wide_string const & in) { io::item(item_in(in)).load_attributes(0); }},
+     [](wide_string const & in) { io::item(item_in(in)).load_attributes(io::attributes::no_sidecar); }},
     {"io attributes of type 1", 8, 4, "the same; the sidecar and its two side forks are looked for",
-     [](wide_string const & in) { io::item(item_in(in)).load_attributes(1); }},
+     [](wide_string const & in) { io::item(item_in(in)).load_attributes(io::attributes::with_sidecar); }},
     {"io apply", 12, 4, "load; kind; times by open, record of the creation time; bits",
      [](wide_string const & in) {
          io::item item(item_in(in));
-         item.load_attributes(0);
+         item.load_attributes(io::attributes::no_sidecar);
          item.apply_attributes(0);
      }},
     {"nio attributes", 4, 3, "statx, extended attributes, the sidecar",
@@ -90,17 +90,17 @@ budget const budgets[] = {
          set.apply(item, true, true);
      }},
     {"open and close", 3, 1, "open, fstat for the kind, close",
-     [](wide_string const & in) { nio::file(file_in(in), 1).close(); }},
+     [](wide_string const & in) { nio::file(file_in(in), nio::file::mode_read).close(); }},
     {"open to write and close", 4, 1, "the same with a lock",
-     [](wide_string const & in) { nio::file(file_in(in), 2).close(); }},
+     [](wide_string const & in) { nio::file(file_in(in), nio::file::mode_read_write).close(); }},
     {"create and close", 4, 2, "whether it is there; open, lock, close",
      [](wide_string const & in) {
-         nio::file made(in + u"\\new", 0);
+         nio::file made(in + u"\\new", nio::file::mode_closed);
          made.create(false);
          made.close();
      }},
     {"delete", 4, 2, "the sidecar is looked for; lstat for the write bit, unlink",
-     [](wide_string const & in) { nio::file(file_in(in), 0).unlink(true); }},
+     [](wide_string const & in) { nio::file(file_in(in), nio::file::mode_closed).unlink(true); }},
     {"io delete", 2, 1, "lstat for the write bit, unlink",
      [](wide_string const & in) { io::file(item_in(in)).unlink(true); }},
     {"make a folder", 6, 4, "whether it and its parent are there, mkdir",

@@ -338,7 +338,7 @@ TEST(forks, take_the_standard_streams) {
     EXPECT_STREQ(bytes, "typed");
     file.data_fork().close(true);
     input.comes_from(files.host("typed"));
-    nio::file wide(u"", 0);
+    nio::file wide(u"", nio::file::mode_closed);
     wide.open_stdin();
     EXPECT_EQ(wide.read(bytes, 2), 2u);
     wide.close();

@@ -76,7 +76,7 @@ TEST(nio_file, opens_by_its_mode) {
 
 TEST(nio_file, reads_writes_and_resizes) {
     scratch const folder;
-    nio::file file(folder.path("a/b/c"), 0);
+    nio::file file(folder.path("a/b/c"), nio::file::mode_closed);
     EXPECT_EQ(file.tell(), all_ones);
     EXPECT_FALSE(file.seek(0));
     EXPECT_FALSE(file.resize(3));
@@ -110,7 +110,7 @@ TEST(nio_file, reads_writes_and_resizes) {
 
 TEST(nio_file, is_created_under_a_normal_name) {
     scratch const folder;
-    nio::file file(folder.path("dir") + u"\\a?b", 0);
+    nio::file file(folder.path("dir") + u"\\a?b", nio::file::mode_closed);
     EXPECT_TRUE(file.create(false));
     EXPECT_EQ(file.path(), folder.path("dir") + u"\\a_b");
     put(file, "first");
@@ -128,7 +128,7 @@ TEST(nio_file, is_created_under_a_normal_name) {
 TEST(nio_file, keeps_its_fork_in_a_sidecar) {
     scratch const folder;
     folder.write("f", "data");
-    nio::file file(folder.path("f"), 0);
+    nio::file file(folder.path("f"), nio::file::mode_closed);
     EXPECT_EQ(raised([&] { file.open_rsrc(); }), "cannot open file");
     EXPECT_FALSE(file.create_rsrc(true, false));
     EXPECT_EQ(file.tell(), 0u);
@@ -152,12 +152,12 @@ TEST(nio_file, keeps_its_fork_in_a_sidecar) {
 
     folder.write("g", "");
     folder.write("._g", "short");
-    nio::file other(folder.path("g"), 0);
+    nio::file other(folder.path("g"), nio::file::mode_closed);
     other.open_rsrc();
     EXPECT_EQ(other.size(), 0u);
     EXPECT_EQ(rest(other), "");
 
-    nio::file odd(folder.path("") + u"\\n?", 0);
+    nio::file odd(folder.path("") + u"\\n?", nio::file::mode_closed);
     EXPECT_TRUE(odd.create_rsrc(false, true));
     EXPECT_EQ(odd.path(), folder.path("") + u"\\n_");
     EXPECT_EQ(folder.read("._n_").size(), 82u);
@@ -172,7 +172,7 @@ TEST(nio_file, keeps_its_fork_in_a_stream) {
     ntfs_folder const ntfs;
     if (!ntfs.attached())
         GTEST_SKIP() << ntfs_folder::limit;
-    nio::file file(u"N:\\f", 3);
+    nio::file file(u"N:\\f", nio::file::mode_new);
     put(file, "data");
     file.close();
     EXPECT_FALSE(file.create_rsrc(true, false));
@@ -188,10 +188,10 @@ TEST(nio_file, keeps_its_fork_in_a_stream) {
         {u":large", std::string(100'000, 'l')},
     };
     for (auto const & [name, bytes] : others) {
-        nio::file stream(u"N:\\f" + name, 3);
+        nio::file stream(u"N:\\f" + name, nio::file::mode_new);
         put(stream, bytes);
     }
-    nio::file information(u"N:\\f:AFP_AfpInfo", 3);
+    nio::file information(u"N:\\f:AFP_AfpInfo", nio::file::mode_new);
     put(information, "information");
     information.close();
 
@@ -199,7 +199,7 @@ TEST(nio_file, keeps_its_fork_in_a_stream) {
     for (uint32 const size : {1u, 7u, 64u, 65'536u}) {
         file.open_ntfs();
         std::string const digits = std::to_string(size);
-        nio::file copy(u"N:\\copy" + wide_string(digits.begin(), digits.end()), 3);
+        nio::file copy(u"N:\\copy" + wide_string(digits.begin(), digits.end()), nio::file::mode_new);
         copy.close();
         copy.open_ntfs_w();
         std::string block(size, '\0');
@@ -210,11 +210,11 @@ TEST(nio_file, keeps_its_fork_in_a_stream) {
         copy.close_ntfs();
         EXPECT_FALSE(copy.is_open());
         for (auto const & [name, bytes] : others) {
-            nio::file copied(copy.path() + name, 1);
+            nio::file copied(copy.path() + name, nio::file::mode_read);
             EXPECT_TRUE(rest(copied) == bytes);
         }
         EXPECT_FALSE(nio::exists(copy.path() + u":AFP_Resource") || nio::exists(copy.path() + u":AFP_AfpInfo"));
-        EXPECT_EQ(nio::file(copy.path(), 1).size(), 0u);
+        EXPECT_EQ(nio::file(copy.path(), nio::file::mode_read).size(), 0u);
     }
 }
 
@@ -248,7 +248,7 @@ TEST(nio_directory, has_room_for_temporary_ones) {
     scratch const folder;
     nio::directory made;
     made.create_temp(folder.path("new"));
-    nio::file file(u"", 0);
+    nio::file file(u"", nio::file::mode_closed);
     file.create_temp(made.path());
     EXPECT_TRUE(file.is_open());
     EXPECT_TRUE(file.path().starts_with(made.path() + u'\\'));
@@ -396,12 +396,12 @@ TEST(nio_attributes, keep_the_information_in_a_stream) {
     ntfs_folder const ntfs;
     if (!ntfs.attached())
         GTEST_SKIP() << ntfs_folder::limit;
-    nio::file file(u"N:\\f", 3);
+    nio::file file(u"N:\\f", nio::file::mode_new);
     file.close();
     nio::attributes set(file);
     set.finder_info.fill('f');
     set.apply(file, true, true);
-    nio::file info(u"N:\\f:AFP_AfpInfo", 1);
+    nio::file info(u"N:\\f:AFP_AfpInfo", nio::file::mode_read);
     std::string const block = rest(info);
     EXPECT_EQ(block, "AFP\0\0\0\1\0\0\0\0\0\0\0\0\0"s + std::string(32, 'f') + std::string(12, '\0'));
     info.close();

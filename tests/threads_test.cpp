@@ -53,13 +53,13 @@ work const table[] = {
     // Each thread has its own error.
     [](scratch const & folder, std::string const & own) {
         for (int i = 0; i < 20; ++i) {
-            EXPECT_THROW(nio::file(folder.path(own + "/missing"), 1), nio::exception);
+            EXPECT_THROW(nio::file(folder.path(own + "/missing"), nio::file::mode_read), nio::exception);
             EXPECT_EQ(platform::last_error(), 3u);
         }
     },
     [](scratch const & folder, std::string const & own) {
         for (int i = 0; i < 20; ++i) {
-            EXPECT_THROW(nio::file(folder.path("none" + own), 1), nio::exception);
+            EXPECT_THROW(nio::file(folder.path("none" + own), nio::file::mode_read), nio::exception);
             EXPECT_EQ(platform::last_error(), 2u);
         }
     },
@@ -77,7 +77,7 @@ work const table[] = {
     },
     // Files and folders of both families.
     [](scratch const & folder, std::string const & own) {
-        nio::file file(folder.path(own + "/deep/file"), 0);
+        nio::file file(folder.path(own + "/deep/file"), nio::file::mode_closed);
         file.create(true);
         file.write("bytes", 5);
         file.close();
@@ -105,10 +105,10 @@ work const table[] = {
     // Named streams, whose store is one for all.
     [](scratch const &, std::string const & own) {
         wide_string const name = u"N:\\" + platform::from_host(own);
-        nio::file(name, 3).write("data", 4);
-        nio::file(name + u":note", 4).write("note", 4);
+        nio::file(name, nio::file::mode_new).write("data", 4);
+        nio::file(name + u":note", nio::file::mode_anew).write("note", 4);
         char bytes[5];
-        EXPECT_EQ(nio::file(name + u":note", 1).read(bytes, 5), 4u);
+        EXPECT_EQ(nio::file(name + u":note", nio::file::mode_read).read(bytes, 5), 4u);
         nio::unlink(name, true);
     },
 };

@@ -42,7 +42,7 @@ uint32 update(uint32 crc, unsigned char const * bytes, uint32 count) {
 uint32 checksum(extent const & bytes) {
     uint32 crc = 0xFFFFFFFF;
     if (bytes.size > 0) {
-        nio::file file(bytes.path, 1);
+        nio::file file(bytes.path, nio::file::mode_read);
         if (bytes.offset > 0)
             file.seek(bytes.offset);
         std::vector<char> block(std::min<uint64>(bytes.size, 262144));

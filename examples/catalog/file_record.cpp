@@ -152,7 +152,7 @@ bool same_bytes(extent const & a, extent const & b) {
     if (a.size == 0)
         return true;
     constexpr uint32 step = 65536;
-    nio::file first(a.path, 1), second(b.path, 1);
+    nio::file first(a.path, nio::file::mode_read), second(b.path, 1);
     if (!first.seek(a.offset) || !second.seek(b.offset))
         return false;
     std::vector<char> one(step), other(step);

@@ -20,7 +20,7 @@ namespace {
 void copy(extent const & from, nio::file & to, progress & shown) {
     constexpr uint64 step = 1 << 20;
     constexpr uint32 block = 262144;
-    nio::file source(from.path, 1);
+    nio::file source(from.path, nio::file::mode_read);
     if (!source.seek(from.offset))
         fail("cannot be read from where its fork begins");
     for (uint64 left = from.size; left > 0;) {
@@ -102,7 +102,7 @@ void forked_copy::make(file_record const & from, progress & shown) const {
 }
 
 void forked_copy::make_beside(file_record const & from) const {
-    nio::file owner(path_, 3);
+    nio::file owner(path_, nio::file::mode_new);
     open_new(owner);
     owner.close();
     apply_attributes(form_, from, path_, true);
@@ -116,13 +116,13 @@ void forked_copy::remove() const {
         nio::item item(path_);
         writable.apply(item, false, false);
     }
-    nio::file(path_, 0).unlink(false); // with its `._` sidecar
+    nio::file(path_, nio::file::mode_closed).unlink(false); // with its `._` sidecar
     for (auto const & name : {rsrc_name(fork_form::sidecar, path_), info_name(fork_form::sidecar, path_)})
-        nio::file(name, 0).unlink(false);
+        nio::file(name, nio::file::mode_closed).unlink(false);
 }
 
 void forked_copy::make_data(file_record const & from, progress & shown) const {
-    nio::file data(path_, 3);
+    nio::file data(path_, nio::file::mode_new);
     open_new(data);
     for (auto const & [begin, end] : stretches(from)) {
         data.seek(begin);
@@ -133,7 +133,7 @@ void forked_copy::make_data(file_record const & from, progress & shown) const {
 }
 
 void forked_copy::make_resource(file_record const & from, progress & shown) const {
-    nio::file resource(path_, 0);
+    nio::file resource(path_, nio::file::mode_closed);
     if (form_ == fork_form::sidecar) {
         resource.path() = rsrc_name(form_, path_);
         resource.create(false);
@@ -177,7 +177,7 @@ bool has_streams(file_record const & file) {
 
 void copy_streams(file_record const & from, wide_string const & to) {
     stream_run run(from.path);
-    nio::file target(to, 0);
+    nio::file target(to, nio::file::mode_closed);
     target.open_ntfs_w();
     struct closing {
         nio::file & file;

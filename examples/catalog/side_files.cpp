@@ -85,10 +85,10 @@ bool anything_in(nio::file & file, uint64 offset, uint64 size) {
 
 } // namespace
 
-extent whole_file(wide_string const & path) { return {path, 0, nio::file(path, 1).size()}; }
+extent whole_file(wide_string const & path) { return {path, 0, nio::file(path, nio::file::mode_read).size()}; }
 
 std::optional<apple_double> read_apple_double(wide_string const & path) {
-    nio::file file(path, 1);
+    nio::file file(path, nio::file::mode_read);
     uint64 const size = file.size();
     auto const table = table_of(file, size);
     apple_double result;
@@ -115,7 +115,7 @@ std::optional<apple_double> read_apple_double(wide_string const & path) {
 
 void name_resource_fork(wide_string const & path) {
     constexpr uint64 second_entry = 38, resource_offset = 82;
-    nio::file file(path, 2);
+    nio::file file(path, nio::file::mode_read_write);
     uint64 const size = file.size();
     byte_vector bytes;
     stream::vector_output memory(bytes);
@@ -134,7 +134,7 @@ void name_resource_fork(wide_string const & path) {
 bool is_info_header(wide_string const & path) {
     // The last field that the library reads ends at 102; behind 128 there would be forks.
     constexpr uint32 least_size = 102, greatest_size = 128, longest_name = 63;
-    nio::file file(path, 1);
+    nio::file file(path, nio::file::mode_read);
     byte_vector const bytes = read_at(file, 0, greatest_size + 1);
     return bytes.size() >= least_size && bytes.size() <= greatest_size && bytes[0] == 0 && bytes[74] == 0
            && bytes[82] == 0 && bytes[1] <= longest_name;
@@ -143,7 +143,7 @@ bool is_info_header(wide_string const & path) {
 std::optional<finder_bytes> read_finder_stream(wide_string const & path) {
     constexpr unsigned char signature[] = {'A', 'F', 'P', 0, 0, 0, 1, 0};
     constexpr uint32 size = 60, finder_offset = 16;
-    nio::file file(path, 1);
+    nio::file file(path, nio::file::mode_read);
     byte_vector const bytes = read_at(file, 0, size);
     if (bytes.size() < size || !std::equal(std::begin(signature), std::end(signature), bytes.begin()))
         return {};

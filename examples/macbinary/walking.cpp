@@ -17,7 +17,7 @@ void show_file(io::item & entry) {
     io::file file(entry.path());
     std::cout << "  data " << file.data_fork().size() << ", resource " << file.rsrc_fork().size();
     try {
-        entry.load_attributes(3);
+        entry.load_attributes(io::attributes::read_sidecar);
         if (auto const & finder = entry.attributes().mac_file; finder.present())
             std::cout << ", " << readable(finder.value().info.type.to_string()) << ' '
                       << readable(finder.value().info.creator.to_string());

@@ -217,7 +217,7 @@ void unlink(wide_string const & path, bool must_succeed) {
     if (is_directory(path))
         directory(path).unlink(must_succeed);
     else
-        file(path, 0).unlink(must_succeed);
+        file(path, file::mode_closed).unlink(must_succeed);
 }
 
 } // namespace nio

@@ -100,7 +100,7 @@ uncounted::~uncounted() {
 }
 
 void put_stream(wide_string const & path, std::string const & bytes) {
-    nio::file file(path, 4);
+    nio::file file(path, nio::file::mode_anew);
     file.write(bytes.data(), static_cast<uint32>(bytes.size()));
 }
 

@@ -96,7 +96,7 @@ bool carry_attributes(place const & where, report &) {
 }
 
 bool write_file(place const & where, report & written) {
-    nio::file file(where.here.path("new/folder/file"), 0);
+    nio::file file(where.here.path("new/folder/file"), nio::file::mode_closed);
     if (file.create(true) || !file.is_open())
         return false;
     write_in_pieces(file, written);
@@ -105,7 +105,7 @@ bool write_file(place const & where, report & written) {
 }
 
 bool make_anew(place const & where, report & written) {
-    nio::file file(where.here.path("file"), 4);
+    nio::file file(where.here.path("file"), nio::file::mode_anew);
     if (!file.is_open())
         return false;
     write_in_pieces(file, written);
@@ -113,15 +113,15 @@ bool make_anew(place const & where, report & written) {
 }
 
 bool use_modes(place const & where, report &) {
-    nio::file reader(where.here.path("file"), 1);
+    nio::file reader(where.here.path("file"), nio::file::mode_read);
     check_reads(reader, old_bytes);
-    nio::file writer(where.here.path("file"), 2);
+    nio::file writer(where.here.path("file"), nio::file::mode_read_write);
     bool const resized = writer.seek(8000) && writer.resize(4000) && writer.resize(12000);
     return resized && writer.size() == 12000 && writer.tell() == 4000;
 }
 
 bool write_rsrc(place const & where, wide_string const & path, bool allow_ntfs, report & written) {
-    nio::file file(path, 0);
+    nio::file file(path, nio::file::mode_closed);
     if (file.create_rsrc(allow_ntfs, true) || !file.is_open())
         return false;
     write_in_pieces(file, written);
@@ -159,7 +159,7 @@ void prepare_streams(place const & where) {
 /// The store keeps a name of this length in a folder of its own.
 bool make_long_stream(place const &, report &) {
     put_stream(u"N:\\g:" + wide_string(60, u'N'), "new");
-    return nio::file(u"N:\\g:" + wide_string(60, u'N'), 1).size() == 3;
+    return nio::file(u"N:\\g:" + wide_string(60, u'N'), nio::file::mode_read).size() == 3;
 }
 
 /// M: is a copy of N: then, as tools make it that keep extended attributes, and knows its files anew.
@@ -181,11 +181,11 @@ bool attach_copied_volume(place const & where, report &) {
 
 bool back_up(place const &, report &) {
     std::vector<char> bytes(30000);
-    nio::file from(u"N:\\f", 0);
+    nio::file from(u"N:\\f", nio::file::mode_closed);
     from.open_ntfs();
     bytes.resize(from.read_ntfs(bytes.data(), 30000));
     from.close_ntfs();
-    nio::file to(u"N:\\g", 0);
+    nio::file to(u"N:\\g", nio::file::mode_closed);
     to.open_ntfs_w();
     to.write_ntfs(bytes.data(), static_cast<uint32>(bytes.size()));
     to.close_ntfs();
