@@ -203,6 +203,16 @@ void line_string() {
     });
 }
 
+void line_string_again() {
+    with_input([](stream::input & in) {
+        stream::line_input lines(in);
+        uint64 total = 0;
+        for (narrow_string line; lines.read_line(line) != 0xFFFFFFFF;)
+            total += line.size();
+        benchmark::DoNotOptimize(total);
+    });
+}
+
 void line_std() {
     std::ifstream in(text_file(), std::ios::binary);
     uint64 total = 0;
@@ -272,6 +282,7 @@ void copy_rdbuf() {
     add(lines, "limit: read(2) and memchr", line_limit, size);
     add(lines, "socle, any line end, into a buffer", line_buffer, size);
     add(lines, "socle, any line end, into a string", line_string, size);
+    add(lines, "socle, any line end, into a string, again", line_string_again, size);
     add(lines, "std::getline", line_std, size);
     add(lines, "getline(3)", line_posix, size);
     char const * const copies = "copies, file to file, 256 MiB";

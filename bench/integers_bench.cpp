@@ -5,10 +5,10 @@
 #include "socle/stream/array_output.h"
 #include "socle/stream/buffered_input.h"
 #include "socle/stream/buffered_output.h"
-#include "socle/stream/endian_input.h"
-#include "socle/stream/endian_output.h"
+#include "socle/stream/integers.h"
 
 #include <cstring>
+#include <vector>
 
 namespace {
 
@@ -134,6 +134,69 @@ void store(benchmark::State & state) {
     integers_done<Value>(state);
 }
 
+// Tables of 64 KiB, as a reader of files takes them.
+
+template <class Value>
+std::vector<Value> & table() {
+    static std::vector<Value> values(block / sizeof(Value));
+    return values;
+}
+
+template <class Value>
+void read_run(benchmark::State & state) {
+    for (auto _ : state) {
+        stream::array_input memory(source(), integers_size);
+        stream::big_endian_input in(memory);
+        for (uint32 at = 0; at < integers_size; at += block) {
+            stream::read_integers(in, table<Value>());
+            benchmark::ClobberMemory();
+        }
+    }
+    integers_done<Value>(state);
+}
+
+template <class Value>
+void write_run(benchmark::State & state) {
+    for (auto _ : state) {
+        stream::array_output memory(target(), integers_size);
+        stream::big_endian_output out(memory);
+        for (uint32 at = 0; at < integers_size; at += block) {
+            stream::write_integers(out, std::span<Value const>(table<Value>()));
+            benchmark::ClobberMemory();
+        }
+    }
+    integers_done<Value>(state);
+}
+
+/// Swaps in place, in a loop that the compiler makes vector instructions of.
+template <class Value>
+[[gnu::optimize("O3")]] void swap_table() {
+    for (auto & value : table<Value>())
+        value = swapped(value);
+}
+
+template <class Value>
+void read_limit(benchmark::State & state) {
+    for (auto _ : state)
+        for (uint32 at = 0; at < integers_size; at += block) {
+            std::memcpy(table<Value>().data(), source() + at, block);
+            swap_table<Value>();
+            benchmark::ClobberMemory();
+        }
+    integers_done<Value>(state);
+}
+
+template <class Value>
+void write_limit(benchmark::State & state) {
+    for (auto _ : state)
+        for (uint32 at = 0; at < integers_size; at += block) {
+            swap_table<Value>();
+            std::memcpy(target() + at, table<Value>().data(), block);
+            benchmark::ClobberMemory();
+        }
+    integers_done<Value>(state);
+}
+
 template <class Value>
 void add_rows() {
     using bench::add;
@@ -146,6 +209,10 @@ void add_rows() {
     add(writes, "limit with its place in memory", store<Value, char * volatile>);
     add(writes, "socle, memory beneath", write_memory<Value>);
     add(writes, "socle, a buffer beneath", write_buffer<Value>);
+    add(reads + ", in runs", "limit: memcpy and swap", read_limit<Value>);
+    add(reads + ", in runs", "socle, memory beneath", read_run<Value>);
+    add(writes + ", in runs", "limit: swap and memcpy", write_limit<Value>);
+    add(writes + ", in runs", "socle, memory beneath", write_run<Value>);
 }
 
 [[maybe_unused]] bool const registered = [] {

@@ -80,6 +80,19 @@ void line_into_string(benchmark::State & state) {
     meter.done(state, size);
 }
 
+void line_into_string_again(benchmark::State & state) {
+    for (auto _ : state) {
+        stream::vector_input memory(bytes());
+        stream::buffered_input buffered(memory, block);
+        stream::line_input in(buffered);
+        uint64 total = 0;
+        for (narrow_string line; in.read_line(line) != 0xFFFFFFFF;)
+            total += line.size();
+        benchmark::DoNotOptimize(total);
+    }
+    done(state);
+}
+
 void std_getline(benchmark::State & state) {
     std::istringstream in(text());
     for (auto _ : state) {
@@ -113,6 +126,7 @@ void posix_getline(benchmark::State & state) {
 BENCHMARK(scan)->Name("lines, 16 MiB/limit: memchr alone");
 BENCHMARK(line_into_buffer)->Name("lines, 16 MiB/socle, into a buffer");
 BENCHMARK(line_into_string)->Name("lines, 16 MiB/socle, into a string");
+BENCHMARK(line_into_string_again)->Name("lines, 16 MiB/socle, into a string, again");
 BENCHMARK(std_getline)->Name("lines, 16 MiB/std::getline");
 BENCHMARK(posix_getline)->Name("lines, 16 MiB/getline(3)");
 

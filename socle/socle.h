@@ -88,6 +88,7 @@
 #include "socle/stream/infinite_input.h"
 #include "socle/stream/infinite_output.h"
 #include "socle/stream/input.h"
+#include "socle/stream/integers.h"
 #include "socle/stream/limited_input.h"
 #include "socle/stream/line_input.h"
 #include "socle/stream/multi_input.h"

@@ -2,8 +2,7 @@
 #include "socle/stream/buffered_input.h"
 #include "socle/stream/buffered_output.h"
 #include "socle/stream/direct_input.h"
-#include "socle/stream/endian_input.h"
-#include "socle/stream/endian_output.h"
+#include "socle/stream/integers.h"
 #include "socle/stream/line_input.h"
 #include "socle/stream/safe_input.h"
 #include "socle/stream/vector_input.h"
@@ -242,6 +241,73 @@ TEST(endian, writes_each_width) {
     stream::array_output small(three, 3);
     EXPECT_THROW(stream::big_endian_output(small).write32(0x61626364), stream::exception);
     EXPECT_EQ(std::string(three, 3), "abc");
+}
+
+/// Both classes of each side, one value at a time or in runs.
+template <class In, class Out>
+void expect_runs_like_single_calls() {
+    std::string const data = text(support::pattern(299));
+    auto const read = [](stream::input & from, bool runs) {
+        In in(from);
+        std::vector<uint64> all(40); // beyond the end
+        if (runs)
+            stream::read_integers(in, all);
+        else
+            std::generate(all.begin(), all.end(), [&] { return in.read64(); });
+        return std::pair(all, in.tell());
+    };
+    byte_vector const held = bytes(data);
+    stream::vector_input one_memory(held), other_memory(held);
+    EXPECT_EQ(read(one_memory, true), read(other_memory, false));
+    fragment_source asked_singles({data.substr(0, 150), data.substr(150)}),
+        asked_runs({data.substr(0, 150), data.substr(150)});
+    EXPECT_EQ(read(asked_runs, true), read(asked_singles, false));
+    EXPECT_EQ(asked_runs.asked, asked_singles.asked);
+
+    auto const write = [&](stream::output & to, std::span<uint32 const> values, bool runs) {
+        Out out(to);
+        try {
+            if (runs)
+                stream::write_integers(out, values);
+            else
+                for (auto const value : values)
+                    out.write32(value);
+        } catch (stream::exception const &) {
+            return std::pair(true, out.tell());
+        }
+        return std::pair(false, out.tell());
+    };
+    // Into memory that is too small, which in two cases is that of the values themselves, where each changes a later
+    // one.
+    for (auto const & [shift, aliased] : {std::pair(0, false), std::pair(0, true), std::pair(3, true)}) {
+        std::vector<uint32> one(50);
+        std::memcpy(one.data(), data.data(), 200);
+        auto other = one;
+        auto const values = one;
+        stream::array_output to_one(reinterpret_cast<char *>(one.data()) + shift, 150);
+        stream::array_output to_other(reinterpret_cast<char *>(other.data()) + shift, 150);
+        EXPECT_EQ(write(to_one, aliased ? one : values, true), write(to_other, aliased ? other : values, false));
+        EXPECT_EQ(one, other);
+    }
+    std::vector<uint32> const values = {1, 2, 3};
+    recording_target single_target, run_target;
+    EXPECT_EQ(write(run_target, values, true), write(single_target, values, false));
+    EXPECT_EQ(run_target.writes, single_target.writes);
+    EXPECT_EQ(run_target.data, single_target.data);
+}
+
+TEST(endian, runs_are_what_single_calls_are) {
+    expect_runs_like_single_calls<stream::big_endian_input, stream::big_endian_output>();
+    expect_runs_like_single_calls<stream::little_endian_input, stream::little_endian_output>();
+    struct callers_input : stream::big_endian_input {
+        using big_endian_input::big_endian_input;
+        uint64 read64() override { return big_endian_input::read64() + 1; }
+    };
+    struct callers_output : stream::big_endian_output {
+        using big_endian_output::big_endian_output;
+        void write32(uint32 value) override { big_endian_output::write32(value + 1); }
+    };
+    expect_runs_like_single_calls<callers_input, callers_output>();
 }
 
 } // namespace

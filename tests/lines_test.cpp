@@ -1,3 +1,4 @@
+#include "socle/basic/byte_blocks_internal.h"
 #include "socle/stream/line_input.h"
 #include "socle/stream/text_output.h"
 #include "socle/stream/vector_input.h"
@@ -31,8 +32,9 @@ TEST(line_input, cuts_lines_for_a_callers_class_too) {
     auto const expect = [](auto in, auto again, auto const & c) {
         std::string lines, in_fours;
         byte_vector line;
-        while (in.read_line(line) != 0xFFFFFFFF)
-            lines += text(line) + "|";
+        narrow_string words = "used before";
+        for (int turn = 0; (turn % 2 == 0 ? in.read_line(line) : in.read_line(words)) != 0xFFFFFFFF; ++turn)
+            lines += (turn % 2 == 0 ? text(line) : words) + "|";
         char four[4];
         for (uint32 length; (length = again.read_line(four, 4)) != 0xFFFFFFFF;)
             in_fours += std::string(four, length) + "|";
@@ -45,6 +47,16 @@ TEST(line_input, cuts_lines_for_a_callers_class_too) {
         expect(stream::line_input(one), stream::line_input(two), c);
         expect(callers_lines(three), callers_lines(four), c);
     }
+}
+
+TEST(line_input, finds_the_end_in_windows_of_every_size) {
+    for (std::size_t size = 0; size <= 100; ++size)
+        for (std::size_t end = 0; end <= size; ++end) {
+            std::vector<char> window(size, '\x0B'); // of its own, so that no byte lies behind it
+            if (end < size)
+                window[end] = end % 2 == 0 ? '\r' : '\n';
+            EXPECT_EQ(basic::find_either(window.data(), size, '\r', '\n'), end) << size;
+        }
 }
 
 TEST(line_input, reads_nothing_where_nothing_fits) {

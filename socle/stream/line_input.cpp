@@ -82,6 +82,13 @@ uint32 line_input::read_line(byte_vector & line) {
     return found ? static_cast<uint32>(line.size()) : no_line;
 }
 
+uint32 line_input::read_line(narrow_string & line) {
+    line.clear();
+    bool const found =
+        take_line(no_line - 1, [&](char const * piece, std::size_t count) { line.append(piece, count); });
+    return found ? static_cast<uint32>(line.size()) : no_line;
+}
+
 bool line_input::_ours() const { return typeid(*this) == typeid(line_input); }
 
 } // namespace stream

@@ -28,6 +28,8 @@ public:
     /// Reads a line into `line`, whose storage is released first. Returns the length, or 0xFFFFFFFF at the end of the
     /// stream. A line of 2^32 - 1 bytes or more comes in parts.
     uint32 read_line(byte_vector & line);
+    /// The same for a text, whose storage serves again: the form for many lines.
+    uint32 read_line(narrow_string & line);
 
 private:
     bool _ours() const override;
