@@ -1,10 +1,13 @@
 // Trees that are removed and scanned while somebody else changes them.
 
 #include "socle/io/directory.h"
+#include "socle/nio/attributes.h"
 #include "socle/nio/directory.h"
+#include "socle/nio/file.h"
 #include "socle/nio/filesystem_exception.h"
 #include "socle/platform/posix/host/host_calls.h"
 #include "tests/support/elsewhere.h"
+#include "tests/support/ntfs_folder.h"
 
 #include <gtest/gtest.h>
 
@@ -127,6 +130,58 @@ TEST(held_trees, tell_which_folder_could_not_be_removed) {
         ADD_FAILURE() << "nothing thrown";
     } catch (nio::filesystem_exception const & e) {
         EXPECT_NE(e.message().find("tree\\a\\b\\c"), narrow_string::npos) << e.message();
+    }
+}
+
+// The folder that a walk holds stays the one whose entries it asks for, wherever their forks are.
+TEST(held_trees, tell_the_attributes_of_their_entries) {
+    ntfs_folder const here;
+    ASSERT_TRUE(here.attached()) << ntfs_folder::limit;
+    constexpr uint32 hidden = 2;
+    auto const prepare = [&](char const * folder) {
+        fs::create_directories(here.host(folder));
+        for (char const * file : {"/a", "/b"})
+            here.write(std::string(folder) + file, "x");
+    };
+    auto const swap = [&](std::string const & folder) {
+        fs::rename(here.host(folder), here.host(folder + ".away"));
+        fs::create_directory_symlink("outside", here.host(folder));
+    };
+    prepare("outside");
+    for (bool const in_stream : {false, true}) {
+        char const * const folder = in_stream ? "streams" : "doubles";
+        prepare(folder);
+        nio::attributes set;
+        set.file_attributes = hidden;
+        set.finder_info.fill('f');
+        for (char16_t const * name : {u"\\a", u"\\b"}) {
+            nio::item item(here.path(folder) + name);
+            if (in_stream)
+                nio::file(item, nio::file::mode_closed).create_rsrc(true, false);
+            set.apply(item, true, in_stream);
+        }
+        auto entry = nio::directory(here.path(folder)).begin();
+        for (; entry != nio::directory::iterator(); ++entry) {
+            nio::attributes found;
+            entry.load(found);
+            EXPECT_EQ(found.file_attributes, hidden);
+            EXPECT_EQ(found.finder_info, set.finder_info) << folder;
+            if (entry->ends_with(u'a'))
+                swap(folder);
+        }
+    }
+    prepare("sidecars");
+    io::attributes set;
+    set.win32 = io::win32::attributes();
+    set.win32.value().flags = hidden;
+    for (char16_t const * name : {u"\\a", u"\\b"})
+        set.apply(as_path(here.path("sidecars") + name), io::attributes::no_sidecar);
+    io::directory const walked(as_path(here.path("sidecars")));
+    for (auto entry = walked.begin(); entry != walked.end(); ++entry) {
+        entry.load_attributes(io::attributes::with_sidecar);
+        EXPECT_EQ(entry->attributes().win32.value().flags, hidden);
+        if (entry->path().leaf() == u"a")
+            swap("sidecars");
     }
 }
 

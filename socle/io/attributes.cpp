@@ -9,7 +9,8 @@
 #include "socle/io/system_path_internal.h"
 #include "socle/platform/errors.h"
 #include "socle/platform/file_times.h"
-#include "socle/platform/files.h"
+#include "socle/platform/folders.h"
+#include "socle/platform/paths.h"
 
 namespace io {
 
@@ -56,7 +57,17 @@ uint32 mac_seconds(any::time const & time) {
     return early ? 0 : static_cast<uint32>(time.get(any::time::format_mac_seconds));
 }
 
+void refuse(any::path const & path, bool is_there) {
+    raise_system_error(path, is_there ? "cannot access timestamp(s) of" : "what is this", origin);
+}
+
 [[noreturn]] void refuse_type() { throw exception("unknown attributes type", origin, 0); }
+
+bool reads_sidecar(int type) {
+    if (type < attributes::no_sidecar || type > attributes::read_sidecar)
+        refuse_type();
+    return type == attributes::with_sidecar || type == attributes::read_sidecar;
+}
 
 } // namespace
 
@@ -66,41 +77,65 @@ attributes & attributes::operator=(attributes const &) = default;
 attributes::~attributes() = default;
 
 void attributes::load(any::path const & path, int type) {
+    platform::held_paths const hold;
+    clear();
+    platform::WIN32_FILE_ATTRIBUTE_DATA data{};
+    if (!platform::GetFileAttributesExW(system_name(path), data))
+        refuse(path, system_kind(path).exists());
+    take(data);
+    if (reads_sidecar(type))
+        load_bin(path);
+}
+
+/// The same for an entry of an open folder.
+void attributes::load_entry(platform::open_folder const & folder, any::path const & path, int type) {
+    wide_string const name = system_name(path.leaf());
+    auto const is_there = [&](char16_t const * suffix) {
+        return platform::GetFileKindW(folder, name + suffix) != platform::INVALID_FILE_ATTRIBUTES
+               || !platform::nothing_is_there();
+    };
+    clear();
+    platform::WIN32_FILE_ATTRIBUTE_DATA data{};
+    if (!platform::GetFileAttributesExW(folder, name, data))
+        refuse(path, is_there(u""));
+    take(data);
+    if (reads_sidecar(type) && (is_there(u".info") || is_there(u".info.info") || is_there(u".info.rsrc")))
+        load_bin(path);
+}
+
+/// Makes absent what is read; the times are present from here on, also if a call fails.
+void attributes::clear() {
     win32.clear();
     mac_file.clear();
     mac_folder.clear();
     unix.clear();
     extra_path.clear();
     read_only = false;
+    created = created.value();
+    modified = modified.value();
+}
 
-    any::time first = created.value();
-    any::time last = modified.value();
-    created = first; // present from here on, also if a call fails
-    modified = last;
-    uint32 const bits = get_time(path, &first, &last);
-    created = first;
-    modified = last;
-
+void attributes::take(platform::WIN32_FILE_ATTRIBUTE_DATA const & data) {
+    auto const set = [](optional<any::time> & time, uint64 units) {
+        any::time changed = time.value();
+        changed.set(units, any::time::format_file_time);
+        time = changed;
+    };
+    set(created, data.ftCreationTime);
+    set(modified, data.ftLastWriteTime);
     io::win32::attributes found;
-    found.flags = bits & loaded_bits;
+    found.flags = data.dwFileAttributes & loaded_bits;
     win32 = found;
-    read_only = (bits & platform::FILE_ATTRIBUTE_READONLY) != 0;
+    read_only = (data.dwFileAttributes & platform::FILE_ATTRIBUTE_READONLY) != 0;
     io::unix::attributes derived;
     derived.mode = read_only.value() ? 0400 : 0640;
-    if ((bits & platform::FILE_ATTRIBUTE_DIRECTORY) != 0)
+    if ((data.dwFileAttributes & platform::FILE_ATTRIBUTE_DIRECTORY) != 0)
         derived.mode.value += 0110;
     unix = derived;
-
-    switch (type) {
-    case 0:
-    case 2: break;
-    case 1:
-    case 3: load_bin(path); break;
-    default: refuse_type();
-    }
 }
 
 void attributes::apply(any::path const & path, int type) const {
+    platform::held_paths const hold;
     set_time(path, created.present() ? &created.value() : nullptr, modified.present() ? &modified.value() : nullptr);
     uint32 bits = platform::FILE_ATTRIBUTE_ARCHIVE;
     if (win32.present())
@@ -156,17 +191,6 @@ void attributes::apply_bin(any::path const & path) const {
     stored.create(true);
     closing const at_end(stored);
     fork_output(stored).write(bytes.data(), info_header::size);
-}
-
-uint32 attributes::get_time(any::path const & path, any::time * created, any::time * modified) {
-    platform::WIN32_FILE_ATTRIBUTE_DATA data{};
-    if (!platform::GetFileAttributesExW(system_name(path), data))
-        raise_system_error(path, system_kind(path).exists() ? "cannot access timestamp(s) of" : "what is this", origin);
-    if (created != nullptr)
-        created->set(data.ftCreationTime, any::time::format_file_time);
-    if (modified != nullptr)
-        modified->set(data.ftLastWriteTime, any::time::format_file_time);
-    return data.dwFileAttributes;
 }
 
 bool attributes::set_time(any::path const & path, any::time const * created, any::time const * modified) {

@@ -7,7 +7,14 @@
 #include "socle/io/unix/attributes.h"
 #include "socle/io/win32/attributes.h"
 
+namespace platform {
+class open_folder;
+struct WIN32_FILE_ATTRIBUTE_DATA;
+} // namespace platform
+
 namespace io {
+
+class directory;
 
 /// Everything about a file or folder but its bytes and its name. The set is read from one path, kept, and written to
 /// the same path or another.
@@ -61,11 +68,15 @@ public:
     optional<any::path> extra_path;
 
 private:
+    friend class directory;
+
+    void load_entry(platform::open_folder const & folder, any::path const & path, int type);
+    void clear();
+    void take(platform::WIN32_FILE_ATTRIBUTE_DATA const & data);
     void load_bin(any::path const & path);
     void apply_bin(any::path const & path) const;
 
-    // A null pointer leaves that time out. The attribute bits come with the times: one question to the system.
-    static uint32 get_time(any::path const & path, any::time * created, any::time * modified);
+    // A null pointer leaves that time out.
     static bool set_time(any::path const & path, any::time const * created, any::time const * modified);
 };
 

@@ -6,7 +6,8 @@
 #include "socle/io/system_path_internal.h"
 #include "socle/platform/directories.h"
 #include "socle/platform/environment.h"
-#include "socle/platform/files.h"
+#include "socle/platform/folders.h"
+#include "socle/platform/paths.h"
 
 #include <utility>
 
@@ -93,6 +94,7 @@ struct directory::iterator::search {
     platform::WIN32_FIND_DATAW wide;
     platform::WIN32_FIND_DATAA narrow;
     item current;
+    platform::open_folder folder; // from the first question about an entry on
 };
 
 directory::iterator::iterator() : dir_(&directory::current), search_(new search) {}
@@ -144,6 +146,14 @@ bool directory::iterator::is_link() const {
     return (search_->found_bits() & platform::FILE_ATTRIBUTE_REPARSE_POINT) != 0;
 }
 
+void directory::iterator::load_attributes(int type) const {
+    item & entry = search_->current;
+    if (platform::open_folder const * const in = folder())
+        entry.attributes().load_entry(*in, entry.path(), type);
+    else
+        entry.load_attributes(type);
+}
+
 bool directory::iterator::operator==(iterator const & other) const { return search_->handle == other.search_->handle; }
 
 void directory::iterator::first(directory const & folder) {
@@ -176,10 +186,25 @@ bool directory::iterator::trivial() const {
     return is_hidden(search_->name(), [&](wide_string const & name) {
         any::path path(dir_->path());
         path.add_leaf(any::string(name));
-        return item(path).exists();
+        platform::open_folder const * const in = name.empty() ? nullptr : folder();
+        return in == nullptr
+                   ? item(path).exists()
+                   : platform::GetFileKindW(*in, system_name(any::string(name))) != platform::INVALID_FILE_ATTRIBUTES;
     });
 }
 
-void directory::iterator::close() { search_->handle.reset(); }
+/// The folder, held from now on; null where it cannot be.
+platform::open_folder const * directory::iterator::folder() const {
+    platform::open_folder & held = search_->folder;
+    any::path inside(dir_->path());
+    inside.add_leaf(any::string());
+    bool const open = held.is_open() || held.open_target(dir_->path().empty() ? u"." : system_name(inside));
+    return open ? &held : nullptr;
+}
+
+void directory::iterator::close() {
+    search_->handle.reset();
+    search_->folder.close();
+}
 
 } // namespace io

@@ -93,6 +93,11 @@ public:
     bool is_link() const;
     /// @}
 
+    /// Reads the attributes of the entry, as its own `load_attributes` does, but from the folder, which is opened for
+    /// the first entry and held until the walk ends. The host is asked twice, and by types 1 and 3 three times more for
+    /// sidecars, whatever the depth.
+    void load_attributes(int type) const;
+
     /// Goes to the next entry that shows.
     iterator & operator++();
     /// Goes to the next entry, and returns that one.
@@ -108,6 +113,7 @@ private:
     void next();
     void succ();
     bool trivial() const;
+    platform::open_folder const * folder() const;
     void close();
     void skip_hidden();
 

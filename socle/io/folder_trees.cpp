@@ -18,12 +18,6 @@ class shown_tree : public platform::tree_visitor {
 public:
     explicit shown_tree(any::path const & top) : top_(top) {}
 
-    void walk() {
-        platform::open_folder folder;
-        if (folder.open(system_name(top_)))
-            walk_tree(folder, *this);
-    }
-
     bool enter(platform::open_folder & folder, platform::WIN32_FIND_DATAW const & entry) override {
         if (!comes_back(entry.cFileName) || is_hidden(entry.cFileName, [&](wide_string const & name) {
                 return name.empty() ? !top_.empty() : has(folder, name);
@@ -136,8 +130,16 @@ private:
 
 } // namespace
 
-void unlink_children_of(any::path const & folder, bool report) { emptying(folder, report).walk(); }
+void unlink_children_of(any::path const & folder, bool report) {
+    platform::open_folder top;
+    emptying visitor(folder, report);
+    if (top.open(system_name(folder)))
+        walk_tree(top, visitor);
+}
 
-void scan_children_of(any::path const & folder, item::summary & sum) { counting(folder, sum).walk(); }
+void scan_children_of(platform::open_folder & folder, any::path const & path, item::summary & sum) {
+    counting visitor(path, sum);
+    walk_tree(folder, visitor);
+}
 
 } // namespace io

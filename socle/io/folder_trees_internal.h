@@ -2,6 +2,7 @@
 
 #include "socle/any/path.h"
 #include "socle/io/item.h"
+#include "socle/platform/folders.h"
 
 #include <algorithm>
 #include <string_view>
@@ -26,7 +27,7 @@ bool is_hidden(std::u16string_view name, Exists exists) {
 /// the first folder below it that cannot be deleted.
 void unlink_children_of(any::path const & folder, bool report);
 
-/// Adds all that is below a folder, and nothing if it is a link.
-void scan_children_of(any::path const & folder, item::summary & sum);
+/// Adds all that is below an open folder, whose path this is.
+void scan_children_of(platform::open_folder & folder, any::path const & path, item::summary & sum);
 
 } // namespace io

@@ -57,6 +57,7 @@ void item::unlink(bool report) {
 void item::load_attributes(int type) { attributes_.load(path_, type); }
 
 void item::apply_attributes(int type) const {
+    platform::held_paths const hold;
     if (exists())
         attributes_.apply(path_, type);
 }
@@ -90,6 +91,7 @@ bool item::normalize() {
 }
 
 bool item::make_unique(int tries) {
+    platform::held_paths const hold;
     if (!exists())
         return false;
     wide_string const leaf = path_.leaf();
@@ -146,6 +148,7 @@ bool item::_move(any::path const & target) {
 }
 
 uint64 item::size() {
+    platform::held_paths const hold;
     system_kind const kind(path_);
     if (kind.directory())
         return 0;
@@ -203,6 +206,14 @@ bool item::create_with_parents(bool overwrite) {
 }
 
 void item::scan(summary & sum) {
+    platform::open_folder folder;
+    if (folder.open(system_name(path_))) {
+        ++sum.items;
+        ++sum.directories;
+        scan_children_of(folder, path_, sum);
+        return;
+    }
+    // A link to a folder, or one that cannot be listed, counts alone.
     system_kind const kind(path_);
     if (!kind.exists()) {
         ++sum.missing;
@@ -211,7 +222,6 @@ void item::scan(summary & sum) {
     ++sum.items;
     if (kind.directory()) {
         ++sum.directories;
-        scan_children_of(path_, sum);
         return;
     }
     ++sum.files;

@@ -7,12 +7,13 @@
 
 namespace io {
 
-/// How a path goes to the system: as it stands, or as what its narrow form says. Every call of this family goes through
-/// here.
-inline wide_string system_name(any::path const & path) {
-    any::string const full = path.full_string();
-    return wide_calls ? wide_string(full) : platform::from_ansi(full.str(true));
+/// How a path or a name in a folder goes to the system: as it stands, or as what its narrow form says. Every call of
+/// this family goes through here.
+inline wide_string system_name(any::string const & text) {
+    return wide_calls ? wide_string(text) : platform::from_ansi(text.str(true));
 }
+
+inline wide_string system_name(any::path const & path) { return system_name(path.full_string()); }
 
 /// What kind of thing a path leads to, or that there is nothing. Opens nothing.
 class system_kind {

@@ -4,11 +4,13 @@
 #include "socle/nio/file.h"
 #include "socle/nio/filesystem_exception.h"
 #include "socle/nio/fork_names.h"
+#include "socle/nio/found_at_load_internal.h"
 #include "socle/nio/new_paths_internal.h"
 #include "socle/nio/path.h"
 #include "socle/platform/errors.h"
 #include "socle/platform/file_times.h"
-#include "socle/platform/files.h"
+#include "socle/platform/folders.h"
+#include "socle/platform/paths.h"
 
 #include <algorithm>
 #include <string_view>
@@ -30,10 +32,9 @@ using apple_double::finder_info_size;
 
 char const * chars(apple_double::finder_info const & info) { return reinterpret_cast<char const *>(info.data()); }
 
-/// Whether anything is at `name`. Throws for what may be there, but out of reach, and for a pipe or a device: reading
-/// it might not come to an end.
-bool info_exists(wide_string const & name) {
-    uint32 const kind = GetFileKindW(name);
+/// Whether anything is at `name`, whose kind was asked for. Throws for what may be there, but out of reach, and for a
+/// pipe or a device: reading it might not come to an end.
+bool info_exists(wide_string const & name, uint32 kind) {
     if (kind == INVALID_FILE_ATTRIBUTES) {
         if (nothing_is_there())
             return false;
@@ -96,27 +97,60 @@ void apply_times(wide_string const & path, uint64 created, uint64 modified) {
         SetFileTime(handle, created ? &created : nullptr, modified ? &modified : nullptr);
 }
 
+void take(WIN32_FILE_ATTRIBUTE_DATA const & data, attributes & into) {
+    into.created.set(data.ftCreationTime, time::format_file_time);
+    into.modified.set(data.ftLastWriteTime, time::format_file_time);
+    into.file_attributes = data.dwFileAttributes & kept_attributes;
+    into.read_only = (into.file_attributes & FILE_ATTRIBUTE_READONLY) != 0;
+    into.mode = into.read_only ? 0440 : 0640;
+    if ((data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0)
+        into.mode |= 0110;
+}
+
+/// As `is_ntfs`.
+bool has_streams(open_folder const & folder, wide_string const & name) {
+    wide_string file_system;
+    return platform_is_nt && GetVolumeInformationW(folder, name, file_system) && file_system == u"NTFS";
+}
+
 } // namespace
 
 attributes::attributes(item & from) : mode(0) { load(from); }
 
 void attributes::load(item & from) {
+    held_paths const hold;
     wide_string const & path = from.path();
     WIN32_FILE_ATTRIBUTE_DATA data{};
     if (!GetFileAttributesExW(path, data))
         throw filesystem_exception("cannot access timestamps", path);
-    created.set(data.ftCreationTime, time::format_file_time);
-    modified.set(data.ftLastWriteTime, time::format_file_time);
-    file_attributes = data.dwFileAttributes & kept_attributes;
-    read_only = (file_attributes & FILE_ATTRIBUTE_READONLY) != 0;
-    mode = read_only ? 0440 : 0640;
-    if ((data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0)
-        mode |= 0110;
-
+    take(data, *this);
     wide_string const name = info_name(path, true, true);
-    if (!info_exists(name))
+    if (!info_exists(name, GetFileKindW(name)))
         return;
     file info(name, file::mode_read);
+    take_info(info);
+}
+
+/// The same for an entry of an open directory; `path` is the one that failures tell.
+void attributes::load_entry(open_folder const & folder, wide_string const & name, wide_string const & path) {
+    WIN32_FILE_ATTRIBUTE_DATA data{};
+    if (!GetFileAttributesExW(folder, name, data))
+        throw filesystem_exception("cannot access timestamps", path);
+    take(data, *this);
+    bool const in_stream =
+        has_streams(folder, name) && GetFileKindW(folder, ntfs_rsrc_name(name)) != INVALID_FILE_ATTRIBUTES;
+    wide_string const info_leaf = in_stream ? ntfs_info_name(name) : ufs_name(name);
+    file info(in_stream ? ntfs_info_name(path) : ufs_name(path), file::mode_closed);
+    if (!info_exists(info.path(), GetFileKindW(folder, info_leaf)))
+        return;
+    info.handle_ = CreateFileW(folder, info_leaf, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, OPEN_EXISTING, 0);
+    if (!info.is_open())
+        throw filesystem_exception("cannot open file", info.path());
+    take_info(info);
+}
+
+/// What stands in an open stream or sidecar.
+void attributes::take_info(file & info) {
     char found[finder_info_size];
     if (read_info(info, found))
         std::copy_n(found, finder_info_size, finder_info.begin());
@@ -141,6 +175,7 @@ void attributes::open_info(file & info, wide_string const & path, bool allow_ntf
 }
 
 void attributes::apply(item & to, bool write_info, bool allow_ntfs) const {
+    held_paths const hold;
     wide_string const & path = to.path();
     apply_times(path, created.file_time(), modified.file_time());
     uint32 const others = file_attributes & ~FILE_ATTRIBUTE_READONLY;

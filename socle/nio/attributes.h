@@ -5,8 +5,13 @@
 
 #include <array>
 
+namespace platform {
+class open_folder;
+}
+
 namespace nio {
 
+class directory;
 class file;
 
 /// The attributes of a file or directory: times, bits and Finder information.
@@ -47,6 +52,10 @@ public:
     std::array<unsigned char, 32> finder_info{};
 
 private:
+    friend class directory;
+
+    void load_entry(platform::open_folder const & folder, wide_string const & name, wide_string const & path);
+    void take_info(file & info);
     static void open_info(file & info, wide_string const & path, bool allow_ntfs);
 };
 

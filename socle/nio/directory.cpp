@@ -1,11 +1,13 @@
 #include "socle/nio/directory.h"
 
+#include "socle/nio/attributes.h"
 #include "socle/nio/filesystem_exception.h"
 #include "socle/nio/new_paths_internal.h"
 #include "socle/nio/path.h"
 #include "socle/nio/timer.h"
 #include "socle/platform/directories.h"
 #include "socle/platform/folder_walk.h"
+#include "socle/platform/paths.h"
 
 #include <charconv>
 #include <utility>
@@ -79,6 +81,8 @@ private:
 } // namespace
 
 void create_parents(wide_string const & path) {
+    if (platform::IsParentThere(path))
+        return;
     // From here upward what is missing; then from the top down, so that each has its parents tried before it.
     std::vector<wide_string> missing;
     for (wide_string parent = stem(path, u'\\'); !parent.empty() && !exists(parent); parent = stem(parent, u'\\'))
@@ -98,6 +102,7 @@ directory::directory(wide_string const & path) : item(path) {}
 directory::directory(nio::item const & from) : nio::item(from.path()) {}
 
 bool directory::create() {
+    platform::held_paths const hold;
     if (path().empty() || exists())
         return false;
     create_parents(path());
@@ -135,6 +140,7 @@ directory::iterator directory::end() const { return iterator(); }
 struct directory::iterator::search {
     platform::search_handle handle; // null when it has ended
     platform::WIN32_FIND_DATAW data;
+    platform::open_folder folder; // from the first question about an entry on
 };
 
 directory::iterator::iterator() : directory_(u"."), search_(new search) {}
@@ -182,6 +188,14 @@ bool directory::iterator::is_link() const {
     return (search_->data.dwFileAttributes & platform::FILE_ATTRIBUTE_REPARSE_POINT) != 0;
 }
 
+void directory::iterator::load(attributes & into) const {
+    platform::open_folder & folder = search_->folder;
+    if (folder.is_open() || folder.open_target(directory_ + u'\\'))
+        return into.load_entry(folder, search_->data.cFileName, current_);
+    item entry(current_);
+    into.load(entry);
+}
+
 bool directory::iterator::operator==(iterator const & other) const { return search_->handle == other.search_->handle; }
 
 void directory::iterator::_first(wide_string const & path) {
@@ -207,7 +221,10 @@ void directory::iterator::_succ() {
 
 bool directory::iterator::_trivial() const { return is_hidden(search_->data.cFileName); }
 
-void directory::iterator::_close() { search_->handle.reset(); }
+void directory::iterator::_close() {
+    search_->handle.reset();
+    search_->folder.close();
+}
 
 void directory::iterator::show() {
     current_ = directory_;

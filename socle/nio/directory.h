@@ -8,6 +8,8 @@
 
 namespace nio {
 
+class attributes;
+
 /// A directory on disk, named by its path.
 class SOCLE_API directory : public item {
 public:
@@ -78,6 +80,11 @@ public:
     bool is_directory() const;
     bool is_link() const;
     /// @}
+
+    /// Reads the attributes of the entry, as `attributes::load` does with its path, but from the directory, which is
+    /// opened for the first entry and held until the walk ends. The host is asked twice for what it knows and once for
+    /// the sidecar, whatever the depth; a path costs one or two questions more, and each goes through all of it.
+    void load(attributes & into) const;
 
     /// Goes to the next entry that shows.
     iterator & operator++();

@@ -9,6 +9,7 @@
 #include "socle/nio/path.h"
 #include "socle/platform/errors.h"
 #include "socle/platform/files.h"
+#include "socle/platform/paths.h"
 
 #include <algorithm>
 
@@ -74,6 +75,7 @@ void file::open_rsrc() { open_fork(mode_read); }
 void file::open_rsrc_rw() { open_fork(mode_read_write); }
 
 void file::open_fork(int mode) {
+    held_paths const hold;
     auto const name = rsrc_name(path(), true, true);
     place_fork(name);
     handle_ = open_handle(name, mode);
@@ -113,6 +115,7 @@ void file::close() {
 }
 
 bool file::create(bool overwrite) {
+    held_paths const hold;
     create_parents(path());
     int const mode = overwrite ? mode_anew : mode_new;
     fork_offset_ = 0;
@@ -121,6 +124,7 @@ bool file::create(bool overwrite) {
 }
 
 bool file::create_rsrc(bool allow_ntfs, bool overwrite) {
+    held_paths const hold;
     create_parents(path());
     auto const open_new = [&](int mode) {
         auto const name = rsrc_name(path(), false, allow_ntfs);
@@ -207,6 +211,7 @@ bool file::resize(uint64 size) {
 }
 
 void file::unlink(bool must_succeed) {
+    held_paths const hold;
     if (exists_ufs(path()))
         file(ufs_name(path()), mode_closed).unlink(must_succeed);
     if (!DeleteFileW(path()) && must_succeed)
@@ -214,6 +219,7 @@ void file::unlink(bool must_succeed) {
 }
 
 void unlink(wide_string const & path, bool must_succeed) {
+    held_paths const hold;
     if (is_directory(path))
         directory(path).unlink(must_succeed);
     else

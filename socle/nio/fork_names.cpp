@@ -60,9 +60,15 @@ bool is_ntfs(wide_string const & path) {
 
 bool exists_ufs(wide_string const & path) { return exists(ufs_name(path)); }
 
-bool exists_ntfs(wide_string const & path) { return is_ntfs(path) && exists(ntfs_rsrc_name(path)); }
+bool exists_ntfs(wide_string const & path) {
+    platform::held_paths const hold;
+    return is_ntfs(path) && exists(ntfs_rsrc_name(path));
+}
 
-bool exists_rsrc(wide_string const & path) { return exists(rsrc_name(path, true, true)); }
+bool exists_rsrc(wide_string const & path) {
+    platform::held_paths const hold;
+    return exists(rsrc_name(path, true, true));
+}
 
 wide_string rsrc_name(wide_string const & path, bool must_exist, bool allow_ntfs) {
     return fork_name(path, ntfs_rsrc_name(path), must_exist, allow_ntfs);

@@ -41,6 +41,7 @@ wide_string make_absolute(wide_string const & path) {
 }
 
 wide_string make_unique(wide_string const & path, uint32 tries) {
+    platform::held_paths const hold;
     if (!exists(path))
         return path;
     wide_string const start = concatenate(stem(path, u'\\'), leaf_name(path, u'\\') + u'_', u'\\');

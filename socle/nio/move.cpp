@@ -6,6 +6,7 @@
 #include "socle/nio/path.h"
 #include "socle/platform/errors.h"
 #include "socle/platform/files.h"
+#include "socle/platform/paths.h"
 
 #include <new>
 #include <vector>
@@ -47,6 +48,7 @@ bool move_sidecars(std::vector<step> const & steps) {
 } // namespace
 
 bool move(wide_string const & from, wide_string & to, bool must_succeed) {
+    platform::held_paths const hold;
     // Looked for before the move, after which the file might bear the name of one.
     std::vector<step> sidecars;
     bool const known = find_sidecars(from, to, sidecars);

@@ -32,6 +32,8 @@ public:
 
     /// Opens the folder at `path`. A last element that is a link is not followed: 267, as for a file. False on failure.
     bool open(wide_string const & path);
+    /// The same, but a link is followed.
+    bool open_target(wide_string const & path);
     /// Opens the folder `name` in `above`, which must outlive this one; a link is not followed.
     bool open(open_folder & above, wide_string const & name);
     void close();
@@ -42,11 +44,14 @@ public:
     held * get() const { return held_.get(); }
 
 private:
+    bool open(wide_string const & path, bool follow_link);
+
     std::unique_ptr<held> held_;
 };
 
-/// The calls of the same names on an entry of an open folder. `name` is one name: 123 for a path, "." and "..", or a
-/// named stream. A search finds all entries but "." and "..", in the order of a search for `*`, as they are now.
+/// The calls of the same names on an entry of an open folder. `name` is one name, which may go on with a named stream
+/// of the entry: 123 for a path, "." and "..". A search finds all entries but "." and "..", in the order of a search
+/// for `*`, as they are now.
 file_search * FindFirstFileW(open_folder const & folder, WIN32_FIND_DATAW & data);
 file_search * FindFirstFileA(open_folder const & folder, WIN32_FIND_DATAA & data);
 uint32 GetFileKindW(open_folder const & folder, wide_string const & name);
@@ -60,5 +65,7 @@ bool CreateDirectoryW(open_folder const & folder, wide_string const & name);
 bool RemoveDirectoryW(open_folder const & folder, wide_string const & name);
 bool MoveFileW(open_folder const & from, wide_string const & name, open_folder const & to,
                wide_string const & new_name);
+/// The name of the file system that the entry is on.
+bool GetVolumeInformationW(open_folder const & folder, wide_string const & name, wide_string & file_system);
 
 } // namespace platform

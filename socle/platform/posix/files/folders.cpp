@@ -54,10 +54,14 @@ open_folder & open_folder::operator=(open_folder && other) noexcept {
 
 open_folder::~open_folder() { close(); }
 
-bool open_folder::open(wide_string const & path) {
+bool open_folder::open(wide_string const & path) { return open(path, false); }
+
+bool open_folder::open_target(wide_string const & path) { return open(path, true); }
+
+bool open_folder::open(wide_string const & path, bool follow_link) {
     close();
     auto opened = std::make_unique<held>();
-    if (!posix::report(opened->folder.open(path, false)))
+    if (!posix::report(opened->folder.open(path, follow_link)))
         return false;
     held_ = std::move(opened);
     return true;
@@ -68,7 +72,7 @@ bool open_folder::open(open_folder & above, wide_string const & name) {
     auto opened = std::make_unique<held>();
     held * far = above.get();
     auto const open = [&](posix::resolved_path const & at) {
-        return opened->folder.open(above.get()->folder, at.name);
+        return at.stream.empty() ? opened->folder.open(above.get()->folder, at.name) : system_code(ERROR_INVALID_NAME);
     };
     system_code code = with_entry(above, name, open);
     if (code == ERROR_TOO_MANY_OPEN_FILES) {
@@ -134,6 +138,13 @@ bool CreateDirectoryW(open_folder const & folder, wide_string const & name) {
 
 bool RemoveDirectoryW(open_folder const & folder, wide_string const & name) {
     return posix::report(with_entry(folder, name, posix::remove_folder_at));
+}
+
+bool GetVolumeInformationW(open_folder const & folder, wide_string const & name, wide_string & file_system) {
+    return posix::report(with_entry(folder, name, [&](posix::resolved_path const & at) {
+        file_system = posix::file_system_of(*at.on);
+        return system_code();
+    }));
 }
 
 bool MoveFileW(open_folder const & from, wide_string const & name, open_folder const & to,

@@ -76,20 +76,24 @@ system_code listed_folder::find_volume() {
 system_code listed_folder::entry(std::u16string_view name, resolved_path & at) const {
     if (file_.get() < 0)
         return ERROR_PATH_NOT_FOUND;
-    if (name.empty() || name == u"." || name == u".." || !to_host_name(name, at.name))
+    std::size_t const colon = name.find(u':');
+    std::u16string_view const leaf = name.substr(0, colon);
+    if (leaf.empty() || leaf == u"." || leaf == u".." || !to_host_name(leaf, at.name))
         return ERROR_INVALID_NAME;
     if (on_->hides(at.name, at_top_))
         return ERROR_ACCESS_DENIED;
     at.on = on_;
     at.folder = file_.get();
-    at.safe = is_safe_name(name);
-    if (!crosses_)
-        return {};
-    narrow_string path;
-    host_error const error = path_of(file_.get(), path);
-    if (!error)
-        at.on = &volume_at((path == "/" ? path : path + '/') + at.name);
-    return error == ENAMETOOLONG ? system_code() : code_of(error);
+    at.safe = is_safe_name(leaf);
+    if (crosses_) {
+        narrow_string path;
+        host_error const error = path_of(file_.get(), path);
+        if (error && error != ENAMETOOLONG)
+            return code_of(error);
+        if (!error)
+            at.on = &volume_at((path == "/" ? path : path + '/') + at.name);
+    }
+    return colon == std::u16string_view::npos ? system_code() : to_stream(name.substr(colon + 1), at);
 }
 
 system_code listed_folder::list(found const & entry) {

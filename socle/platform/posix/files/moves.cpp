@@ -1,4 +1,5 @@
 #include "socle/platform/files.h"
+#include "socle/platform/paths.h"
 #include "socle/platform/posix/files/copies.h"
 #include "socle/platform/posix/files/operations.h"
 #include "socle/platform/posix/files/renames.h"
@@ -91,10 +92,10 @@ system_code move_at(resolved_path const & from, resolved_path const & to) {
 } // namespace posix
 
 bool MoveFileW(wide_string const & from, wide_string const & to) {
-    return posix::report(posix::with_path(from, [&](posix::resolved_path const & at) {
-        posix::resolved_path target;
-        system_code const code = posix::resolve(to, target, &at);
-        return code ? code : posix::move_at(at, target);
+    held_paths const both;
+    return posix::report(posix::with_path(from, [&](posix::resolved_path const & source) {
+        return posix::with_path(to,
+                                [&](posix::resolved_path const & target) { return posix::move_at(source, target); });
     }));
 }
 

@@ -60,14 +60,17 @@ narrow_string const & root_name() {
 
 } // namespace
 
+wide_string file_system_of(volume const & on) {
+    return from_host_name(on.letter == 'C' ? root_name() : on.file_system);
+}
+
 } // namespace posix
 
 bool GetVolumeInformationW(wide_string const & root, wide_string & file_system) {
     posix::resolved_path resolved;
     if (system_code const code = posix::resolve(root, resolved))
         return posix::report(code);
-    bool const host_root = resolved.on->letter == 'C';
-    file_system = from_host_name(host_root ? posix::root_name() : resolved.on->file_system);
+    file_system = posix::file_system_of(*resolved.on);
     return true;
 }
 

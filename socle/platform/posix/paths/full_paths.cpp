@@ -13,10 +13,10 @@ namespace {
 
 /// A folder without the links in it, as far as it exists; "" for the host's root.
 narrow_string real_folder(narrow_string const & folder) {
-    narrow_string real;
+    std::shared_ptr<found_folder const> found;
     for (std::size_t end = folder.size(); end != 0 && end != narrow_string::npos; end = folder.rfind('/', end - 1))
-        if (!real_path(folder.substr(0, end), real))
-            return (real == "/" ? narrow_string() : real) + folder.substr(end);
+        if (!find_folder(folder.substr(0, end), found))
+            return found->real + folder.substr(end);
     return folder;
 }
 

@@ -1,50 +1,45 @@
 #include "socle/platform/posix/paths/resolve.h"
 
 #include "socle/platform/host_names.h"
+#include "socle/platform/paths.h"
+#include "socle/platform/posix/host/report.h"
 #include "socle/platform/stream_names.h"
 
 #include <algorithm>
 #include <climits>
 
-namespace platform::posix {
+namespace platform {
+
+struct held_paths::folders {
+    std::shared_ptr<posix::found_folder const> last[2];
+    std::size_t next = 0;
+};
+
+namespace posix {
 
 namespace {
+
+thread_local held_paths::folders * held = nullptr;
 
 /// Whether an error says something of the path, and not of what the process has left.
 bool is_about_path(host_error error) {
     return error == ENOENT || error == ENOTDIR || error == ELOOP || error == EACCES || error == ENAMETOOLONG;
 }
 
-/// Opens the folder and asks it where it lies: the volume may be another than the text tells, if there are links in it.
-system_code open_folder(narrow_string const & folder, resolved_path const * neighbour, resolved_path & resolved) {
-    narrow_string real;
-    narrow_string const leaf = resolved.name;
-    if (neighbour != nullptr && neighbour->folder != AT_FDCWD && neighbour->spelled == folder) {
-        resolved.folder = neighbour->folder;
-        real = neighbour->real.substr(0, neighbour->real.rfind('/'));
-    } else {
-        narrow_string const path = folder.empty() ? "/" : folder;
-        resolved.own_folder = open_descriptor(path, O_PATH | O_DIRECTORY);
-        resolved.folder = resolved.own_folder.get();
-        host_error error = resolved.folder < 0 ? host_error::last() : path_of(resolved.folder, real);
-        if (error && !is_about_path(error)) {
-            // A file is there even if the process has no descriptor left to ask where.
-            error = host_error::last_if(host::realpath(path, real) != 0);
-            resolved.folder = AT_FDCWD;
-            resolved.own_folder = descriptor_guard();
-        }
-        if (error)
-            return error == ENOENT || error == ELOOP ? ERROR_PATH_NOT_FOUND : code_of(error);
-    }
-    resolved.spelled = folder;
-    resolved.real = (real == "/" ? narrow_string() : real).append("/").append(leaf);
+/// Goes on from the folder to the name that was resolved so far.
+system_code go_on_from(narrow_string const & folder, resolved_path & resolved) {
+    if (host_error const error = find_folder(folder, resolved.found))
+        return error == ENOENT || error == ELOOP ? ERROR_PATH_NOT_FOUND : code_of(error);
+    bool const open = resolved.found->file.get() >= 0;
+    resolved.folder = open ? resolved.found->file.get() : AT_FDCWD;
+    resolved.real = resolved.found->real + '/' + resolved.name;
     resolved.on = &volume_at(resolved.real);
-    resolved.name = resolved.folder == AT_FDCWD ? resolved.real : leaf;
+    resolved.name = open ? resolved.name : resolved.real;
     return {};
 }
 
 /// Where the host's path leads.
-system_code place(host_text const & text, resolved_path const * neighbour, resolved_path & resolved) {
+system_code place(host_text const & text, resolved_path & resolved) {
     resolved.on = text.on;
     resolved.is_folder = text.is_folder;
     resolved.safe = text.safe;
@@ -60,7 +55,7 @@ system_code place(host_text const & text, resolved_path const * neighbour, resol
         return {};
     }
     resolved.name = text.leaf;
-    system_code const code = open_folder(text.folder, neighbour, resolved);
+    system_code const code = go_on_from(text.folder, resolved);
     // The place of the streams is hidden before it is there as well.
     return code && text.on->hides_path(text.folder + '/' + text.leaf) ? ERROR_ACCESS_DENIED : code;
 }
@@ -73,10 +68,37 @@ system_code follow_link(resolved_path & resolved) {
         return {};
     std::size_t const leaf = real.rfind('/') + 1;
     resolved.name = real.substr(leaf);
-    return open_folder(real.substr(0, leaf - 1), nullptr, resolved);
+    return go_on_from(real.substr(0, leaf - 1), resolved);
 }
 
 } // namespace
+
+host_error find_folder(narrow_string const & folder, std::shared_ptr<found_folder const> & found) {
+    if (held != nullptr)
+        for (auto const & each : held->last)
+            if (each && each->spelled == folder) {
+                found = each;
+                return {};
+            }
+    narrow_string const path = folder.empty() ? "/" : folder;
+    auto opened = std::make_shared<found_folder>();
+    opened->spelled = folder;
+    opened->file = open_descriptor(path, O_PATH | O_DIRECTORY);
+    host_error error = opened->file.get() < 0 ? host_error::last() : path_of(opened->file.get(), opened->real);
+    if (error && !is_about_path(error)) {
+        // A file is there even if the process has no descriptor left to ask where.
+        error = host_error::last_if(host::realpath(path, opened->real) != 0);
+        opened->file = descriptor_guard();
+    }
+    if (error)
+        return error;
+    if (opened->real == "/")
+        opened->real.clear();
+    if (held != nullptr)
+        held->last[held->next++ % std::size(held->last)] = opened;
+    found = std::move(opened);
+    return {};
+}
 
 bool is_safe_name(std::u16string_view name) {
     for (char16_t unit : name)
@@ -136,22 +158,24 @@ system_code to_host_text(std::u16string_view path, host_text & text) {
     return names.is_share() ? ERROR_BAD_NETPATH : to_host_text(names, text);
 }
 
-system_code resolve(std::u16string_view path, resolved_path & resolved, resolved_path const * neighbour) {
+system_code resolve(std::u16string_view path, resolved_path & resolved) {
     host_text text;
     if (system_code const code = to_host_text(path, text))
         return code;
     resolved = resolved_path();
-    if (system_code const code = place(text, neighbour, resolved))
+    if (system_code const code = place(text, resolved))
         return code;
-    if (text.has_stream) {
-        if (system_code const code = any_attached() ? follow_link(resolved) : system_code())
-            return code;
-        if (resolved.on->streams == nullptr || resolved.is_folder)
-            return ERROR_INVALID_NAME;
-        if (system_code const code = parse_stream_name(text.stream, resolved.stream))
-            return code;
-    }
+    if (system_code const code = text.has_stream ? to_stream(text.stream, resolved) : system_code())
+        return code;
     return resolved.on->hides_path(resolved.real) ? ERROR_ACCESS_DENIED : system_code();
+}
+
+system_code to_stream(std::u16string_view stream, resolved_path & resolved) {
+    if (system_code const code = any_attached() ? follow_link(resolved) : system_code())
+        return code;
+    if (resolved.on->streams == nullptr || resolved.is_folder)
+        return ERROR_INVALID_NAME;
+    return parse_stream_name(stream, resolved.stream);
 }
 
 system_code code_at(resolved_path const & at, host_error error) {
@@ -165,4 +189,30 @@ system_code code_at(resolved_path const & at, host_error error) {
     return there ? ERROR_FILE_NOT_FOUND : ERROR_PATH_NOT_FOUND;
 }
 
-} // namespace platform::posix
+} // namespace posix
+
+held_paths::held_paths() {
+    if (posix::held != nullptr || !posix::any_attached())
+        return;
+    own_ = std::make_unique<folders>();
+    posix::held = own_.get();
+}
+
+held_paths::~held_paths() {
+    if (own_)
+        posix::held = nullptr;
+}
+
+bool IsParentThere(wide_string const & path) {
+    posix::host_text text;
+    if (path.empty() || std::u16string_view(u"\\/.").find(path.back()) != std::u16string_view::npos
+        || !posix::report(posix::to_host_text(path, text)))
+        return false;
+    std::shared_ptr<posix::found_folder const> found;
+    if (posix::any_attached())
+        return !posix::find_folder(text.folder, found);
+    struct stat status {};
+    return posix::host::stat(text.folder.empty() ? "/" : text.folder, &status) == 0 && S_ISDIR(status.st_mode);
+}
+
+} // namespace platform

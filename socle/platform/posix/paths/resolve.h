@@ -4,18 +4,28 @@
 #include "socle/platform/posix/host/descriptor.h"
 #include "socle/platform/posix/paths/volumes.h"
 
+#include <memory>
 #include <string_view>
 
 /// From the library's paths to what the host calls take.
 namespace platform::posix {
 
+/// The folder that a path is in.
+struct found_folder {
+    narrow_string spelled; // as the path has it
+    descriptor_guard file; // none if the process had none left
+    narrow_string real;    // free of links; "" for the host's root
+};
+
+/// Opens a folder and asks it where it lies: the volume may be another than the text tells, if there are links in it.
+host_error find_folder(narrow_string const & folder, std::shared_ptr<found_folder const> & found);
+
 /// A name in an open folder, and the volume that it is on. Without attached volumes nothing is opened: it is the whole
 /// path, absolute, and each call resolves it.
 struct resolved_path {
     volume const * on = nullptr;
-    descriptor_guard own_folder;
-    int folder = AT_FDCWD; // the open folder; somebody else's if `own_folder` holds none
-    narrow_string spelled; // the open folder as the path has it
+    std::shared_ptr<found_folder const> found;
+    int folder = AT_FDCWD; // the open folder; somebody else's if none was found
     /// Without a separator at its end, but "/" for the host's root.
     narrow_string name;
     /// The path, absolute and free of links but for the last name; empty while nothing is attached.
@@ -53,8 +63,10 @@ bool is_safe_name(std::u16string_view name);
 /// The start of relative paths: adds the names of the working directory.
 bool host_working_directory(path_text & text);
 
-/// The folder of `neighbour`, if it is given, is used again if it is this path's as well.
-system_code resolve(std::u16string_view path, resolved_path & resolved, resolved_path const * neighbour = nullptr);
+system_code resolve(std::u16string_view path, resolved_path & resolved);
+
+/// Leads on from a file to its named stream of this name and type.
+system_code to_stream(std::u16string_view stream, resolved_path & resolved);
 
 /// The code of a call on `at` that failed with `error`: a missing parent is told from a missing leaf.
 system_code code_at(resolved_path const & at, host_error error);

@@ -20,6 +20,9 @@ struct volume {
     bool hides_path(std::string_view host) const { return streams && streams->hides_path(host.substr(folder.size())); }
 };
 
+/// What the volume's file system is called.
+wide_string file_system_of(volume const & on);
+
 /// The volume of a letter in either case; null if there is none.
 volume const * volume_of_letter(char16_t letter);
 

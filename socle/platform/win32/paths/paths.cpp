@@ -29,6 +29,13 @@ std::wstring on_system_volume(std::wstring const & full) {
 
 } // namespace
 
+std::wstring with_limit(wide_string const & path) {
+    std::wstring const text(path.begin(), path.end());
+    if (text.starts_with(L"\\\\?\\UNC\\"))
+        return L"\\\\" + text.substr(8);
+    return text.starts_with(L"\\\\?\\") ? text.substr(4) : text;
+}
+
 std::wstring full_path(wide_string const & path) {
     if (path.empty() || path.find(u'\0') != wide_string::npos) {
         SetLastError(path.empty() ? ERROR_PATH_NOT_FOUND : ERROR_INVALID_NAME);
@@ -59,6 +66,19 @@ system_path::system_path(wide_string const & path, path_form form) {
 }
 
 } // namespace win32
+
+struct held_paths::folders {};
+
+held_paths::held_paths() = default;
+held_paths::~held_paths() = default;
+
+bool IsParentThere(wide_string const & path) {
+    std::size_t const separator = path.find_last_of(u"\\/");
+    if (separator == wide_string::npos || separator + 1 == path.size() || path.back() == u'.')
+        return false;
+    uint32 const kind = GetFileKindW(path.substr(0, separator + 1));
+    return kind != INVALID_FILE_ATTRIBUTES && (kind & FILE_ATTRIBUTE_DIRECTORY) != 0;
+}
 
 bool GetFullPathNameW(wide_string const & path, wide_string & full) {
     std::wstring text = win32::full_path(path);

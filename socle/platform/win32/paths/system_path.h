@@ -27,4 +27,7 @@ private:
 /// The absolute form by the rules of the system; empty, with a last error, as above.
 std::wstring full_path(wide_string const & path);
 
+/// An absolute path out of the form that leaves names as they are.
+std::wstring with_limit(wide_string const & path);
+
 } // namespace platform::win32
