@@ -1,4 +1,5 @@
-// Walks over 20,000 files in 100 folders: names alone, and with what the system says of each file.
+// Recursive walks through 500 folders with 20,000 files, as a client writes them: what kind each entry is, and what the
+// system says of each file.
 
 #include "bench/rows.h"
 #include "bench/scratch.h"
@@ -8,6 +9,7 @@
 
 #include <dirent.h>
 #include <fcntl.h>
+#include <fts.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 
@@ -17,14 +19,15 @@ namespace {
 
 namespace fs = std::filesystem;
 
-uint32 const folders = bench::sized(100), files = 200;
+uint32 const folders = bench::sized(500), files = 40;
 
-/// The tree, made once.
+/// The tree, made once: 25 folders in a folder.
 fs::path const & tree() {
     static fs::path const root = [] {
         fs::path const made = bench::scratch::folder().path("tree");
         for (uint32 i = 0; i < folders; ++i) {
-            fs::path const folder = made / std::to_string(i);
+            fs::path const above = made / std::to_string(i / 25);
+            fs::path const folder = i % 25 == 0 ? above : above / std::to_string(i);
             fs::create_directories(folder);
             for (uint32 k = 0; k < files; ++k)
                 std::ofstream(folder / ("file " + std::to_string(k) + ".txt")) << k;
@@ -87,65 +90,97 @@ uint64 walk_readdir_in(std::string const & path, bool attributes) {
 
 uint64 walk_readdir(bool attributes) { return walk_readdir_in(tree().string(), attributes); }
 
+uint64 walk_fts(bool attributes) {
+    char const * const roots[] = {tree().c_str(), nullptr};
+    FTS * const walk = fts_open(const_cast<char **>(roots), FTS_PHYSICAL | (attributes ? 0 : FTS_NOSTAT), nullptr);
+    uint64 found = 0;
+    while (FTSENT const * const entry = fts_read(walk))
+        found += entry->fts_info == FTS_F || entry->fts_info == FTS_NSOK ? 1 : 0;
+    fts_close(walk);
+    return found;
+}
+
 uint64 walk_filesystem(bool attributes) {
     uint64 found = 0;
     for (auto const & entry : fs::recursive_directory_iterator(tree())) {
-        found += entry.is_regular_file();
-        if (attributes)
+        bool const is_file = entry.is_regular_file();
+        found += is_file;
+        if (attributes && is_file) {
+            benchmark::DoNotOptimize(entry.file_size());
             benchmark::DoNotOptimize(entry.last_write_time());
+        }
+    }
+    return found;
+}
+
+uint64 walk_filesystem_status(bool) {
+    uint64 found = 0;
+    for (auto const & entry : fs::recursive_directory_iterator(tree()))
+        found += fs::is_regular_file(fs::status(entry.path()));
+    return found;
+}
+
+uint64 walk_io_in(io::directory const & folder, bool attributes) {
+    uint64 found = 0;
+    for (auto entry = folder.begin(), end = folder.end(); entry != end; ++entry) {
+        if (entry.is_directory()) {
+            found += walk_io_in(io::directory(*entry), attributes);
+            continue;
+        }
+        if (attributes)
+            entry.load_attributes(io::attributes::no_sidecar);
+        ++found;
     }
     return found;
 }
 
 uint64 walk_io(bool attributes) {
+    return walk_io_in(io::directory(any::path(any::string(platform::from_host(tree().string())), true)), attributes);
+}
+
+uint64 walk_nio_in(nio::directory const & folder, bool attributes) {
     uint64 found = 0;
-    io::directory root(any::path(any::string(platform::from_host(tree().string())), true));
-    for (auto folder = root.begin(), last = root.end(); folder != last; ++folder) {
-        io::directory inner(folder->path());
-        for (auto entry = inner.begin(), end = inner.end(); entry != end; ++entry) {
-            if (attributes)
-                entry->load_attributes(io::attributes::no_sidecar);
-            ++found;
+    for (auto entry = folder.begin(), end = folder.end(); entry != end; ++entry) {
+        if (entry.is_directory()) {
+            found += walk_nio_in(nio::directory(*entry), attributes);
+            continue;
         }
+        if (attributes) {
+            nio::attributes loaded;
+            entry.load(loaded);
+            benchmark::DoNotOptimize(loaded);
+        }
+        ++found;
     }
     return found;
 }
 
 uint64 walk_nio(bool attributes) {
-    uint64 found = 0;
-    nio::directory const root(platform::from_host(tree().string()));
-    for (auto folder = root.begin(), last = root.end(); folder != last; ++folder) {
-        nio::directory const inner(*folder);
-        for (auto entry = inner.begin(); entry != last; ++entry) {
-            if (attributes) {
-                nio::item item(*entry);
-                benchmark::DoNotOptimize(nio::attributes(item));
-            }
-            ++found;
-        }
-    }
-    return found;
+    return walk_nio_in(nio::directory(platform::from_host(tree().string())), attributes);
 }
 
 [[maybe_unused]] bool const registered = [] {
-    for (bool const attributes : {false, true}) {
-        auto const add = [&](std::string const & who, uint64 (*walk)(bool)) {
-            auto const measure = [=](benchmark::State & state) {
-                if (walk(attributes) != uint64(folders) * files)
-                    std::abort();
-                bench::meter const meter;
-                for (auto _ : state)
-                    benchmark::DoNotOptimize(walk(attributes));
-                meter.done(state, uint64(folders) * files);
-            };
-            bench::add(attributes ? "walk with attributes, 20,000 files" : "walk, 20,000 files", who, measure);
+    auto const add = [](bool attributes, std::string const & who, uint64 (*walk)(bool)) {
+        auto const measure = [=](benchmark::State & state) {
+            if (walk(attributes) != uint64(folders) * files)
+                std::abort();
+            bench::meter const meter;
+            for (auto _ : state)
+                benchmark::DoNotOptimize(walk(attributes));
+            meter.done(state, uint64(folders) * files);
         };
-        add(attributes ? "limit: getdents64 and fstatat" : "limit: getdents64", walk_system);
-        add(attributes ? "readdir and fstatat" : "readdir", walk_readdir);
-        add("std::filesystem", walk_filesystem);
-        add("socle, io::directory, sorted", walk_io);
-        add("socle, nio::directory, sorted", walk_nio);
+        bench::add(attributes ? "walk 500 folders with attributes, 20,000 files" : "walk 500 folders, 20,000 files",
+                   who, measure);
+    };
+    for (bool const attributes : {false, true}) {
+        add(attributes, attributes ? "limit: getdents64 and fstatat" : "limit: getdents64", walk_system);
+        add(attributes, attributes ? "readdir and fstatat" : "readdir", walk_readdir);
+        add(attributes, attributes ? "fts" : "fts, no status", walk_fts);
+        add(attributes, attributes ? "std::filesystem, size and time" : "std::filesystem", walk_filesystem);
+        add(attributes, "socle, io::directory, sorted", walk_io);
+        add(attributes, "socle, nio::directory, sorted", walk_nio);
     }
+    add(false, "status of each: std::filesystem", walk_filesystem_status);
     return true;
 }();
 
