@@ -15,7 +15,8 @@ namespace stream {
 /// Bytes given back are kept in the buffer. Held bytes stay when `under(stream)` changes the underlying stream, are
 /// read first, and go back to the new one: call `yield()` before. `yield()` and the destructor return unread bytes to
 /// the underlying stream; `close()` does not. What the underlying stream throws passes through; what was read or
-/// skipped by then stays read, as `tell()` shows.
+/// skipped by then stays read, as `tell()` shows. Bytes that its block read had delivered before it threw are lost, so
+/// that a source which may throw in the midst of a block needs a block read that consumes nothing when it throws.
 class SOCLE_API buffered_input : public filter_input {
 public:
     /// Reads ahead in blocks of `size` bytes; 0 counts as 1. Does not read yet.

@@ -48,7 +48,8 @@ public:
     /// Skips up to `count` bytes and returns the number skipped, which is below `count` only at the end.
     virtual uint64 skip(uint64 count);
 
-    /// Writes everything from the position to the end to `target` and returns the number of bytes written.
+    /// Writes everything from the position to the end to `target` and returns the number of bytes written. If reading
+    /// throws, what came of the block in hand is neither in `target` nor left to be read; `tell()` counts it.
     virtual uint64 copy_to(output & target);
 
     /// Ends the use of the stream. Does nothing by default.
