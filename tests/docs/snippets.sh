@@ -7,7 +7,7 @@ scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
 export TMPDIR=$scratch
 python3 tests/docs/snippets.py "$scratch" README.md docs/guide.md docs/filters.md docs/plugins.md >"$scratch/names"
-xargs -P "$(nproc)" -I{} g++ -std=c++20 -Wall -Wextra -Werror "$scratch/{}.cpp" -o "$scratch/{}" "$@" <"$scratch/names"
+xargs -P "$(nproc)" -I{} g++ -std=c++20 -Wall -Wextra -Woverloaded-virtual -Werror "$scratch/{}.cpp" -o "$scratch/{}" "$@" <"$scratch/names"
 while read -r name; do
     "$scratch/$name" | diff "$scratch/$name.txt" - || { echo "$name does not print what is said"; exit 1; }
 done <"$scratch/names"
