@@ -3,6 +3,7 @@
 #include "socle/nio/integer_codes.h"
 #include "fuzz/support/feed.h"
 #include "socle/any/integers.h"
+#include "socle/nio/buffered_output.h"
 #include "socle/stream/vector_input.h"
 #include "socle/stream/vector_output.h"
 #include "tests/support/memory_sources.h"
@@ -70,8 +71,9 @@ void decode(std::string_view input) {
 }
 
 void encode(std::string_view input) {
-    byte_vector wz, p2;
-    stream::vector_output wz_out(wz), p2_out(p2);
+    byte_vector wz, lent, p2;
+    stream::vector_output wz_out(wz), lent_target(lent), p2_out(p2);
+    nio::buffered_output lent_out(lent_target, 16); // has room for some numbers, but not for all
     stream::binary_output bits(p2_out);
     std::vector<int64> values;
     for (fuzz::feed in(input); !in.empty();) {
@@ -79,12 +81,15 @@ void encode(std::string_view input) {
         values.push_back(static_cast<int64>(in.long_number() >> in.below(64)));
         std::size_t const before = wz.size();
         nio::write_wz(values.back(), wz_out);
+        nio::write_wz(values.back(), lent_out);
         check(wz.size() - before == nio::size_wz(values.back()));
         check(nio::hamming_weight(values.back()) == std::popcount(static_cast<uint64>(values.back())));
         if (values.back() != -1)
             any::write(values.back(), bits);
     }
     bits.bits().finish();
+    lent_out.flush();
+    check(lent == wz);
     stream::vector_input wz_in(wz), p2_in(p2);
     stream::binary_input back(p2_in);
     for (int64 const value : values) {

@@ -1,6 +1,7 @@
 #include "socle/basic/buffer.h"
 #include "socle/nio/buffered_input.h"
 #include "socle/nio/buffered_output.h"
+#include "socle/nio/channel.h"
 #include "socle/nio/exception.h"
 #include "socle/nio/multi_input.h"
 #include "socle/nio/multi_output.h"
@@ -222,6 +223,42 @@ TEST(wide_buffered_output, loses_nothing_when_the_target_fails) {
         }
         EXPECT_EQ(target.data, taken) << n;
     }
+}
+
+TEST(wide_roots, do_little_by_default) {
+    struct source : nio::input {
+        using nio::input::read;
+        uint32 read(char * buffer, uint32 size) override {
+            std::fill_n(buffer, size, 'x');
+            position(position() + size);
+            return size;
+        }
+    } in;
+    struct target : nio::output {
+        using nio::output::write;
+        void write(char const *, uint32 size) override { position(position() + size); }
+    } out;
+    struct both : nio::channel {
+        uint32 read(char *, uint32 size) override { return move(size); }
+        void write(char const *, uint32 size) override { move(size); }
+        uint32 move(uint32 size) { return position(position() + size), size; }
+    } channel;
+    unsigned char block[3] = {};
+    EXPECT_EQ(in.read(block), 3u);
+    EXPECT_EQ(block[2], 'x');
+    out.write(block);
+    EXPECT_EQ(static_cast<nio::input &>(channel).read(std::span(block, 1)), 1u);
+    static_cast<nio::output &>(channel).write(std::span<unsigned char const>(block, 2));
+    auto const expect_defaults = [](auto & stream, uint64 size) {
+        stream.begin();
+        stream.end();
+        EXPECT_FALSE(stream.seek(0));
+        EXPECT_EQ(stream.tell(), 3u);
+        EXPECT_EQ(stream.size(), size);
+    };
+    expect_defaults(in, all_ones);
+    expect_defaults(out, 3); // what was written
+    expect_defaults(channel, all_ones);
 }
 
 } // namespace
