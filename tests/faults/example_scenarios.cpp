@@ -71,6 +71,14 @@ void prepare_forks(place const & where) {
     give_finder_info(where.here.path("from/file"));
 }
 
+/// With an older file there, whose resource fork is another.
+void prepare_update(place const & where) {
+    prepare_forks(where);
+    where.here.write("to/file", "old data");
+    where.here.write("to/file.rsrc", "old resources");
+    fs::last_write_time(where.here.host("to/file"), fs::file_time_type::clock::now() - std::chrono::years(90));
+}
+
 void prepare_streams(place const & where) {
     where.here.write("n/f", "data");
     put_stream(u"N:\\f:note", "note");
@@ -132,6 +140,13 @@ scenario const catalog_table[] = {
      scenario::nothing, true},
     {"catalog_carries_to_sidecars", promise::stepwise, prepare_forks,
      [](place const & where, report &) { return carry(where, "from", "to", in_form(fork_form::sidecar, true)); },
+     scenario::nothing, true},
+    {"catalog_replaces_sidecars", promise::stepwise, prepare_update,
+     [](place const & where, report &) {
+         auto how = in_form(fork_form::sidecar, false);
+         how.update = true;
+         return carry(where, "from", "to", how);
+     },
      scenario::nothing, true},
     {"catalog_carries_to_streams", promise::stepwise, prepare_streams,
      [](place const & where, report &) { return carry(where, "n", "m", in_form(fork_form::stream, false)); },
