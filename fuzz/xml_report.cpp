@@ -6,6 +6,7 @@
 #include "examples/common/mac_roman.h"
 #include "fuzz/support/feed.h"
 #include "socle/io/exception.h"
+#include "socle/nio/encoding.h"
 #include "socle/stream/vector_input.h"
 #include "socle/stream/vector_output.h"
 
@@ -13,11 +14,11 @@ namespace {
 
 using fuzz::check;
 
+/// Whether it is UTF-8 without control characters, of which a terminal would obey also those from U+0080 on.
 bool is_readable(narrow_string const & text) {
-    for (char const c : text)
-        if (static_cast<unsigned char>(c) < 0x20 || c == 0x7F)
-            return false;
-    return true;
+    wide_string const units = nio::decode(text, nio::encodings::utf8);
+    return (text.empty() || !units.empty())
+           && std::none_of(units.begin(), units.end(), [](char16_t c) { return c < 0x20 || (c >= 0x7F && c < 0xA0); });
 }
 
 /// Whether tags are balanced, attributes are quoted, and references are among those that XML knows.
@@ -102,4 +103,7 @@ void fuzz::run(std::string_view input) {
     }
     narrow_string const document = report.document();
     check(well_formed(document));
+    narrow_string line = document;
+    std::erase(line, '\n');
+    check(is_readable(line));
 }

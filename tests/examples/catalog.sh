@@ -355,6 +355,20 @@ if command -v flock >/dev/null; then
     exec 9<&-
     carry 0 sidecar from held
 fi
+# Where two names may be the same, one file of them is carried, and the other is told, also the next time.
+mkdir -p cases/Dir cases/dir folds && echo 1 >cases/Dir/x && echo 2 >cases/dir/y
+echo 1 >cases/readme && cp cases/readme cases/README
+truncate -s 16M image
+PATH=$PATH:/usr/sbin:/sbin
+if mkntfs -F -Q image >err 2>&1 && lowntfs-3g -o ignore_case,streams_interface=none image folds 2>>err; then
+    for words in 'as another file is there' 'as this run has another file there'; do
+        run 1 --to=folds/to cases
+        summary "1 times: is not carried, $words" '1 times: is not carried, as this run has another folder there'
+    done
+    umount folds
+else
+    echo 'no file system that takes two names for one could be mounted'
+fi
 if [ "$(id -u)" != 0 ]; then
     mkdir half
     mkdir -m 0 half/closed
