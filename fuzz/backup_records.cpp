@@ -80,8 +80,8 @@ private:
 /// What the sequence makes of a file, and why it is not taken to its end.
 uint32 restore(std::string_view sequence, contents & file) {
     while (sequence.size() >= 20) {
-        uint64 const kind = number_at(sequence, 0, 4), size = number_at(sequence, 8, 8),
-                     name_size = number_at(sequence, 16, 4);
+        uint64 const kind = number_at(sequence, 0, 4), size = number_at(sequence, 8, 8);
+        auto const name_size = static_cast<std::size_t>(number_at(sequence, 16, 4));
         if (kind == 0 || kind > 10 || size > uint64{std::numeric_limits<int64>::max()} || name_size > 1024
             || name_size % 2 != 0)
             return ERROR_INVALID_DATA;
@@ -89,7 +89,7 @@ uint32 restore(std::string_view sequence, contents & file) {
             return 0;
         auto const name = fuzz::feed::units(sequence.substr(20, name_size));
         sequence.remove_prefix(20 + name_size);
-        auto const data = sequence.substr(0, size);
+        auto const data = sequence.substr(0, static_cast<std::size_t>(std::min<uint64>(size, sequence.size())));
         sequence.remove_prefix(data.size());
         narrow_string * target = kind == BACKUP_DATA ? &file.data : nullptr;
         if (kind == BACKUP_ALTERNATE_DATA) {
@@ -102,7 +102,7 @@ uint32 restore(std::string_view sequence, contents & file) {
             continue;
         target->replace(0, data.size(), data);
         if (data.size() == size)
-            target->resize(size);
+            target->resize(data.size());
     }
     return 0;
 }

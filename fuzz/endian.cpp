@@ -13,17 +13,17 @@ namespace {
 
 using fuzz::check;
 
-/// As the contract tells it: each byte that is missing is 0xFF in the host's order, otherwise it sets every bit from
-/// its place upward.
+/// As the contract tells it: each byte that is missing sets every bit from its place upward, but for those above three
+/// bytes in the host's order.
 uint64 word(std::string_view bytes, std::size_t & at, int width, bool big) {
     bool const host_order = big == (std::endian::native == std::endian::big);
     uint32 value = 0;
     for (int i = 0; i < width; ++i) {
         bool const here = at < bytes.size();
-        uint32 const byte = here ? static_cast<unsigned char>(bytes[at++]) : host_order ? 0xFFu : 0xFFFFFFFFu;
+        uint32 const byte = here ? static_cast<unsigned char>(bytes[at++]) : 0xFFFFFFFFu;
         value |= byte << 8 * (big ? width - 1 - i : i);
     }
-    return width == 2 ? value & 0xFFFF : value;
+    return width == 2 ? value & 0xFFFF : width == 3 && host_order ? value & 0xFFFFFF : value;
 }
 
 uint64 expected(std::string_view bytes, std::size_t & at, int width, bool big) {

@@ -39,7 +39,7 @@ void apply(wide_string const & path, info_bytes const & info, bool allow_ntfs) {
 
 std::string read_stream(wide_string const & path) {
     nio::file stream(path, nio::file::mode_read);
-    std::string bytes(stream.size(), '\0');
+    std::string bytes(static_cast<std::size_t>(stream.size()), '\0');
     check(stream.read(bytes.data(), static_cast<uint32>(bytes.size())) == bytes.size());
     return bytes;
 }

@@ -86,7 +86,7 @@ public:
         top.held.erase(0, taken.size());
         count -= taken.size();
         if (top.kind == layer::limited) {
-            count = std::min<uint64>(count, top.left);
+            count = static_cast<std::size_t>(std::min<uint64>(count, top.left));
             top.left -= count;
         }
         if (count == 0)
@@ -100,9 +100,9 @@ public:
 
     uint64 skip(std::size_t height, uint64 count) {
         if (height == 0)
-            return block(0, count).size();
+            return block(0, static_cast<std::size_t>(std::min<uint64>(count, SIZE_MAX))).size();
         auto & top = layers[height - 1];
-        auto const given = std::min<uint64>(count, top.held.size());
+        auto const given = static_cast<std::size_t>(std::min<uint64>(count, top.held.size()));
         top.held.erase(0, given);
         count -= given;
         if (top.kind == layer::limited)
@@ -240,7 +240,9 @@ public:
     uint64 size() const override { return data_.size(); }
 
 protected:
-    int _read() override { return at_ < data_.size() ? static_cast<unsigned char>(data_[at_++]) : -1; }
+    int _read() override {
+        return at_ < data_.size() ? static_cast<unsigned char>(data_[static_cast<std::size_t>(at_++)]) : -1;
+    }
     uint64 _tell() const override { return at_; }
 
 private:

@@ -1,3 +1,4 @@
+#include "socle/basic/internal/byte_order.h"
 #include "socle/nio/apple_double_internal.h"
 #include "socle/nio/backup_filter_internal.h"
 
@@ -35,11 +36,9 @@ public:
         done = static_cast<uint32>(std::min<std::size_t>(size, sequence.size() - at));
         std::memcpy(buffer, sequence.data() + at, done);
         if (at == data_end && done == 20) {
-            uint64 data_size;
-            uint32 name_size;
-            std::memcpy(&data_size, buffer + 8, 8);
-            std::memcpy(&name_size, buffer + 16, 4);
-            data_end = at + 20 + name_size + data_size;
+            auto const data_size = basic::load<uint64>(buffer + 8, false);
+            auto const name_size = basic::load<uint32>(buffer + 16, false);
+            data_end = static_cast<std::size_t>(at + 20 + name_size + data_size);
         }
         at += done;
         return true;

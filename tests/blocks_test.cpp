@@ -8,7 +8,8 @@ namespace {
 
 struct copying {
     char const * name;
-    uint64 available, count;
+    std::size_t available;
+    uint64 count;
     uint32 buffer_size;
     uint64 copied;
     std::vector<uint32> asked, written;

@@ -124,7 +124,7 @@ void exercise(stream::input & in, byte_vector const & data, uint32 seed, Act che
         switch (random() % 5) {
         case 0: {
             int const byte = in.read();
-            EXPECT_EQ(byte, place < data.size() ? data[place] : -1);
+            EXPECT_EQ(byte, place < data.size() ? data[static_cast<std::size_t>(place)] : -1);
             break;
         }
         case 1: {

@@ -164,7 +164,7 @@ TEST(multi_output, loses_nothing_when_a_target_fails) {
             } catch (failure const &) {
                 ++failures;
             }
-            at = out.tell(); // what did not arrive is written again
+            at = static_cast<std::size_t>(out.tell()); // what did not arrive is written again
         }
         EXPECT_EQ(out.written_to_all(), "abcdefg|hijklmn|opqrstu|vwxyz|") << n;
         EXPECT_LE(failures, 1);

@@ -178,8 +178,9 @@ TEST_F(platform_contract, attributes_and_times_are_set_and_asked) {
     fs::create_directory(scratch_.host("folder"));
     EXPECT_EQ(GetFileAttributesW(scratch_.path("file")), FILE_ATTRIBUTE_ARCHIVE);
     EXPECT_EQ(GetFileAttributesW(scratch_.path("folder")), FILE_ATTRIBUTE_DIRECTORY);
-    uint64 const modified = 130000000007654321 / 10'000'000 * 10'000'000;
-    for (char const * name : {"file", "folder"}) {
+    uint64 const in_2012 = 130'000'000'000'000'000, in_2110 = 160'624'512'000'000'000;
+    for (auto const & [name, modified] :
+         {std::pair("file", in_2012), std::pair("folder", in_2012), std::pair("file", in_2110)}) {
         int const handle = open_times(name, GENERIC_WRITE);
         ASSERT_NE(handle, INVALID_HANDLE_VALUE) << name;
         EXPECT_TRUE(SetFileTime(handle, nullptr, &modified)) << name;

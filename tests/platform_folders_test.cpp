@@ -271,7 +271,7 @@ TEST(platform_folders, on_volumes) {
         auto const in = [&](char const * store) {
             return std::distance(fs::directory_iterator(here.host(store)), fs::directory_iterator());
         };
-        return std::pair(in(".socle_streams"), in("sub/inner/.socle_streams"));
+        return std::pair<long, long>(in(".socle_streams"), in("sub/inner/.socle_streams"));
     };
     EXPECT_EQ(stores(), std::pair(1L, 1L));
     open_folder top, sub, inner;

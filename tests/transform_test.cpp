@@ -49,7 +49,7 @@ TEST(copier, moves_in_blocks) {
         target.mark();
         target.writes.clear();
         stream::copier copier(c.size);
-        auto const expected = std::min<uint64>(c.count, data.size());
+        auto const expected = static_cast<std::size_t>(std::min<uint64>(c.count, data.size()));
         EXPECT_EQ(copier.process(source, target, c.count), expected);
         EXPECT_EQ(source.asked, c.asked);
         EXPECT_EQ(target.writes, c.writes);

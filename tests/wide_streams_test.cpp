@@ -163,7 +163,7 @@ TEST(wide_buffered_input, stays_true_over_any_source) {
                 got.append(block, count);
             } catch (failure const &) {
                 // What was handed out before is the caller's, as the position tells.
-                got.append(block, in.tell() - got.size());
+                got.append(block, static_cast<std::size_t>(in.tell() - got.size()));
             }
             ASSERT_EQ(in.tell(), got.size()) << seed;
         }

@@ -45,7 +45,7 @@ uint32 checksum(extent const & bytes) {
         nio::file file(bytes.path, nio::file::mode_read);
         if (bytes.offset > 0)
             file.seek(bytes.offset);
-        std::vector<char> block(std::min<uint64>(bytes.size, 262144));
+        std::vector<char> block(static_cast<std::size_t>(std::min<uint64>(bytes.size, 262144)));
         for (uint64 left = bytes.size; left > 0;) {
             auto const got = file.read(block.data(), static_cast<uint32>(std::min<uint64>(left, block.size())));
             if (got == 0)

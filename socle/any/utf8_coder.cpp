@@ -26,7 +26,7 @@ void utf8_coder::encode(wide_string const & text, narrow_string & result) {
     uint64 const size = text_size(text);
     if (size > result.max_size())
         throw exception("encoded string is too long", "any::utf8_coder");
-    result.resize(size);
+    result.resize(static_cast<std::size_t>(size));
     char * out = result.data();
     auto const put = [&out](unsigned value) { *out++ = static_cast<char>(value); };
     for (unsigned const unit : text) {

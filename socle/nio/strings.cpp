@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <new>
 
 namespace nio {
 
@@ -25,16 +26,37 @@ void write_all(output & out, narrow_string const & bytes, std::size_t size) {
     in_blocks(bytes.data(), size, [&](char const * data, uint32 count) { out.write(data, count); });
 }
 
+void read_all(input & in, char * bytes, uint32 count) {
+    if (in.read(bytes, count) < count)
+        throw basic::exception("input stream is too short to complete a string");
+}
+
+narrow_string read_bytes(input & in, uint32 length) {
+    // Not initialised: a field may be far larger than what the stream has.
+    std::unique_ptr<char[]> const whole(new (std::nothrow) char[length]);
+    if (whole) {
+        read_all(in, whole.get(), length);
+        return {whole.get(), length};
+    }
+    // No room for a length that may be no more than a claim: take what comes.
+    narrow_string text;
+    for (auto const block = std::make_unique<char[]>(block_size); text.size() < length;) {
+        auto const count = std::min<uint32>(block_size, length - static_cast<uint32>(text.size()));
+        read_all(in, block.get(), count);
+        text.append(block.get(), count);
+    }
+    return text;
+}
+
 } // namespace
 
 narrow_string read_string(input & in, uint32 length, uint32 field_size, bool stop_at_nul) {
-    // Not initialised: a field may be far larger than what the stream has.
-    auto const text = std::make_unique_for_overwrite<char[]>(length);
-    if (in.read(text.get(), length) < length)
-        throw basic::exception("input stream is too short to complete a string");
+    auto text = read_bytes(in, length);
     if (length < field_size)
         skip(in, field_size - length, block_size);
-    return {text.get(), stop_at_nul ? std::find(text.get(), text.get() + length, '\0') : text.get() + length};
+    if (stop_at_nul)
+        text.resize(std::min(text.find('\0'), text.size()));
+    return text;
 }
 
 wide_string read(input & in, int encoding, uint32 length, uint32 field_size, bool stop_at_nul) {

@@ -31,7 +31,7 @@ void array_output::write_on(char byte) {
 }
 
 void array_output::write(char const * data, uint32 count) {
-    auto const fitting = std::min<uint64>(count, left());
+    auto const fitting = static_cast<uint32>(std::min<uint64>(count, left()));
     copy_in_order(memory_.bytes + memory_.next, data, fitting);
     memory_.next += fitting;
     if (fitting < count)

@@ -27,7 +27,7 @@ void buffered_input::unread(char const * data, uint32 count) {
     if (count <= memory_.next) {
         hold(memory_.next - count, filled_);
     } else {
-        uint64 const length = held() + count;
+        std::size_t const length = held() + count;
         std::unique_ptr<char[]> grown(new char[length]);
         std::memcpy(grown.get() + count, buffer_.get() + memory_.next, held());
         base_ -= count - memory_.next;
@@ -77,11 +77,11 @@ uint32 buffered_input::_read(char * buffer, uint32 count) {
 int buffered_input::_read() {
     if (held() == 0)
         refill();
-    return held() == 0 ? -1 : static_cast<unsigned char>(buffer_[memory_.next++]);
+    return held() == 0 ? -1 : static_cast<unsigned char>(memory_.bytes[memory_.next++]);
 }
 
 uint64 buffered_input::_skip(uint64 count) {
-    uint64 const passed = std::min(count, held());
+    auto const passed = std::min<uint64>(count, held());
     memory_.next += passed;
     uint64 const wanted = count - passed;
     if (wanted == 0)
@@ -94,7 +94,7 @@ uint64 buffered_input::_skip(uint64 count) {
 uint64 buffered_input::_tell() const { return base_ + memory_.next; }
 
 void buffered_input::refill() {
-    uint64 const rest = held();
+    std::size_t const rest = held();
     if (capacity_ >= buffer_size_) {
         std::memmove(buffer_.get(), buffer_.get() + memory_.next, rest);
     } else {

@@ -54,7 +54,7 @@ protected:
 private:
     bool _ours() const override;
 
-    uint64 held() const { return filled_ - memory_.next; }
+    std::size_t held() const { return static_cast<std::size_t>(filled_ - memory_.next); }
     void hold(uint64 first, uint64 end);
     void pass_beneath(uint64 count);
 

@@ -20,12 +20,14 @@ uint64 joined(char const * bytes, bool big) {
     return value;
 }
 
-/// The value from one block read; a byte that does not come is 0xFF.
+/// The value from one block read. A byte that does not come sets every bit from its place upward in its word of 32
+/// bits, as `single_bytes` has it: where the high byte is the first, the whole word.
 template <int width>
 uint64 block(input & in, bool big) {
     char bytes[width];
     uint32 const got = in.read(bytes, width);
-    std::fill(bytes + got, bytes + width, '\xFF');
+    if (got < width)
+        std::fill(bytes + (big ? got / 4 * 4 : got), bytes + width, '\xFF');
     return joined<width>(bytes, big);
 }
 

@@ -9,9 +9,9 @@ namespace stream {
 
 /// Reads whole integers in a stated byte order.
 ///
-/// The end of the stream throws nothing. `read8` then returns 0xFF. Where the order is the host's, each missing byte of
-/// a value is 0xFF; otherwise each missing byte sets every bit from its place upward, in the 32-bit word it belongs to.
-/// A reader that must not run past the end wraps a `stream::safe_input`.
+/// The end of the stream throws nothing. `read8` then returns 0xFF. Each missing byte of a value sets every bit from
+/// its place upward, in the 32-bit word it belongs to; bits 31 to 24 of what `read24` returns are 0 all the same where
+/// the order is the host's. A reader that must not run past the end wraps a `stream::safe_input`.
 class SOCLE_API endian_input : public direct_input {
 public:
     /// Wraps `stream`, which has to outlive it.

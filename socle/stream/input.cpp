@@ -61,8 +61,8 @@ void input::unread(char const * data, uint32 count) {
     if (count <= pushback_pos_) {
         pushback_pos_ -= count;
     } else {
-        uint64 const held = pending();
-        uint64 const length = held + count;
+        std::size_t const held = pending();
+        std::size_t const length = held + count;
         uint64 const source = _tell(); // before anything changes, as it may throw
         pushback_.resize(length);
         std::memmove(pushback_.data() + count, pushback_.data() + pushback_pos_, held);
@@ -77,7 +77,7 @@ void input::unread(char const * data, uint32 count) {
 void input::unread(char byte) { unread(&byte, 1); }
 
 uint64 input::skip(uint64 count) {
-    uint64 const given = std::min(count, pending());
+    auto const given = std::min<uint64>(count, pending());
     if (pending() > 0) {
         pass(given);
         if (given == count)
@@ -87,7 +87,7 @@ uint64 input::skip(uint64 count) {
 }
 
 uint64 input::copy_to(output & target) {
-    uint64 const held = pending();
+    std::size_t const held = pending();
     if (held > 0) {
         nio::in_blocks(reinterpret_cast<char const *>(pushback_.data() + pushback_pos_), held,
                        [&](char const * data, uint32 count) { target.write(data, count); });
@@ -156,14 +156,14 @@ void input::release_data() {
 }
 
 void input::pass(uint64 count) {
-    pushback_pos_ += count;
+    pushback_pos_ += static_cast<std::size_t>(count);
     if (pushback_pos_ == pushback_size_)
         release_data();
 }
 
 std::span<char const> input::_lend() {
     if (memory_.open())
-        return {memory_.bytes + memory_.next, memory_.limit - memory_.next};
+        return memory_.window();
     if (pending() == 0 || !nio::lending::ours(*this))
         return {};
     return {reinterpret_cast<char const *>(pushback_.data() + pushback_pos_), pending()};

@@ -95,13 +95,13 @@ protected:
 private:
     friend struct lending;
 
-    uint64 pending() const { return pushback_size_ - pushback_pos_; }
+    std::size_t pending() const { return pushback_size_ - pushback_pos_; }
     int read_on();
     void pass(uint64 count);
 
     byte_vector pushback_;
-    uint64 pushback_size_ = 0;
-    uint64 pushback_pos_ = 0;
+    std::size_t pushback_size_ = 0;
+    std::size_t pushback_pos_ = 0;
     uint64 pushback_at_ = 0;
     uint64 mark_position_ = 0;
     byte_vector scratch_;

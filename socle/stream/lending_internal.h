@@ -9,9 +9,8 @@ namespace stream {
 /// `nio::lending` for the streams of this family, without a virtual call where the memory lies open.
 struct lending {
     static std::span<char const> bytes(input & stream) {
-        auto const & memory = stream.memory_;
-        if (memory.open())
-            return {memory.bytes + memory.next, memory.limit - memory.next};
+        if (stream.memory_.open())
+            return stream.memory_.window();
         return nio::lending::bytes(stream);
     }
     static void take(input & stream, uint64 count) {
@@ -22,9 +21,8 @@ struct lending {
     }
 
     static std::span<char> room(output & stream) {
-        auto const & memory = stream.memory_;
-        if (memory.open())
-            return {memory.bytes + memory.next, memory.limit - memory.next};
+        if (stream.memory_.open())
+            return stream.memory_.window();
         return nio::lending::room(stream);
     }
     static void use(output & stream, uint64 count) {

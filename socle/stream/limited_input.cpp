@@ -57,7 +57,7 @@ bool limited_input::_ours() const { return typeid(*this) == typeid(limited_input
 
 std::span<char const> limited_input::_lend() {
     auto const held = direct_input::_lend();
-    return held.first(std::min<uint64>(held.size(), left_));
+    return held.first(static_cast<std::size_t>(std::min<uint64>(held.size(), left_)));
 }
 
 void limited_input::_take(uint64 count) {

@@ -46,7 +46,8 @@ bool line_input::take_line(uint64 most, Store store) {
         while (stored == 0 && lead < held.size() && ends_line(held[lead]))
             ++lead;
         held = held.subspan(lead);
-        auto const length = nio::find_line_end(held.data(), std::min<uint64>(held.size(), most - stored));
+        auto const here = static_cast<std::size_t>(std::min<uint64>(held.size(), most - stored));
+        auto const length = nio::find_line_end(held.data(), here);
         store(held.data(), length);
         stored += length;
         bool const ended = stored > 0 && stored < most && length < held.size();

@@ -54,7 +54,7 @@ uint64 output::drift() const { return tell() - mark_position_; }
 
 std::span<char> output::_room() {
     if (memory_.open())
-        return {memory_.bytes + memory_.next, memory_.limit - memory_.next};
+        return memory_.window();
     return {};
 }
 

@@ -24,7 +24,7 @@ uint32 vector_input::_read(char * buffer, uint32 count) {
     return got;
 }
 
-int vector_input::_read() { return index_ < vector_.size() ? vector_[index_++] : -1; }
+int vector_input::_read() { return index_ < vector_.size() ? vector_[static_cast<std::size_t>(index_++)] : -1; }
 
 uint64 vector_input::_skip(uint64 count) {
     if (count > UINT32_MAX)
@@ -67,7 +67,8 @@ void vector_input::_take(uint64 count) {
 std::span<char const> vector_input::rest() const {
     if (index_ >= vector_.size())
         return {};
-    return {reinterpret_cast<char const *>(vector_.data()) + index_, vector_.size() - index_};
+    auto const index = static_cast<std::size_t>(index_);
+    return {reinterpret_cast<char const *>(vector_.data()) + index, vector_.size() - index};
 }
 
 } // namespace stream

@@ -29,7 +29,7 @@ std::string_view digits_of(uint64 value, int radix, char (&buffer)[64]) {
     char * first = end;
     for (auto const base = static_cast<uint64>(radix); value != 0; value /= base) {
         uint64 const remainder = value % base;
-        *--first = remainder < 16 ? digits[remainder] : '\0';
+        *--first = remainder < 16 ? digits[static_cast<std::size_t>(remainder)] : '\0';
     }
     return {first, end};
 }

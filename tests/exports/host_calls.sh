@@ -16,7 +16,7 @@ for object in "$@"; do
         *) objects+=("$object") ;;
     esac
 done
-"$nm" -u "$seam" | grep -qw 'openat\|open64\|open' || { echo "the seam opens nothing: $seam"; exit 1; }
+"$nm" -u "$seam" | grep -qw 'openat64\|openat\|open64\|open' || { echo "the seam opens nothing: $seam"; exit 1; }
 
 unknown=$("$nm" -uA "${objects[@]}" | sed 's/:  *[Uwv] /: /' | grep -vE ": (_|($known)(@|\$))" || true)
 if [ -n "$unknown" ]; then

@@ -2,6 +2,9 @@
 
 #include "socle/basic/types.h"
 
+#include <cstddef>
+#include <span>
+
 namespace nio {
 
 /// A place in memory that a stream of the library reads from or writes to, open for single bytes while `next` is below
@@ -24,6 +27,9 @@ struct memory {
 
     /// Whether single bytes may go past the long way.
     bool open() const noexcept { return next < limit; }
+
+    /// The bytes that lie open; only while they do.
+    std::span<Byte> window() const noexcept { return {bytes + next, static_cast<std::size_t>(limit - next)}; }
 
     /// Passes over the next `count` bytes if they are open. The sum cannot overflow: both are sizes in memory.
     bool pass(uint64 count) noexcept {

@@ -14,7 +14,7 @@ namespace {
 /// What the host's root is by its number, for one that is no mount point of its own.
 narrow_string kind_of_root() {
     struct {
-        long number;
+        uint32 number;
         char const * name;
     } static constexpr kinds[] = {
         {0xEF53, "ext4"}, {0x9123683E, "btrfs"}, {0x58465342, "xfs"}, {0x01021994, "tmpfs"}, {0x794C7630, "overlay"},
@@ -22,7 +22,7 @@ narrow_string kind_of_root() {
     struct statfs system {};
     if (host::statfs("/", &system) == 0) {
         for (auto const & [number, name] : kinds)
-            if (static_cast<uint32>(system.f_type) == static_cast<uint32>(number))
+            if (static_cast<uint32>(system.f_type) == number)
                 return name;
     }
     return "unknown";
