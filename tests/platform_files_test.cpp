@@ -81,6 +81,8 @@ TEST_F(platform_files, open_or_say_why_not) {
 }
 
 TEST_F(platform_files, exclude_other_writers_and_never_a_reader) {
+    if (auto const limit = support::limit_of_processes(); !limit.empty())
+        GTEST_SKIP() << limit;
     scratch_.write("file", "precious");
     struct {
         char const * what;
@@ -113,6 +115,8 @@ TEST_F(platform_files, exclude_other_writers_and_never_a_reader) {
 }
 
 TEST_F(platform_files, of_pipes_end_in_codes_and_not_in_signals) {
+    if (auto const limit = support::limit_of_processes(); !limit.empty())
+        GTEST_SKIP() << limit;
     int ends[2];
     ASSERT_EQ(pipe2(ends, O_CLOEXEC), 0);
     EXPECT_EQ(GetFileType(ends[0]), FILE_TYPE_PIPE);
@@ -187,6 +191,8 @@ TEST_F(platform_files, that_are_no_files_keep_nobody_waiting) {
 }
 
 TEST_F(platform_files, leave_the_standard_streams_their_numbers) {
+    if (auto const limit = support::limit_of_processes(); !limit.empty())
+        GTEST_SKIP() << limit;
     scratch_.write("file", "bytes");
     EXPECT_EQ(in_process([&] {
                   for (int i = 0; i < 3; ++i)

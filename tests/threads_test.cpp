@@ -114,6 +114,8 @@ work const table[] = {
 };
 
 TEST(threads, use_the_library_at_once) {
+    if (auto const limit = support::limit_of_processes(); !limit.empty())
+        GTEST_SKIP() << limit;
     scratch const folder;
     std::filesystem::create_directory(folder.host("n"));
     // Before other threads start, as told.

@@ -308,6 +308,11 @@ class each_fault : public testing::TestWithParam<std::tuple<scenario, int>> {};
 
 TEST_P(each_fault, keeps_the_promise) {
     auto const & [s, fault] = GetParam();
+    if (fault == killed) {
+        auto const limit = support::limit_of_processes();
+        if (!limit.empty())
+            GTEST_SKIP() << limit;
+    }
     contents before;
     contents after;
     report all = 0;

@@ -1,11 +1,27 @@
 #include "tests/support/system.h"
 
+#include <atomic>
+#include <csignal>
 #include <cstdlib>
 #include <dlfcn.h>
 #include <fcntl.h>
+#include <poll.h>
 #include <stdexcept>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
+#include <vector>
+
+#ifdef TEST_EMULATE
+/// The test library runs a check in a process of its own by starting the program anew.
+extern "C" int execv(char const * program, char * const * arguments) noexcept {
+    std::vector<char *> command = {const_cast<char *>(TEST_EMULATE), const_cast<char *>(program)};
+    do
+        command.push_back(*++arguments);
+    while (command.back() != nullptr);
+    return execve(TEST_EMULATE, command.data(), environ);
+}
+#endif
 
 namespace support {
 
@@ -90,5 +106,26 @@ std::string limit_of_creation_times() { return {}; }
 std::string limit_of_times() { return {}; }
 std::string limit_of_resizing() { return {}; }
 std::string limit_of_attributes() { return {}; }
+
+/// Some emulators do not get past the first atomic operation where there is more than one process or thread.
+std::string limit_of_processes() {
+    int ends[2];
+    if (!make_pipe(ends))
+        return "no pipe can be made";
+    pid_t const child = fork();
+    if (child == 0) {
+        std::atomic<int> volatile turns = 0;
+        ++turns;
+        _exit(0);
+    }
+    ::close(ends[1]);
+    pollfd end = {ends[0], 0, 0}; // hung up when the child has ended
+    bool const ended = poll(&end, 1, 10'000) == 1;
+    if (!ended)
+        kill(child, SIGKILL);
+    waitpid(child, nullptr, 0);
+    ::close(ends[0]);
+    return ended ? "" : "a second process or thread does not get on here: a limit of the emulator";
+}
 
 } // namespace support

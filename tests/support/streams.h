@@ -8,15 +8,24 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <bit>
 #include <cstring>
 #include <deque>
 #include <numeric>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 /// Streams that the tests lean on. All of them are a caller's own classes, so that the library may not take a short way
 /// around their operations.
 namespace support {
+
+/// Numbers in the machine's own order go through a stream in one block, those in the other byte by byte.
+constexpr bool big_machine = std::endian::native == std::endian::big;
+template <class Big, class Little>
+using in_blocks = std::conditional_t<big_machine, Big, Little>;
+template <class Big, class Little>
+using in_bytes = std::conditional_t<big_machine, Little, Big>;
 
 /// What a failing stream throws.
 struct failure {};

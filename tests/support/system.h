@@ -76,5 +76,7 @@ std::string limit_of_times();
 std::string limit_of_resizing();
 /// Of the bits for archived and temporary files.
 std::string limit_of_attributes();
+/// Of processes made by fork(2), and of threads.
+std::string limit_of_processes();
 
 } // namespace support

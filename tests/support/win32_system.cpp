@@ -197,4 +197,6 @@ std::string limit_of_attributes() {
     return limit;
 }
 
+std::string limit_of_processes() { return {}; }
+
 } // namespace support

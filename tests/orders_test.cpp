@@ -1,0 +1,213 @@
+/// What a machine of one byte order writes is read on one of the other. The files in data/orders were written by this
+/// program on a big-endian one, with RECORD_ORDERS in its environment.
+
+#include "socle/any/integers.h"
+#include "socle/io/attributes.h"
+#include "socle/io/file.h"
+#include "socle/io/fork_input.h"
+#include "socle/io/fork_output.h"
+#include "socle/nio/attributes.h"
+#include "socle/nio/file.h"
+#include "socle/nio/integer_codes.h"
+#include "socle/stream/array_input.h"
+#include "socle/stream/endian_input.h"
+#include "socle/stream/endian_output.h"
+#include "socle/stream/vector_input.h"
+#include "socle/stream/vector_output.h"
+#include "tests/support/ntfs_folder.h"
+#include "tests/support/streams.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+fs::path const kept = TEST_DATA "/orders";
+int64 const codes[] = {0, 1, 127, 128, 300, 65535, 0x123456789ABCDEF0, -2};
+any::time const date(3000000000, any::time::format_mac_seconds);
+
+void write_numbers(stream::output & out) {
+    stream::big_endian_output big(out);
+    stream::little_endian_output little(out);
+    for (auto * const numbers : std::initializer_list<stream::endian_output *>{&big, &little}) {
+        numbers->write8(0x12);
+        numbers->write16(0x1234);
+        numbers->write24(0x123456);
+        numbers->write32(0x12345678);
+        numbers->write64(0x123456789ABCDEF0);
+    }
+    for (int64 const value : codes)
+        nio::write_wz(value, out);
+    stream::binary_output bits(out);
+    for (int64 const value : codes)
+        any::write(value, bits);
+    bits.bits().finish();
+}
+
+void expect_numbers(stream::input & in) {
+    stream::big_endian_input big(in);
+    stream::little_endian_input little(in);
+    for (auto * const numbers : std::initializer_list<stream::endian_input *>{&big, &little}) {
+        EXPECT_EQ(numbers->read8(), 0x12);
+        EXPECT_EQ(numbers->read16(), 0x1234);
+        EXPECT_EQ(numbers->read24(), 0x123456u);
+        EXPECT_EQ(numbers->read32(), 0x12345678u);
+        EXPECT_EQ(numbers->read64(), 0x123456789ABCDEF0u);
+    }
+    for (int64 const value : codes)
+        EXPECT_EQ(nio::read_wz(in), value);
+    stream::binary_input bits(in);
+    for (int64 const value : codes)
+        EXPECT_EQ(any::read(bits), value);
+}
+
+/// Records with a value of its own in every number.
+struct records {
+    records() {
+        file.info.type = "TEXT";
+        file.info.creator = "ttxt";
+        file.info.flags = 0x1234;
+        file.info.location = {1, -2};
+        file.extended.extended_flags = 0x8001;
+        file.extended.put_away_folder_id = 0x89ABCDEF;
+        folder.info.bounds = {1, 2, -3, 4};
+        folder.info.flags = 0x2345;
+        folder.info.location = {-5, 6};
+        folder.extended.scroll_position = {7, -8};
+        folder.extended.extended_flags = 0x8002;
+        folder.extended.put_away_folder_id = 0x12345678;
+    }
+    std::array<un::structure *, 4> in_order() { return {&file.info, &file.extended, &folder.info, &folder.extended}; }
+
+    io::mac::file_attributes file;
+    io::mac::folder_attributes folder;
+};
+
+void write_records(stream::output & out) {
+    records all;
+    for (un::structure const * record : all.in_order())
+        record->write(out);
+}
+
+void expect_file(io::mac::file_info const & info) {
+    records const all;
+    EXPECT_EQ(info.type, all.file.info.type);
+    EXPECT_EQ(info.creator, all.file.info.creator);
+    EXPECT_EQ(info.flags, all.file.info.flags);
+    EXPECT_EQ(info.location.v, 1);
+    EXPECT_EQ(info.location.h, -2);
+}
+
+void expect_records(stream::input & in) {
+    records all;
+    all.file = {};
+    all.folder = {};
+    for (un::structure * record : all.in_order())
+        record->read(in, true);
+    expect_file(all.file.info);
+    EXPECT_EQ(all.file.extended.extended_flags, 0x8001);
+    EXPECT_EQ(all.file.extended.put_away_folder_id, 0x89ABCDEFu);
+    EXPECT_EQ(all.folder.info.bounds.bottom, -3);
+    EXPECT_EQ(all.folder.info.location.v, -5);
+    EXPECT_EQ(all.folder.info.flags, 0x2345);
+    EXPECT_EQ(all.folder.extended.scroll_position.h, -8);
+    EXPECT_EQ(all.folder.extended.extended_flags, 0x8002);
+    EXPECT_EQ(all.folder.extended.put_away_folder_id, 0x12345678u);
+}
+
+char const * const names[] = {"numbers", "records", "picture.rsrc", "picture.info", "._picture"};
+std::string const resources = "resources";
+
+template <class Write>
+std::string bytes_of(Write write) {
+    byte_vector bytes;
+    stream::vector_output out(bytes);
+    write(out);
+    return support::text(bytes);
+}
+
+void write_all(scratch const & to) {
+    to.write("numbers", bytes_of(write_numbers));
+    to.write("records", bytes_of(write_records));
+    to.write("picture", "");
+    any::path const path(to.path("picture"), true);
+    io::file file(path);
+    file.rsrc_fork().create(true);
+    io::fork_output(file.rsrc_fork()).write(resources);
+    file.rsrc_fork().close(true);
+    io::attributes attributes;
+    attributes.mac_file = records().file;
+    attributes.created = date;
+    attributes.modified = date;
+    attributes.apply(path, io::attributes::with_sidecar);
+
+    nio::file forked(to.path("picture"), nio::file::mode_closed);
+    forked.create_rsrc(true, false);
+    forked.write(resources.data(), static_cast<uint32>(resources.size()));
+    forked.close();
+    nio::attributes wide;
+    auto const finder = bytes_of(write_records).substr(0, wide.finder_info.size());
+    std::copy(finder.begin(), finder.end(), wide.finder_info.begin());
+    nio::item item(to.path("picture"));
+    wide.apply(item, true, false);
+}
+
+/// A folder with the kept files, beside a file of their name.
+struct other : scratch {
+    other() {
+        write("picture", "");
+        for (char const * name : names)
+            fs::copy_file(kept / name, host(name));
+    }
+};
+
+TEST(orders, write_the_same_bytes) {
+    scratch const made;
+    write_all(made);
+    if (std::getenv("RECORD_ORDERS"))
+        for (char const * name : names)
+            fs::copy_file(made.host(name), kept / name, fs::copy_options::overwrite_existing);
+    other const recorded;
+    for (char const * name : names)
+        EXPECT_EQ(made.read(name), recorded.read(name)) << name;
+}
+
+TEST(orders, read_what_the_other_wrote) {
+    other const recorded;
+    byte_vector const numbers = support::bytes(recorded.read("numbers")),
+                      all = support::bytes(recorded.read("records"));
+    stream::vector_input in_memory(numbers), records_in_memory(all);
+    expect_numbers(in_memory);
+    expect_records(records_in_memory);
+
+    any::path const path(recorded.path("picture"), true);
+    io::file file(path);
+    file.rsrc_fork().open();
+    io::fork_input fork(file.rsrc_fork());
+    EXPECT_EQ(support::rest(fork), resources);
+    io::attributes attributes;
+    attributes.load(path, io::attributes::read_sidecar);
+    ASSERT_TRUE(attributes.mac_file && attributes.created && attributes.modified);
+    expect_file(attributes.mac_file->info);
+    EXPECT_EQ(attributes.created->mac_time(), date.mac_time());
+    EXPECT_EQ(attributes.modified->mac_time(), date.mac_time());
+
+    nio::item item(recorded.path("picture"));
+    nio::attributes wide(item);
+    stream::array_input finder(wide.finder_info);
+    io::mac::file_info info;
+    info.read(finder, true);
+    expect_file(info);
+    nio::file forked(recorded.path("picture"), nio::file::mode_closed);
+    forked.open_rsrc();
+    std::string bytes(resources.size() + 1, '\0');
+    bytes.resize(forked.read(bytes.data(), static_cast<uint32>(bytes.size())));
+    EXPECT_EQ(bytes, resources);
+}
+
+} // namespace
