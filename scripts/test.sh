@@ -19,6 +19,7 @@ phases=(
     'clients   programs built against an installed copy'
     'docs      the programs and tables of the documents, and the reference'
     'abi       the binary interface is the one that is written down'
+    's390x     a big-endian machine, by emulation: streams, records, codes, text, AppleDouble'
     'windows   for Windows by mingw-w64, all warnings are errors'
     'packages  each way to have the library, its packages, and these in a clean system'
     'wine      not yet part of --all: the tests, a client and the zip archive for Windows under Wine'
@@ -41,10 +42,12 @@ for name in "${chosen[@]-}"; do
 done
 
 . scripts/packages.sh
+. scripts/ports.sh
 warnings=(-Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
 scratch=$(mktemp -d)
 chmod 755 "$scratch"
-passed=0 failed=0 skipped=0 finished=
+. scripts/run_tests.sh
+finished=
 
 finish() {
     local status=$?
@@ -72,19 +75,6 @@ build() {
     [ "$1" != clang ] || need clang=clang++
     cmake --preset "$1"
     cmake --build --preset "$1" "${@:2}"
-}
-
-# run_tests <command that runs ctest>...: adds what its report says to the sum. A failure does not stop the script.
-run_tests() {
-    local report=$scratch/tests/report.xml all bad left
-    mkdir -p "$scratch/tests"
-    rm -f "$report"
-    "$@" --output-junit "$report" || true
-    all=$(sed -n 's/^\ttests="\([0-9]*\)".*/\1/p' "$report")
-    bad=$(sed -n 's/^\tfailures="\([0-9]*\)".*/\1/p' "$report")
-    left=$(sed -n 's/^\tskipped="\([0-9]*\)".*/\1/p' "$report")
-    [ "$all" -gt 0 ]
-    passed=$((passed + all - bad - left)) failed=$((failed + bad)) skipped=$((skipped + left))
 }
 
 # Sets prefix, compile_flags and link_flags.
@@ -166,8 +156,8 @@ phase_clients() {
             xargs -0 -P "$(nproc)" -I{} g++ -std=$dialect "${warnings[@]}" -I"$scratch/namesakes" \
                 "${compile_flags[@]}" -fsyntax-only -include {} -x c++ /dev/null
 
-        echo "$dialect: a client through pkg-config"
-        g++ -std=$dialect "${warnings[@]}" -I"$scratch/namesakes" "${compile_flags[@]}" -Iexamples \
+        echo "$dialect: a client through pkg-config, optimised as one program"
+        g++ -std=$dialect -O3 -flto=auto "${warnings[@]}" -I"$scratch/namesakes" "${compile_flags[@]}" -Iexamples \
             -DEXAMPLE_VERSION="\"$(pkg-config --modversion socle)\"" examples/macbinary/*.cpp \
             examples/common/*.cpp examples/common/posix/*.cpp "${link_flags[@]}" -o "$scratch/client-$dialect"
         check_client "$scratch/client-$dialect"
@@ -199,6 +189,17 @@ phase_docs() {
 phase_abi() {
     once build dev
     scripts/abi.sh
+}
+
+# The whole of it: scripts/portability.sh s390x.
+phase_s390x() {
+    local families='stream memory filter buffered bounding chained lines transform wide_streams blocks codec un_text digest
+        utf8_coder converter string code_pages integer_codes backup_filter mac_records io_attributes nio_file orders'
+    local programs
+    read -rd "" -a programs <<<"$families" || true
+    configure_port s390x
+    cmake --build --preset s390x --target "${programs[@]/%/_test}"
+    run_tests ctest --preset s390x --label-regex "^($(IFS='|' && echo "${programs[*]/%/_test}"))\$"
 }
 
 phase_windows() {
