@@ -16,13 +16,14 @@ byte-reads      50
 byte-writes     70
 integer-reads   44
 integer-writes  38
-lines           32
+integer-runs    7.7
+lines           19
 copies          0.5
 wz              260
 utf8            38
 match           300
 split           73
-numbers         320
+numbers         217
 '
 factor=5
 bytes=120000

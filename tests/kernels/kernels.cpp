@@ -9,8 +9,7 @@
 #include "socle/stream/buffered_input.h"
 #include "socle/stream/buffered_output.h"
 #include "socle/stream/copier.h"
-#include "socle/stream/endian_input.h"
-#include "socle/stream/endian_output.h"
+#include "socle/stream/integers.h"
 #include "socle/stream/line_input.h"
 #include "socle/un/digits.h"
 #include "socle/un/tokenizer.h"
@@ -19,6 +18,7 @@
 #include <functional>
 #include <map>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -80,6 +80,18 @@ std::map<std::string, std::function<void()>> const kernels = {
              stream::big_endian_output out(beneath);
              for (uint32 i = 0; i < size / 4; ++i)
                  out.write32(i);
+         });
+     }},
+    {"integer-runs",
+     [] {
+         with_input([](stream::input & beneath) {
+             with_output([&](stream::output & to) {
+                 stream::big_endian_input in(beneath);
+                 stream::big_endian_output out(to);
+                 std::vector<uint32> values(size / 4);
+                 stream::read_integers(in, values);
+                 stream::write_integers(out, values);
+             });
          });
      }},
     {"lines",
