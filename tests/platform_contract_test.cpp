@@ -262,8 +262,8 @@ TEST_F(platform_contract, volumes_are_folders_with_a_letter) {
     scratch_.write("volume/file", "bytes");
     EXPECT_EQ(attach_volume('C', scratch_.folder(), "FAT"), 183u);
     EXPECT_EQ(attach_volume('1', scratch_.folder(), "FAT"), 87u);
-    EXPECT_EQ(attach_volume('N', scratch_.host("none"), "FAT"), 3u);
-    ASSERT_EQ(attach_volume('n', scratch_.host("volume"), "FAT"), 0u);
+    EXPECT_EQ(attach_volume('N', support::text_of(scratch_.host("none")), "FAT"), 3u);
+    ASSERT_EQ(attach_volume('n', support::text_of(scratch_.host("volume")), "FAT"), 0u);
     EXPECT_EQ(attach_volume('N', scratch_.folder(), "FAT"), 183u);
     wide_string text;
     EXPECT_TRUE(GetVolumeInformationW(u"N:\\", text));

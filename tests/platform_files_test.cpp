@@ -173,7 +173,7 @@ TEST_F(platform_files, that_are_no_files_keep_nobody_waiting) {
     int const listener = socket(AF_UNIX, SOCK_STREAM, 0);
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
-    scratch_.host("socket").copy(address.sun_path, sizeof address.sun_path - 1);
+    scratch_.host("socket").string().copy(address.sun_path, sizeof address.sun_path - 1);
     ASSERT_EQ(bind(listener, reinterpret_cast<sockaddr *>(&address), sizeof address), 0);
     close(listener);
     int const fifo = open("fifo");

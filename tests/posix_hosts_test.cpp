@@ -35,6 +35,12 @@ TEST(io_directory, what_is_listed_but_cannot_be_reached_ends_the_emptying) {
     }
 }
 
+TEST(path, keeps_every_byte_of_the_hosts) {
+    for (char const * host : {"/", "/a", "/tmp/\xC3\xA9\xFF/x:y\\z", "a/b"})
+        EXPECT_EQ(any::path::from_host(host).to_host(), host);
+    EXPECT_EQ(any::path::from_host("/a/./b").full_string(), u"C:\\a\\b");
+}
+
 TEST(code_pages, are_those_that_are_listed) {
     for (uint32 const page : {0u, 1u, 37u, 54936u}) {
         char16_t unit = u'a';

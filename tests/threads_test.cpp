@@ -120,7 +120,7 @@ TEST(threads, use_the_library_at_once) {
     std::filesystem::create_directory(folder.host("n"));
     // Before other threads start, as told.
     std::size_t works = std::size(table);
-    if (platform::attach_volume('N', folder.host("n"), "NTFS") != 0)
+    if (platform::attach_volume('N', support::text_of(folder.host("n")), "NTFS") != 0)
         --works; // no extended attributes in the folder for tests
     constexpr std::size_t times = 3;
     std::barrier start(static_cast<std::ptrdiff_t>(works * times));

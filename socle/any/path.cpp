@@ -12,12 +12,17 @@ path::path(string const & text, char16_t const * separators, bool skip_dots) : s
     set(text, skip_dots);
 }
 
-path path::from_host(std::filesystem::path const & host) { return {platform::from_host(host.string()), true}; }
+// The library's form of a host path is UTF-8 where a path is wide; where it is bytes, they stay as they are.
+path path::from_host(std::filesystem::path const & host) {
+    auto const bytes = host.u8string();
+    return {platform::from_host({bytes.begin(), bytes.end()}), true};
+}
 
 std::filesystem::path path::to_host() const {
     path plain(*this);
     plain.reset_separator();
-    return platform::to_host(plain.full_string());
+    narrow_string const bytes = platform::to_host(plain.full_string());
+    return std::u8string(bytes.begin(), bytes.end());
 }
 
 path & path::operator=(string const & text) {

@@ -1,89 +1,14 @@
 #include "socle/platform/code_page_conversions.h"
 
-#include "socle/basic/ascii_internal.h"
-#include "socle/platform/errors.h"
-#include "socle/platform/unicode.h"
+#include "socle/platform/converted_text.h"
 
 namespace platform {
 
 namespace {
 
-using basic::ascii::copy_ascii;
-using basic::ascii::is_ascii;
-using basic::ascii::step;
-
-uint32 too_small() {
-    SetLastError(ERROR_INSUFFICIENT_BUFFER);
-    return 0;
-}
-
-/// Stores what there is room for by then.
-template <class Unit>
-class store {
-public:
-    explicit store(Unit * to) : first_(to), to_(to) {}
-
-    void put(Unit unit) { *to_++ = unit; }
-    template <class From>
-    void put_ascii(From const * from) {
-        copy_ascii(from, to_);
-        to_ += step;
-    }
-    uint64 count() const { return uint64(to_ - first_); }
-
-private:
-    Unit * first_;
-    Unit * to_;
-};
-
-/// Counts what would be stored.
-template <class Unit>
-class counter {
-public:
-    void put(Unit) { ++count_; }
-    template <class From>
-    void put_ascii(From const *) {
-        count_ += step;
-    }
-    uint64 count() const { return count_; }
-
-private:
-    uint64 count_ = 0;
-};
-
-/// Converts [from, end), where ASCII means itself, a step at a time: whole steps of ASCII at once, the rest of a text
-/// character by character with `next(from, end, out)`.
-template <class From, class Out, class Next>
-void convert_steps(From const * from, From const * end, Out & out, Next next) {
-    while (from != end) {
-        if (std::size_t(end - from) >= step && is_ascii(from)) {
-            out.put_ascii(from);
-            from += step;
-            continue;
-        }
-        for (std::size_t i = 0; i < step && from != end; ++i)
-            next(from, end, out);
-    }
-}
-
-/// Runs `convert(out)` for its count and for its result. Without counting first if `most`, which no result of this
-/// input can pass, fits.
-template <class Unit, class Convert>
-uint32 convert_to(Unit * to, uint32 capacity, uint64 most, Convert convert) {
-    if (most > capacity) {
-        counter<Unit> needed;
-        convert(needed);
-        if (needed.count() > (capacity == 0 ? UINT32_MAX : capacity))
-            return too_small();
-        if (capacity == 0)
-            return static_cast<uint32>(needed.count());
-    }
-    store<Unit> out(to);
-    convert(out);
-    return static_cast<uint32>(out.count());
-}
-
-constexpr char16_t replacement = 0xFFFD;
+using converted::convert_steps;
+using converted::convert_to;
+using converted::too_small;
 
 unsigned char value(char byte) { return static_cast<unsigned char>(byte); }
 
@@ -164,30 +89,6 @@ uint32 encode(code_page const & page, char16_t const * from, uint32 count, char 
     used_default = false;
     return page.double_bytes() ? encode_double_bytes(page, from, count, to, capacity, default_character, used_default)
                                : encode_single_bytes(page, from, count, to, capacity, default_character, used_default);
-}
-
-uint32 decode_utf8(char const * from, uint32 count, char16_t * to, uint32 capacity) {
-    return convert_to(to, capacity, uint64{count}, [&](auto & result) {
-        convert_steps(from, from + count, result, [](char const *& at, char const * last, auto & out) {
-            char32_t character;
-            bool const good = unicode::read_utf8(at, last, character);
-            unicode::put_utf16(good ? character : replacement, [&](char16_t unit) { out.put(unit); });
-        });
-    });
-}
-
-uint32 encode_utf8(char16_t const * from, uint32 count, char * to, uint32 capacity) {
-    return convert_to(to, capacity, uint64{3} * count, [&](auto & result) {
-        convert_steps(from, from + count, result, [](char16_t const *& at, char16_t const * last, auto & out) {
-            char16_t const unit = *at++;
-            char32_t character = unit;
-            if (unicode::is_surrogate(unit)) {
-                bool const pair = unicode::is_high_surrogate(unit) && at != last && unicode::is_low_surrogate(*at);
-                character = pair ? unicode::join_surrogates(unit, *at++) : replacement;
-            }
-            unicode::put_utf8(character, [&](char byte) { out.put(byte); });
-        });
-    });
 }
 
 } // namespace platform

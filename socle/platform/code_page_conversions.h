@@ -12,8 +12,4 @@ uint32 decode(code_page const & page, char const * from, uint32 count, char16_t 
 uint32 encode(code_page const & page, char16_t const * from, uint32 count, char * to, uint32 capacity,
               char default_character, bool & used_default);
 
-/// Strict UTF-8: what is bad, and a lone surrogate on the way back, is U+FFFD.
-uint32 decode_utf8(char const * from, uint32 count, char16_t * to, uint32 capacity);
-uint32 encode_utf8(char16_t const * from, uint32 count, char * to, uint32 capacity);
-
 } // namespace platform

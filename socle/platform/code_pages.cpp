@@ -2,6 +2,7 @@
 
 #include "socle/platform/code_page_conversions.h"
 #include "socle/platform/errors.h"
+#include "socle/platform/utf8_conversions.h"
 
 #include <string>
 

@@ -76,4 +76,17 @@ inline bool read_utf8(char const *& at, char const * end, char32_t & character) 
     return true;
 }
 
+/// Reads the character of UTF-16 at `at` and moves `at` behind it. False for a lone surrogate, which `character` is
+/// then.
+inline bool read_utf16(char16_t const *& at, char16_t const * end, char32_t & character) {
+    char16_t const unit = *at++;
+    character = unit;
+    if (!is_surrogate(unit))
+        return true;
+    bool const pair = is_high_surrogate(unit) && at != end && is_low_surrogate(*at);
+    if (pair)
+        character = join_surrogates(unit, *at++);
+    return pair;
+}
+
 } // namespace platform::unicode

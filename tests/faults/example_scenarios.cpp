@@ -48,7 +48,7 @@ void prepare_unpacked(place const & where) {
     fs::rename(unpack(packed, where.here.host("out")), where.here.host("out/made"));
     for (fs::path const & side : fs::directory_iterator(where.here.host("out")))
         if (side.has_extension())
-            fs::rename(side, where.here.host("out/made") + side.extension().string());
+            fs::rename(side, where.here.host("out/made") += side.extension());
 }
 
 /// The dates are the same whenever it is made; nothing of it is more than a sidecar can hold.
@@ -97,12 +97,12 @@ bool carry(place const & where, char const * from, char const * to, carrying con
     } const here;
     // What could not be deleted is dealt with by the next run.
     struct emptied {
-        std::string folder;
+        fs::path folder;
         ~emptied() {
             uncounted const work;
             fs::remove_all(folder);
         }
-    } const at_end{where.here.host(to) + "/.catalog.part"};
+    } const at_end{where.here.host(to) / ".catalog.part"};
     auto const root = platform::from_host(where.here.host(from));
     ::report told("", root, true);
     selection const all({}, {});

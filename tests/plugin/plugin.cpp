@@ -39,6 +39,7 @@ constexpr row rows[] = {
     {"any::exception", throw_spoken<any::exception>},
     {"command::exception", throw_spoken<command::exception>},
     {"io::exception", [] { throw io::exception(plugin_message, plugin_origin, plugin_error); }},
+    {"raised", [] { io::exception(plugin_message, plugin_origin, plugin_error).Raise(); }},
     {"basic::exception", throw_plain<basic::exception>},
     {"nio::exception", throw_plain<nio::exception>},
     {"nio::filesystem_exception", [] { throw nio::filesystem_exception(plugin_message, u"path"); }},

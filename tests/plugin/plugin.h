@@ -4,7 +4,8 @@
 
 /// "plugin_start": from now on, each unloading adds one to `unloads`.
 using plugin_start_entry = void(int * unloads);
-/// "plugin_throw": throws the exception class of that name, filled with the words below.
+/// "plugin_throw": throws the exception class of that name, filled with the words below; "raised" is an `io::exception`
+/// that the library throws.
 using plugin_throw_entry = void(char const * class_name);
 
 constexpr char const * plugin_message = "message of the plug-in";

@@ -27,6 +27,10 @@ namespace support {
 
 namespace fs = std::filesystem;
 
+fs::path path_of(std::string const & text) { return text; }
+
+std::string text_of(fs::path const & path) { return path.string(); }
+
 fs::path make_folder(fs::path const & parent) {
     std::string pattern = (parent.empty() ? "/var/tmp" : parent.string()) + "/socle_test_XXXXXX";
     if (!mkdtemp(pattern.data()))
@@ -97,6 +101,8 @@ bool library::is_loaded(fs::path const & file) {
         dlclose(there);
     return there != nullptr;
 }
+
+bool shares_type_information() { return true; }
 
 bool starts_in_locales() { return true; }
 bool is_in_locale(std::string const &) { return false; }

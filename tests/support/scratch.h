@@ -17,19 +17,21 @@ public:
     ~scratch() { support::remove_folder(folder_); }
 
     /// The host's path of a name in the folder, and the library's.
-    std::string host(std::string const & name) const { return (folder_ / name).make_preferred().string(); }
-    wide_string path(std::string const & name) const { return platform::from_host(host(name)); }
-    std::string folder() const { return folder_.string(); }
+    std::filesystem::path host(std::string const & name) const {
+        return (folder_ / support::path_of(name)).make_preferred();
+    }
+    wide_string path(std::string const & name) const { return platform::from_host(support::text_of(host(name))); }
+    std::string folder() const { return support::text_of(folder_); }
 
     void write(std::string const & name, std::string const & bytes) const {
-        std::ofstream out(folder_ / name, std::ios::binary);
+        std::ofstream out(host(name), std::ios::binary);
         out << bytes;
     }
     std::string read(std::string const & name) const {
-        std::ifstream in(folder_ / name, std::ios::binary);
+        std::ifstream in(host(name), std::ios::binary);
         return in ? std::string(std::istreambuf_iterator<char>(in), {}) : "(none)";
     }
-    bool exists(std::string const & name) const { return support::is_there(folder_ / name); }
+    bool exists(std::string const & name) const { return support::is_there(host(name)); }
 
 private:
     std::filesystem::path folder_;

@@ -8,6 +8,10 @@
 /// it.
 namespace support {
 
+/// A path of the standard library's, of text in the host's form: UTF-8 where a path is not bytes; and the way back.
+std::filesystem::path path_of(std::string const & text);
+std::string text_of(std::filesystem::path const & path);
+
 /// A fresh folder in `parent`; the default one is on a disk that keeps extended attributes, where there are such.
 std::filesystem::path make_folder(std::filesystem::path const & parent = {});
 /// Removes it with all that is in it, links themselves.
@@ -62,6 +66,9 @@ public:
 private:
     void * loaded_;
 };
+
+/// Whether an exception that one library throws of another's class has its type information from there.
+bool shares_type_information();
 
 /// Whether a process can be started in a locale; otherwise whether this one has the code pages of one.
 bool starts_in_locales();

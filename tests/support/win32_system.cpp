@@ -91,6 +91,13 @@ std::string probe_attributes() {
 
 } // namespace
 
+fs::path path_of(std::string const & text) { return std::u8string(text.begin(), text.end()); }
+
+std::string text_of(fs::path const & path) {
+    std::u8string const text = path.u8string();
+    return {text.begin(), text.end()};
+}
+
 fs::path make_folder(fs::path const & parent) {
     static int count = 0;
     fs::path const folder = (parent.empty() ? fs::current_path() : parent)
@@ -109,11 +116,11 @@ void remove_folder(fs::path const & folder) {
 bool is_there(fs::path const & path) { return GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES; }
 
 void set_variable(char const * name, char const * value) {
-    _wputenv_s(fs::path(name).c_str(), value != nullptr ? fs::path(value).c_str() : L"");
+    _wputenv_s(path_of(name).c_str(), value != nullptr ? path_of(value).c_str() : L"");
 }
 
 void make_link(std::string const & target, fs::path const & link) {
-    fs::path to = target;
+    fs::path to = path_of(target);
     to.make_preferred();
     DWORD const bits = GetFileAttributesW((link.parent_path() / to).c_str());
     bool const folder = bits != INVALID_FILE_ATTRIBUTES && (bits & FILE_ATTRIBUTE_DIRECTORY) != 0;
@@ -164,6 +171,8 @@ void (*library::find(char const * name) const)() {
 bool library::is_loaded(fs::path const & file) {
     return GetModuleHandleW(fs::absolute(file).make_preferred().c_str()) != nullptr;
 }
+
+bool shares_type_information() { return false; } // g++ puts it into each that throws
 
 bool starts_in_locales() { return false; }
 

@@ -1,3 +1,4 @@
+#include "socle/platform/utf8_conversions.h"
 #include "socle/platform/win32/host/system.h"
 
 #include <algorithm>
@@ -17,16 +18,21 @@ constexpr uint32 listed_pages[] = {
     28595, 28596, 28597, 28598, 28599, 28603, 28605, 20866, 21866, 20127,
 };
 
-/// Pages that take no flags: UTF-7 and UTF-8, the large Chinese one, those with escapes, and of symbols.
+/// Pages that take no flags: UTF-7, the large Chinese one, those with escapes, and of symbols.
 bool takes_flags(uint32 page) {
     constexpr uint32 gb18030 = 54936, symbols = 42, utf_7 = 65000;
     bool const escapes = page >= 50220 && page <= 50229;
     bool const indian = page >= 57002 && page <= 57011;
-    return page != CP_UTF8 && page != utf_7 && page != gb18030 && page != symbols && !escapes && !indian;
+    return page != utf_7 && page != gb18030 && page != symbols && !escapes && !indian;
 }
 
+/// Systems differ in how many characters they take bad UTF-8 for, so that page is the library's own.
+bool is_utf8(uint32 page, uint32 count) { return page == CP_UTF8 && count != 0; }
+
 /// The system counts with a sign, and takes a count of -1 for text that ends in a zero.
-bool can_count(uint32 from, uint32 to) { return win32::report_code(from <= INT_MAX && to <= INT_MAX ? 0 : 122); }
+bool can_count(uint32 from, uint32 to) {
+    return win32::report_code(from <= INT_MAX && to <= INT_MAX ? 0 : ERROR_INSUFFICIENT_BUFFER);
+}
 
 } // namespace
 
@@ -42,6 +48,8 @@ bool EnumSystemCodePagesA(std::function<bool(char const *)> const & page) {
 }
 
 uint32 MultiByteToWideChar(uint32 page, char const * from, uint32 count, char16_t * to, uint32 capacity) {
+    if (is_utf8(page, count))
+        return decode_utf8(from, count, to, capacity);
     if (!can_count(count, capacity))
         return 0;
     auto * const wide = reinterpret_cast<wchar_t *>(to);
@@ -51,7 +59,9 @@ uint32 MultiByteToWideChar(uint32 page, char const * from, uint32 count, char16_
 
 uint32 WideCharToMultiByte(uint32 page, char16_t const * from, uint32 count, char * to, uint32 capacity,
                            char const * default_character, bool * used_default) {
-    if (!can_count(count, capacity) || (page == CP_UTF8 && !win32::report_code(used_default != nullptr ? 87 : 0)))
+    if (is_utf8(page, count) && used_default == nullptr)
+        return encode_utf8(from, count, to, capacity);
+    if (!can_count(count, capacity) || !win32::report_code(page == CP_UTF8 ? ERROR_INVALID_PARAMETER : 0))
         return 0;
     auto const * const wide = reinterpret_cast<wchar_t const *>(from);
     // Best fit would give a letter for another one, and not tell.
