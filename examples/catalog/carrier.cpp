@@ -31,7 +31,7 @@ std::optional<host::folder> top_folder(narrow_string const & path, bool dry) {
     if (there == host::kind::link)
         fail("the target is a link: " + readable_path(path));
     if (there == host::kind::nothing && !dry)
-        fs::create_directory(path);
+        fs::create_directory(host::path_of(path));
     else if (there == host::kind::nothing)
         return {};
     else if (there != host::kind::folder)
@@ -179,8 +179,8 @@ bool carrier::link(file_record const & from, target_pointer const & folder, wide
         return false;
     auto const link_name = [&](wide_string const & now, wide_string const & name) {
         if (folder->look(platform::to_host(name)).kind == host::kind::nothing)
-            fs::create_hard_link(first_folder->held()->path(platform::to_host(now)),
-                                 folder->held()->path(platform::to_host(name)));
+            fs::create_hard_link(host::path_of(first_folder->held()->path(platform::to_host(now))),
+                                 host::path_of(folder->held()->path(platform::to_host(name))));
     };
     if (!same && !how_.dry) {
         check_free(from, *folder, leaf);
@@ -287,7 +287,7 @@ void carrier::place(waiting const & file) {
     } catch (...) {
         made.remove();
         for (auto const & leaf : placed)
-            fs::remove(file.folder->held()->path(platform::to_host(leaf)));
+            fs::remove(host::path_of(file.folder->held()->path(platform::to_host(leaf))));
         throw;
     }
     file.folder->claim(status);
@@ -302,7 +302,7 @@ void carrier::place_sidecars(waiting const & file, std::vector<wide_string> & pl
         // One that an earlier run has left there is as good.
         if (folder.look(platform::to_host(to[i])).kind == host::kind::file
             && same_bytes(whole_file(from[i]), whole_file(folder.path(to[i], false)))) {
-            fs::remove(platform::to_host(from[i]));
+            fs::remove(host::path_of(platform::to_host(from[i])));
             continue;
         }
         move(from[i], folder, to[i], file.replaces);
@@ -314,14 +314,14 @@ void carrier::place_sidecars(waiting const & file, std::vector<wide_string> & pl
     for (auto const & name : {rsrc_name(how_.form, file.leaf), info_name(how_.form, file.leaf)}) {
         bool const ours = std::find(to.begin(), to.end(), name) != to.end();
         if (!ours && folder.look(platform::to_host(name)).kind == host::kind::file && is_fork(folder.path(name, false)))
-            fs::remove(folder.held()->path(platform::to_host(name)));
+            fs::remove(host::path_of(folder.held()->path(platform::to_host(name))));
     }
 }
 
 void carrier::move(wide_string const & from, target_folder & folder, wide_string const & leaf, bool replace) const {
     auto const name = platform::to_host(leaf);
     if (replace)
-        fs::rename(platform::to_host(from), folder.held()->path(name));
+        fs::rename(host::path_of(platform::to_host(from)), host::path_of(folder.held()->path(name)));
     else if (folder.look(name).kind != host::kind::nothing)
         fail("is not carried, as another file is there: " + folder.typed(leaf));
     else if (spelled())

@@ -54,17 +54,25 @@ void keep(narrow_string const & list, carrying & how) {
     }
 }
 
-/// The host's path from the root on, with links in it followed; one that is not there yet is no problem.
-narrow_string whole_path(narrow_string const & path) {
+/// The path from the root on, with links in it followed; one that is not there yet is no problem.
+fs::path whole_path(narrow_string const & path) {
     std::error_code failed;
-    auto const result = fs::weakly_canonical(fs::absolute(path), failed);
+    auto const result = fs::weakly_canonical(fs::absolute(host::path_of(path)), failed);
     if (failed)
         throw nio::exception("cannot look at " + readable_path(path) + ": " + failed.message());
-    return result.string();
+    return result;
 }
 
-bool within(narrow_string const & inner, narrow_string const & outer) {
-    return (inner + '/').starts_with(outer == "/" ? outer : outer + '/');
+/// Whether a path leads to a folder, or to something in it, however it is spelled.
+bool within(fs::path path, fs::path const & folder) {
+    auto const wanted = host::status_of(host::text_of(folder));
+    for (bool top = false; wanted.kind == host::kind::folder && !top;) {
+        if (host::status_of(host::text_of(path)).same_file(wanted))
+            return true;
+        top = path == path.parent_path();
+        path = path.parent_path();
+    }
+    return false;
 }
 
 /// Whether `.socle_streams` is the library's, or could be: there is none, or it holds folders named by 32 hexadecimal
@@ -96,12 +104,13 @@ struct settings {
 };
 
 bool work(settings const & wanted, selection const & selection) {
-    auto const folder = whole_path(wanted.folder);
+    auto const whole = whole_path(wanted.folder);
+    auto const folder = host::text_of(whole);
     if (host::kind_of(folder) != host::kind::folder)
         throw nio::exception("is no folder: " + readable_path(wanted.folder));
     if (wanted.to) {
         auto const target = whole_path(wanted.target);
-        if (within(target, folder) || within(folder, target))
+        if (within(target, whole) || within(whole, target))
             throw nio::exception("one folder lies in the other: " + readable_path(wanted.target));
     }
     bool const streams = look_for_streams(folder);

@@ -2,6 +2,7 @@
 
 #include "common/host.h"
 
+#include <cstdint>
 #include <functional>
 #include <optional>
 #include <vector>
@@ -55,8 +56,6 @@ public:
     host::status status() const;
     host::status look(narrow_string const & name) const;
 
-    /// Keeps others that ask for the same out for as long as this is held; false if one has asked before.
-    bool lock() const;
     /// Whether the folder is the user's own.
     bool own() const;
 
@@ -64,13 +63,29 @@ public:
     narrow_string path(narrow_string const & name) const;
     narrow_string path() const;
 
-    /// What was written to the file system of the folder is on the disk then.
+    /// What files of the folder hold is on the disk then.
     void sync() const;
 
 private:
-    explicit folder(int descriptor) : descriptor_(descriptor) {}
+    friend class lock;
+    explicit folder(std::intptr_t number) : number_(number) {}
 
-    int descriptor_;
+    std::intptr_t number_; // of the host's descriptor or handle; -1 for none
+};
+
+/// Keeps other runs out of a folder for as long as it lives.
+class lock {
+public:
+    explicit lock(folder const & folder);
+    lock(lock const &) = delete;
+    lock & operator=(lock const &) = delete;
+    ~lock();
+
+    /// False if another run has one.
+    bool held() const { return number_ != -1; }
+
+private:
+    std::intptr_t number_;
 };
 
 /// The status of a path; links are not followed.

@@ -97,8 +97,7 @@ std::vector<entry> list_folder(host::folder const & folder, wide_string const & 
 
 bool is_there(wide_string const & path) {
     bool const found = nio::exists(path);
-    uint32 const error = found ? 0 : platform::last_error();
-    if (!found && error != 2 && error != 3 && error != 206)
+    if (!found && !platform::nothing_is_there())
         throw nio::filesystem_exception("cannot look at a fork", path);
     return found;
 }

@@ -35,7 +35,8 @@ work_folder::work_folder(target_folder const & top, fork_form form) : top_(top),
     auto held = top.held()->inner(work_name);
     if (!held.own())
         in_the_way("it is another user's", typed);
-    if (!held.lock() || !top.look(work_name).same_file(held.status()))
+    lock_.emplace(held);
+    if (!lock_->held() || !top.look(work_name).same_file(held.status()))
         throw nio::exception("another run is at work in " + top.typed());
     here_.emplace(std::move(held), nio::concatenate(top.spelled(), leaf, u'\\'), typed);
     for (auto const & [name, status] : here_->held()->list())
@@ -50,6 +51,7 @@ work_folder::~work_folder() {
     } catch (...) {
         // The next run does it.
     }
+    here_.reset(); // which may keep it from going
     top_.held()->remove(work_name);
 }
 
@@ -69,5 +71,5 @@ void work_folder::clear() const {
         if (form_ == fork_form::stream)
             forked_copy(form_, here_->path(platform::from_host(name), true)).remove();
         else
-            std::filesystem::remove(here_->held()->path(name));
+            std::filesystem::remove(host::path_of(here_->held()->path(name)));
 }

@@ -29,6 +29,7 @@ private:
 
     target_folder const & top_;
     fork_form form_;
+    std::optional<host::lock> lock_;
     std::optional<target_folder> here_;
     uint64 parts_ = 0;
 };

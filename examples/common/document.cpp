@@ -25,7 +25,7 @@ document::document(narrow_string const & path) {
     if (there != host::kind::nothing && there != host::kind::file)
         throw nio::exception("cannot write the output: something other than a file is there");
     path_ = path;
-    auto const full = std::filesystem::absolute(path).string();
+    auto const full = host::text_of(std::filesystem::absolute(host::path_of(path)));
     file_.path() = nio::make_unique(platform::from_host(full + ".part"), 999);
     file_.create(false);
     if (!file_.is_open())
@@ -60,6 +60,6 @@ void document::finish() {
     if (part_.empty())
         return;
     file_.close();
-    std::filesystem::rename(part_, path_);
+    std::filesystem::rename(host::path_of(part_), host::path_of(path_));
     part_.clear();
 }

@@ -2,8 +2,17 @@
 
 #include <socle/basic/types.h>
 
+#include <filesystem>
+
 /// What the programs ask of the host beside the library. The folders `posix` and `win32` have it for each kind of host.
 namespace host {
+
+/// A path of the standard library's, of one in the host's form, and the way back.
+std::filesystem::path path_of(narrow_string const & path);
+narrow_string text_of(std::filesystem::path const & path);
+
+/// Whether a backslash separates names, as a slash does, and is no letter of them.
+bool backslash_separates();
 
 /// What a name stands for. Links are not followed, and nothing is opened.
 enum class kind { nothing, file, folder, link, other };

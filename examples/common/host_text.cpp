@@ -1,5 +1,7 @@
 #include "host_text.h"
 
+#include "host.h"
+
 #include <socle/un/digits.h>
 
 namespace {
@@ -31,7 +33,7 @@ narrow_string readable_path(narrow_string const & path) {
     for (std::size_t at = 0; at < path.size();) {
         auto const length = character_at(path, at);
         if (path[at] == '\\')
-            result += "\\\\";
+            result += host::backslash_separates() ? "/" : "\\\\";
         else if (length > 0)
             result.append(path, at, length);
         else

@@ -4,6 +4,8 @@
 #include "copying.h"
 #include "part.h"
 
+#include "common/host.h"
+
 #include <socle/basic/codes.h>
 #include <socle/io/exception.h>
 #include <socle/io/fork_input.h>
@@ -19,8 +21,8 @@ namespace {
 any::path library_path(narrow_string const & host) { return {platform::from_host(host), true}; }
 
 /// The path from the root on, so that no name that is added to it can be taken for a drive.
-any::path absolute_path(narrow_string const & host) {
-    return library_path(std::filesystem::absolute(host.empty() ? "." : host).string());
+any::path absolute_path(narrow_string const & typed) {
+    return library_path(host::text_of(std::filesystem::absolute(host::path_of(typed.empty() ? "." : typed))));
 }
 
 io::attributes attributes_of(header const & h) {
@@ -77,10 +79,11 @@ void copy_padded(io::fork & fork, stream::output & target, uint32 length, copyin
 narrow_string place(part & file, any::path const & folder, any::string const & leaf, narrow_string const & typed) {
     for (int attempt = 1;; ++attempt) {
         io::file target = free_name(folder, leaf);
-        narrow_string host = (std::filesystem::path(typed) / platform::to_host(target.path().leaf())).string();
+        narrow_string placed =
+            host::text_of(host::path_of(typed) / host::path_of(platform::to_host(target.path().leaf())));
         try {
             file.place(target);
-            return host;
+            return placed;
         } catch (io::exception const & e) {
             // The name went to somebody else meanwhile.
             if (e.error() != basic::codes::already_exists || attempt == 10)

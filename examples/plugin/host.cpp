@@ -7,6 +7,7 @@
 #include <socle/io/fork_input.h>
 #include <socle/io/fork_output.h>
 #include <socle/io/open_fork.h>
+#include <socle/platform/host.h>
 #include <socle/stream/buffered_input.h>
 #include <socle/stream/buffered_output.h>
 
@@ -53,7 +54,11 @@ void convert(std::vector<narrow_string> const & names, settings const & chosen) 
 
 int main(int argc, char ** argv) {
     try {
-        command::line line(argc, argv);
+        auto const arguments = platform::arguments(argc, argv);
+        std::vector<char const *> texts;
+        for (auto const & argument : arguments)
+            texts.push_back(argument.c_str());
+        command::line line(static_cast<int>(texts.size()), texts.data());
         command::option<narrow_string> folder(line, "--plugins|-p", ".", "where the plug-ins lie");
         command::option<bool> resource(line, "--resource|-r", false, "write the resource fork, not the data fork");
         line.digest();

@@ -1,11 +1,12 @@
 #pragma once
 
 #include "filter.h"
+#include "library.h"
 
 /// A plug-in, loaded as long as the object lives.
 class plugin {
 public:
-    /// Loads `name`.so from the folder. Throws a `un::exception` if that is no plug-in for this host.
+    /// Loads the library `name` from the folder. Throws a `un::exception` if that is no plug-in for this host.
     plugin(narrow_string const & folder, narrow_string const & name);
 
     /// A filter of the plug-in, which has to go before this object.
@@ -13,7 +14,7 @@ public:
 
 private:
     struct unloading {
-        void operator()(void * library) const;
+        void operator()(void * library) const { host::unload(library); }
     };
 
     std::unique_ptr<void, unloading> library_;

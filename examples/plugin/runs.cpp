@@ -6,6 +6,9 @@
 
 namespace {
 
+/// The host may hold the exception for longer than the plug-in, so the library throws it.
+[[noreturn]] void fail() { stream::exception("ends in the middle of a run", "runs").Raise(); }
+
 /// The bytes of run lengths: n below 128 stands before n + 1 bytes as they are, n above 128 before a byte that comes
 /// 257 - n times, and 128 for nothing.
 class runs_input : public stream::input {
@@ -24,7 +27,7 @@ protected:
             if (repeated_)
                 std::fill_n(buffer + done, wanted, byte_);
             else if (source_.read(buffer + done, wanted) != wanted)
-                throw stream::exception("ends in the middle of a run", "runs");
+                fail();
             left_ -= wanted;
             position_ += wanted;
             done += wanted;
@@ -46,7 +49,7 @@ private:
         int const byte = repeated_ ? source_.read() : 0;
         if (byte == -1) {
             left_ = 0;
-            throw stream::exception("ends in the middle of a run", "runs");
+            fail();
         }
         byte_ = static_cast<char>(byte);
         return true;

@@ -1,26 +1,35 @@
 #!/usr/bin/env bash
-# usage: plugin.sh <host> <folder of its plug-ins>
+# usage: plugin.sh <host> <folder of its plug-ins> [<command that runs it>...]
 # Loads filters by name, and reports failures after they were unloaded.
 set -euo pipefail
 host=$1 plugins=$2
+runner=("${@:3}")
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
+# Programs may run as another user, and elsewhere.
+chmod 777 "$scratch"
 cd "$scratch"
 
 fail() { echo "$*"; exit 1; }
 
+# run <source> <target> <filter>...
+run() { "${runner[@]}" "$host" "${option[@]}" --plugins="$plugins" "$scratch/$1" "$scratch/$2" "${@:3}"; }
+option=()
+
 # refused <words> <argument>...: with status 1, and no fork is left.
 refused() {
     local status=0
-    "$host" --plugins="$plugins" "${@:2}" >out 2>err || status=$?
+    run "${@:2}" >out 2>err || status=$?
     [ "$status" = 1 ] || fail "status $status: ${*:2}"
     grep -qF -- "$1" err || fail "not \"$1\" but: $(cat err)"
     [ ! -e new ] || fail "left behind: ${*:2}"
 }
 
 printf '02 41 42\n43  FD 2D 80' >text
-"$host" --plugins="$plugins" text picture hex runs
-"$host" --plugins="$plugins" --resource text picture hex
+run text picture hex runs
+option=(--resource)
+run text picture hex
+option=()
 [ "$(cat picture)" = ABC---- ] || fail "data fork: $(cat picture)"
 printf '\002ABC\375-\200' | cmp - picture.rsrc
 

@@ -1,6 +1,5 @@
 #include "catalog/host_folder.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <dirent.h>
@@ -33,6 +32,8 @@ kind kind_by(uint32 mode) {
     }
 }
 
+int descriptor_of(std::intptr_t number) { return static_cast<int>(number); }
+
 /// False, with `errno`, if there is nothing or it cannot be told.
 bool look_at(int folder, char const * name, status & result) {
     constexpr int how = AT_SYMLINK_NOFOLLOW | AT_EMPTY_PATH | AT_NO_AUTOMOUNT;
@@ -62,27 +63,27 @@ struct descriptor {
 } // namespace
 
 folder::folder(narrow_string const & path, bool follow)
-    : descriptor_(::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC | (follow ? 0 : O_NOFOLLOW))) {
-    if (descriptor_ < 0)
+    : number_(::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC | (follow ? 0 : O_NOFOLLOW))) {
+    if (number_ == -1)
         fail("cannot open the folder");
 }
 
-folder::folder(folder && other) noexcept : descriptor_(std::exchange(other.descriptor_, -1)) {}
+folder::folder(folder && other) noexcept : number_(std::exchange(other.number_, -1)) {}
 
 folder::~folder() {
-    if (descriptor_ >= 0)
-        ::close(descriptor_);
+    if (number_ != -1)
+        ::close(descriptor_of(number_));
 }
 
 folder folder::inner(narrow_string const & name) const {
-    int const result = ::openat(descriptor_, name.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC | O_NOFOLLOW);
+    int const result = ::openat(descriptor_of(number_), name.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC | O_NOFOLLOW);
     if (result < 0)
         fail("cannot open the folder");
     return folder(result);
 }
 
 bool folder::make(narrow_string const & name) const {
-    if (::mkdirat(descriptor_, name.c_str(), S_IRWXU) == 0)
+    if (::mkdirat(descriptor_of(number_), name.c_str(), S_IRWXU) == 0)
         return true;
     if (errno != EEXIST)
         fail("cannot make the folder");
@@ -91,7 +92,7 @@ bool folder::make(narrow_string const & name) const {
 
 void folder::move(narrow_string const & name, folder const & to, narrow_string const & new_name) const {
     auto const rename = [&](unsigned how) {
-        return ::renameat2(descriptor_, name.c_str(), to.descriptor_, new_name.c_str(), how) == 0;
+        return ::renameat2(descriptor_of(number_), name.c_str(), descriptor_of(to.number_), new_name.c_str(), how) == 0;
     };
     if (rename(RENAME_NOREPLACE))
         return;
@@ -101,11 +102,11 @@ void folder::move(narrow_string const & name, folder const & to, narrow_string c
 }
 
 bool folder::remove(narrow_string const & name) const {
-    return ::unlinkat(descriptor_, name.c_str(), AT_REMOVEDIR) == 0;
+    return ::unlinkat(descriptor_of(number_), name.c_str(), AT_REMOVEDIR) == 0;
 }
 
 void folder::each(std::function<void(narrow_string const &, host::status const &)> const & visit) const {
-    int const again = ::openat(descriptor_, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    int const again = ::openat(descriptor_of(number_), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     DIR * const walk = again < 0 ? nullptr : ::fdopendir(again);
     if (walk == nullptr) {
         int const error = errno;
@@ -123,7 +124,7 @@ void folder::each(std::function<void(narrow_string const &, host::status const &
         if (name == "." || name == "..")
             continue;
         struct status known;
-        if (look_at(descriptor_, entry->d_name, known))
+        if (look_at(descriptor_of(number_), entry->d_name, known))
             visit(name, known);
         else if (errno != ENOENT)
             fail("cannot be listed");
@@ -132,33 +133,40 @@ void folder::each(std::function<void(narrow_string const &, host::status const &
         fail("cannot be listed");
 }
 
-std::vector<found> folder::list() const {
-    std::vector<found> result;
-    each([&](narrow_string const & name, host::status const & known) { result.push_back({name, known}); });
-    std::sort(result.begin(), result.end(), [](found const & a, found const & b) { return a.name < b.name; });
-    return result;
-}
-
 status folder::status() const { return look(""); }
 
 status folder::look(narrow_string const & name) const {
     struct status result;
-    if (!look_at(descriptor_, name.c_str(), result) && errno != ENOENT && errno != ENAMETOOLONG)
+    if (!look_at(descriptor_of(number_), name.c_str(), result) && errno != ENOENT && errno != ENAMETOOLONG)
         fail("cannot be looked at");
     return result;
 }
-
-bool folder::lock() const { return ::flock(descriptor_, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK; }
 
 bool folder::own() const { return status().owner == ::geteuid(); }
 
 narrow_string folder::path(narrow_string const & name) const { return path() + '/' + name; }
 
-narrow_string folder::path() const { return "/proc/self/fd/" + std::to_string(descriptor_); }
+narrow_string folder::path() const { return "/proc/self/fd/" + std::to_string(number_); }
 
 void folder::sync() const {
-    if (::syncfs(descriptor_) != 0)
+    if (::syncfs(descriptor_of(number_)) != 0)
         fail("cannot be brought to the disk");
+}
+
+lock::lock(folder const & folder)
+    : number_(::openat(descriptor_of(folder.number_), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
+    if (number_ == -1)
+        fail("cannot open the folder");
+    // A file system without locks keeps nobody out.
+    if (::flock(descriptor_of(number_), LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK)
+        return;
+    ::close(descriptor_of(number_));
+    number_ = -1;
+}
+
+lock::~lock() {
+    if (held())
+        ::close(descriptor_of(number_));
 }
 
 status status_of(narrow_string const & path) {

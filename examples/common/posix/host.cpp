@@ -3,7 +3,6 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
-#include <filesystem>
 #include <sys/ioctl.h>
 #include <system_error>
 #include <unistd.h>
@@ -25,6 +24,12 @@ kind kind_by(fs::file_status const & status) {
 }
 
 } // namespace
+
+fs::path path_of(narrow_string const & path) { return path; }
+
+narrow_string text_of(fs::path const & path) { return path.string(); }
+
+bool backslash_separates() { return false; }
 
 kind kind_of(narrow_string const & path) {
     std::error_code ignored;

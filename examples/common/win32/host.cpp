@@ -2,7 +2,6 @@
 
 #include <socle/platform/host.h>
 
-#include <filesystem>
 #include <system_error>
 #include <windows.h>
 
@@ -23,6 +22,12 @@ kind kind_by(fs::file_status const & status) {
 
 } // namespace
 
+fs::path path_of(narrow_string const & path) { return platform::from_host(path); }
+
+narrow_string text_of(fs::path const & path) { return platform::to_host(path.u16string()); }
+
+bool backslash_separates() { return true; }
+
 // What the standard library says of a path is of what a link leads to.
 kind kind_of(narrow_string const & path) {
     return platform::is_link(platform::from_host(path)) ? kind::link : kind_behind(path);
@@ -30,7 +35,7 @@ kind kind_of(narrow_string const & path) {
 
 kind kind_behind(narrow_string const & path) {
     std::error_code ignored;
-    return kind_by(fs::status(path, ignored));
+    return kind_by(fs::status(path_of(path), ignored));
 }
 
 narrow_string words(uint32 code) { return std::system_category().message(static_cast<int>(code)); }
