@@ -18,6 +18,9 @@ mkdir -p "$folder"
 # Whoever comes first makes what Wine keeps. The lock is not for its server, which stays a while.
 exec {lock}>"$folder/lock"
 flock "$lock"
+# A server that outlives its programs by a minute: one that is about to go may refuse the next program. Where one runs,
+# this does nothing.
+/usr/lib/wine/wineserver64 --persistent=60 >/dev/null 2>&1 {lock}>&- || true
 if [ ! -e "$folder/ready" ]; then
     "$wine" wineboot --init >"$folder/wineboot.txt" 2>&1 {lock}>&-
     touch "$folder/ready"

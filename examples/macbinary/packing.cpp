@@ -46,10 +46,7 @@ uint32 side_fork_length(io::fork & fork, narrow_string const & path) {
         io::open_fork const opened(fork);
         return fork_length(*opened, path);
     } catch (io::exception const & e) {
-        namespace codes = basic::codes;
-        bool const nothing = e.error() == codes::file_not_found || e.error() == codes::path_not_found
-                             || e.error() == codes::name_too_long;
-        if (nothing || io::item(fork.fork_name()).directory())
+        if (platform::nothing_is_there(static_cast<uint32>(e.error())) || io::item(fork.fork_name()).directory())
             return 0;
         throw;
     }

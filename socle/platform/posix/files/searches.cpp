@@ -86,6 +86,8 @@ system_code find_one(std::u16string_view path, std::u16string_view leaf, file_se
 }
 
 system_code begin_search(std::u16string_view pattern, file_search & search) {
+    if (pattern.empty())
+        return ERROR_PATH_NOT_FOUND;
     std::size_t const separator = pattern.find_last_of(u"\\/");
     bool const plain = separator == std::u16string_view::npos;
     std::u16string_view const leaf = plain ? pattern : pattern.substr(separator + 1);

@@ -56,6 +56,8 @@ system_code place(host_text const & text, resolved_path & resolved) {
     }
     resolved.name = text.leaf;
     system_code const code = go_on_from(text.folder, resolved);
+    if (code == ERROR_PATH_NOT_FOUND && !text.safe)
+        return ERROR_INVALID_NAME;
     // The place of the streams is hidden before it is there as well.
     return code && text.on->hides_path(text.folder + '/' + text.leaf) ? ERROR_ACCESS_DENIED : code;
 }
@@ -181,6 +183,8 @@ system_code to_stream(std::u16string_view stream, resolved_path & resolved) {
 system_code code_at(resolved_path const & at, host_error error) {
     if (error != ENOENT && error != ELOOP)
         return code_of(error);
+    if (!at.safe) // nothing can be made under it
+        return ERROR_INVALID_NAME;
     if (at.folder != AT_FDCWD || at.name == "/")
         return ERROR_FILE_NOT_FOUND;
     narrow_string const parent = at.beside(".");
