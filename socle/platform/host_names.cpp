@@ -63,7 +63,7 @@ void append_host_name(std::string_view host, wide_string & text) {
     decode(host, text, [](wide_string & name, char32_t c) {
         if (c == host_backslash || c == host_colon)
             return false;
-        append_utf16(name, c == U':' ? host_colon : c == U'\\' ? host_backslash : c);
+        append_utf16(name, c == U':' ? char32_t{host_colon} : c == U'\\' ? char32_t{host_backslash} : c);
         return true;
     });
 }

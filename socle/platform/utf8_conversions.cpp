@@ -10,7 +10,7 @@ namespace {
 using converted::convert_steps;
 using converted::convert_to;
 
-constexpr char16_t replacement = 0xFFFD;
+constexpr char32_t replacement = 0xFFFD;
 
 } // namespace
 
