@@ -29,5 +29,11 @@ exec {lock}>&-
 
 run=$(mktemp -d "$folder/run.XXXXXX")
 trap 'chmod -R u+w "$run" && rm -rf "$run"' EXIT
-cd "$run"
-"$wine" "$@"
+mkdir "$run/here"
+cd "$run/here"
+# Wine's own services, which the first program starts, hold what it writes to open for as long as they run.
+status=0
+"$wine" "$@" >"$run/out" 2>"$run/err" || status=$?
+cat "$run/out"
+cat "$run/err" >&2
+exit $status
