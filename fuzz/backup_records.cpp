@@ -41,14 +41,14 @@ public:
         return result;
     }
 
-    system_code locate(posix::host::at const &, wide_string const & name, bool create,
-                       narrow_string & host) const override {
+    system_code locate(posix::host::at const &, wide_string const & name, purpose wanted,
+                       posix::stream_place & place) const override {
         auto found = streams_.find(name);
-        if (found == streams_.end() && !create)
+        if (found == streams_.end() && wanted != purpose::create)
             return ERROR_FILE_NOT_FOUND;
         if (found == streams_.end())
             found = streams_.emplace(name, make("")).first;
-        host = "/proc/self/fd/" + std::to_string(found->second.get());
+        place.name = "/proc/self/fd/" + std::to_string(found->second.get());
         return {};
     }
     system_code list(posix::host::at const &, std::vector<wide_string> & names) const override {
@@ -57,7 +57,10 @@ public:
         return {};
     }
     bool hides(std::string_view, bool) const override { return false; }
-    narrow_string belongings(posix::host::at const &) const override { return {}; }
+    system_code find_belongings(posix::host::at const &, belongings &) const override { return {}; }
+    system_code hold(posix::host::at const &, posix::descriptor_guard &) const override { return {}; }
+    void moved(posix::host::at const &) const override {}
+    system_code sweep() const override { return {}; }
 
 private:
     static posix::descriptor_guard make(narrow_string const & bytes) {

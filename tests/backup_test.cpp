@@ -21,9 +21,9 @@ TEST(backup, goes_to_the_file_wherever_it_lies) {
     volume.write("from", "data");
     volume.write("to", "");
     posix::named_streams const & streams = *posix::volume_of_letter(u'N')->streams;
-    narrow_string host;
-    ASSERT_EQ(streams.locate((folder / "from").c_str(), u"note", true, host), 0u);
-    std::ofstream(host) << "of the stream";
+    posix::descriptor_guard stream;
+    ASSERT_EQ(posix::open_stream(streams, (folder / "from").c_str(), u"note", O_WRONLY, stream), 0u);
+    ASSERT_EQ(::write(stream.get(), "of the stream", 13), 13);
     int const from = open((folder / "from").c_str(), O_RDONLY);
     int const to = open((folder / "to").c_str(), O_RDWR);
     fs::rename(folder / "from", folder / "moved");
@@ -44,8 +44,8 @@ TEST(backup, goes_to_the_file_wherever_it_lies) {
         EXPECT_TRUE(BackupRead(from, nullptr, 0, got, true, *context));
         EXPECT_EQ(*context, nullptr);
     }
-    ASSERT_EQ(streams.locate((folder / "to").c_str(), u"note", false, host), 0u);
-    EXPECT_EQ(fs::file_size(host), 13u);
+    ASSERT_EQ(posix::open_stream(streams, (folder / "to").c_str(), u"note", O_RDONLY, stream), 0u);
+    EXPECT_EQ(posix::host::lseek(stream.get(), 0, SEEK_END), 13);
 
     EXPECT_FALSE(BackupRead(-1, block, 20, got, false, reading));
     EXPECT_EQ(GetLastError(), ERROR_INVALID_HANDLE);

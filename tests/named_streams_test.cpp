@@ -39,18 +39,18 @@ protected:
     static void write(fs::path const & file, std::string const & bytes) { std::ofstream(file) << bytes; }
 
     void write_stream(fs::path const & file, wide_string const & name, std::string const & bytes) const {
-        narrow_string host;
-        ASSERT_EQ(streams_->locate(file.c_str(), name, true, host), 0u);
-        write(host, bytes);
+        descriptor_guard stream;
+        ASSERT_EQ(open_stream(*streams_, file.c_str(), name, O_WRONLY | O_TRUNC, stream), 0u);
+        ASSERT_EQ(::write(stream.get(), bytes.data(), bytes.size()), static_cast<ssize_t>(bytes.size()));
     }
 
     /// What the stream holds, "-" if there is none.
     std::string read_stream(fs::path const & file, wide_string const & name) const {
-        narrow_string host;
-        if (streams_->locate(file.c_str(), name, false, host))
+        descriptor_guard stream;
+        if (open_stream(*streams_, file.c_str(), name, O_RDONLY, stream))
             return "-";
-        std::ifstream in(host, std::ios::binary);
-        return in ? std::string(std::istreambuf_iterator<char>(in), {}) : "-";
+        std::ifstream in("/proc/self/fd/" + std::to_string(stream.get()), std::ios::binary);
+        return std::string(std::istreambuf_iterator<char>(in), {});
     }
 
     names list(fs::path const & file) const {
@@ -71,9 +71,9 @@ protected:
     }
 
     void remove_stream(fs::path const & file, wide_string const & name) const {
-        narrow_string host;
-        ASSERT_EQ(streams_->locate(file.c_str(), name, false, host), 0u);
-        EXPECT_EQ(unlink(host.c_str()), 0);
+        stream_place place;
+        ASSERT_EQ(streams_->locate(file.c_str(), name, named_streams::purpose::change, place), 0u);
+        EXPECT_EQ(host::unlink(place.at()), 0);
     }
 
     std::size_t folders_in_store() const {
@@ -200,13 +200,14 @@ TEST_P(both_stores_test, folders_have_them_too) {
 }
 
 TEST_F(named_streams_test, what_cannot_have_them) {
-    narrow_string host;
-    EXPECT_EQ(streams_->locate(path("missing").c_str(), u"s", true, host), ERROR_FILE_NOT_FOUND);
-    EXPECT_EQ(streams_->locate(path("missing").c_str(), u"s", false, host), ERROR_FILE_NOT_FOUND);
+    descriptor_guard stream;
+    for (int const access : {O_WRONLY, O_RDONLY})
+        EXPECT_EQ(open_stream(*streams_, path("missing").c_str(), u"s", access, stream), ERROR_FILE_NOT_FOUND);
     ASSERT_EQ(mkfifo(path("pipe").c_str(), 0600), 0);
-    EXPECT_NE(streams_->locate(path("pipe").c_str(), u"s", true, host), 0u);
+    EXPECT_NE(open_stream(*streams_, path("pipe").c_str(), u"s", O_WRONLY, stream), 0u);
+    EXPECT_EQ(folders_in_store(), 0u);
     EXPECT_EQ(list(path("pipe")), names{});
-    host::fault = [](char const * call) { return std::string_view(call).ends_with("getxattr") ? ENOTSUP : 0; };
+    host::fault = [](char const * call) { return std::string_view(call).ends_with("xattr") ? ENOTSUP : 0; };
     EXPECT_EQ(list(path("")), names{}) << "where another file system is mounted";
     host::fault = nullptr;
     std::unique_ptr<named_streams> none;
@@ -230,7 +231,7 @@ TEST_F(named_streams_test, made_by_many_at_once) {
     }
 }
 
-TEST_F(named_streams_test, a_copied_attribute_takes_nothing_over) {
+TEST_F(named_streams_test, a_copy_has_none_while_its_original_is_there) {
     write(path("file"), "data");
     write_stream(path("file"), u"note", "mine");
     copy_all("volume/file", "volume/copy");
@@ -239,12 +240,28 @@ TEST_F(named_streams_test, a_copied_attribute_takes_nothing_over) {
     EXPECT_EQ(read_stream(path("file"), u"note"), "mine");
     remove(path("copy"));
     EXPECT_EQ(read_stream(path("file"), u"note"), "mine");
-
-    // Also not when the first owner is gone, or the copy stands in its place.
     copy_all("volume/file", "volume/copy");
-    fs::rename(path("copy"), path("file"));
-    attach("volume");
-    EXPECT_EQ(read_stream(path("file"), u"note"), "-");
+    remove(path("file"));
+    EXPECT_EQ(list(path("copy")), names{}) << "they have been removed with their file";
+}
+
+TEST_F(named_streams_test, a_copy_takes_over_where_its_original_has_gone) {
+    write(path("file"), "data");
+    write_stream(path("file"), u"note", "mine");
+    copy_all("volume/file", "volume/file.new");
+    fs::rename(path("file.new"), path("file"));
+    EXPECT_EQ(read_stream(path("file"), u"note"), "mine");
+    copy_all("volume/file", "volume/other");
+    write_stream(path("file"), u"note", "changed");
+    EXPECT_EQ(read_stream(path("file"), u"note"), "changed");
+    // The original may have been moved, not removed, and then each has its own.
+    fs::rename(path("file"), path("old"));
+    copy_all("volume/old", "volume/file");
+    EXPECT_EQ(read_stream(path("file"), u"note"), "changed");
+    write_stream(path("file"), u"more", "of the copy");
+    write_stream(path("file"), u"note", "of the copy");
+    EXPECT_EQ(read_stream(path("old"), u"note"), "changed");
+    EXPECT_EQ(list(path("old")), names{u"note"});
 }
 
 TEST_F(named_streams_test, a_copied_or_moved_volume_keeps_them) {
@@ -269,33 +286,32 @@ TEST_F(named_streams_test, a_copied_or_moved_volume_keeps_them) {
     expect_all("moved");
     copy_all("moved", "copy");
     expect_all("copy");
-    // Once settled, a volume is as strict as any other.
-    copy_all("copy/r", "copy/another");
-    fs::remove(folder_ / "copy/r");
+    expect_all("moved");
+    // The streams of a copy are copies.
     attach("copy");
-    EXPECT_EQ(read_stream(folder_ / "copy/another", u"note"), "-");
+    write_stream(folder_ / "copy/a", u"note", "new");
+    remove(folder_ / "copy/r");
+    EXPECT_EQ(read_stream(folder_ / "copy/b", u"note"), "new");
     expect_all("moved");
 }
 
-// A copy that cannot be written: nothing can be settled there, so a file is known by its place.
+// A copy that cannot be written.
 TEST_F(named_streams_test, a_read_only_copy_shows_them) {
-    for (char const * name : {"a", "renamed"}) {
-        write(path(name), "data");
-        write_stream(path(name), u"note", name);
-    }
-    fs::rename(path("renamed"), path("r"));
-    copy_all("volume/a", "volume/x copy");
+    write(path("a"), "data");
+    write_stream(path("a"), u"note", "a");
     copy_all("volume", "copy");
-    host::fault = [](char const * call) { return std::string_view(call) == "setxattr" ? EROFS : 0; };
+    host::fault = [](char const * call) {
+        std::string_view const name = call;
+        return name == "setxattr" || name == "removexattr" || name == "chmod" || name == "chown" || name == "mkdir"
+                   ? EROFS
+                   : 0;
+    };
     attach("copy");
+    fs::permissions(folder_ / "copy/a", fs::perms::owner_all);
     EXPECT_EQ(read_stream(folder_ / "copy/a", u"note"), "a");
-    EXPECT_EQ(read_stream(folder_ / "copy/r", u"note"), "-");
-    EXPECT_EQ(read_stream(folder_ / "copy/x copy", u"note"), "-");
-    narrow_string place;
-    EXPECT_EQ(streams_->locate((folder_ / "copy/r").c_str(), u"note", true, place), ERROR_WRITE_PROTECT);
+    descriptor_guard stream;
+    EXPECT_EQ(open_stream(*streams_, (folder_ / "copy/a").c_str(), u"note", O_WRONLY, stream), ERROR_WRITE_PROTECT);
     host::fault = nullptr;
-    attach("copy");
-    EXPECT_EQ(read_stream(folder_ / "copy/r", u"note"), "renamed");
 }
 
 TEST_P(both_stores_test, copy_to_another_volume) {
@@ -306,7 +322,8 @@ TEST_P(both_stores_test, copy_to_another_volume) {
     write(folder_ / "other/file", "data");
     write_stream(path("file"), u"empty", "");
     write_stream(path("file"), u"big", std::string(1'000'000, 'x'));
-    ASSERT_EQ(copy_streams(*streams_, path("file").c_str(), *other, (folder_ / "other/file").c_str()), 0u);
+    std::vector<descriptor_guard> held;
+    ASSERT_EQ(copy_streams(*streams_, path("file").c_str(), *other, (folder_ / "other/file").c_str(), held), 0u);
     streams_ = std::move(other);
     EXPECT_EQ(list(folder_ / "other/file"), (names{u"big", u"empty"}));
     EXPECT_EQ(read_stream(folder_ / "other/file", u"big").size(), 1'000'000u);
@@ -314,10 +331,8 @@ TEST_P(both_stores_test, copy_to_another_volume) {
 
 TEST_F(named_streams_test, the_store_is_hidden) {
     write(path("file"), "data");
-    narrow_string host;
-    ASSERT_EQ(streams_->locate(path("file").c_str(), u"s", true, host), 0u);
-    std::size_t const volume = path("").native().size() - 1;
-    EXPECT_TRUE(streams_->hides_path(host.substr(volume)));
+    write_stream(path("file"), u"s", "");
+    EXPECT_TRUE(streams_->hides_path("/.socle_streams/id/s"));
     EXPECT_TRUE(streams_->hides_path("/.socle_streams"));
     EXPECT_FALSE(streams_->hides_path("/.socle_streams2"));
     EXPECT_FALSE(streams_->hides_path("/sub/.socle_streams"));

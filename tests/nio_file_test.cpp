@@ -8,12 +8,14 @@
 #include "socle/platform/file_times.h"
 #include "socle/platform/files.h"
 #include "socle/platform/host.h"
+#include "socle/platform/posix/host/host_calls.h"
 #include "socle/un/digits.h"
 #include "tests/support/ntfs_folder.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <functional>
 #include <map>
 
@@ -411,12 +413,35 @@ TEST(nio_attributes, keep_the_information_in_a_stream) {
     EXPECT_EQ(nio::attributes(file).finder_info[0], 'f');
     set.apply(file, true, false);
     EXPECT_EQ(ntfs.read("._f").size(), 82u);
-    // Read-only comes before the information, which then has no way in.
+    // Read-only holds afterwards, and does not keep the information out, as often as it is applied.
     set.read_only = true;
-    set.finder_info.fill('g');
+    set.modified.set(126227808000000000, nio::time::format_file_time);
+    for (unsigned char const mark : {'g', 'h'}) {
+        set.finder_info.fill(mark);
+        set.apply(file, true, true);
+        nio::attributes const got(file);
+        EXPECT_TRUE(got.read_only);
+        EXPECT_EQ(got.finder_info[0], mark);
+        EXPECT_EQ(got.modified.file_time(), set.modified.file_time());
+    }
+    // Each handle of a backup serves one direction.
+    char byte[100] = {};
+    file.open_ntfs();
+    EXPECT_EQ(raised([&] { file.write_ntfs(byte, 1); }), "cannot write");
+    EXPECT_EQ(platform::last_error(), 5u);
+    file.close_ntfs();
+    EXPECT_TRUE(platform::SetFileAttributesW(u"N:\\f", 0));
+    file.open_ntfs_w();
+    EXPECT_EQ(raised([&] { file.read_ntfs(byte, 1); }), "invalid NTFS stream structure");
+    EXPECT_EQ(platform::last_error(), 5u);
+    file.close_ntfs();
+    // What cannot be opened tells why.
+    platform::posix::host::fault = [](char const * call) {
+        return std::string_view(call) == "flock" ? EWOULDBLOCK : 0;
+    };
     EXPECT_EQ(raised([&] { set.apply(file, true, true); }), "cannot write");
-    EXPECT_TRUE(nio::attributes(file).read_only);
-    EXPECT_EQ(nio::attributes(file).finder_info[0], 'f');
+    EXPECT_EQ(platform::last_error(), 32u);
+    platform::posix::host::fault = nullptr;
 }
 
 } // namespace

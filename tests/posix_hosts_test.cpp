@@ -51,6 +51,21 @@ TEST(code_pages, are_those_that_are_listed) {
     }
 }
 
+TEST(io_attributes, are_no_guess_where_the_host_fails) {
+    scratch const folder;
+    folder.write("file", "x");
+    io::attributes set;
+    set.created = any::time(126227808000000000, nio::time::format_file_time);
+    set.apply(path_in(folder, "file"), 0);
+    for (char const * const failing : {"getxattr", "listxattr"}) {
+        static std::string_view failed;
+        failed = failing;
+        platform::posix::host::fault = [](char const * call) { return failed == call ? EIO : 0; };
+        EXPECT_THROW(io::attributes().load(path_in(folder, "file"), 0), io::exception) << failing;
+        platform::posix::host::fault = nullptr;
+    }
+}
+
 TEST(io_attributes, keep_what_a_host_without_extended_attributes_can) {
     scratch const folder;
     folder.write("from", "x");

@@ -13,7 +13,6 @@
 #include <socle/nio/exception.h>
 #include <socle/platform/host.h>
 
-#include <algorithm>
 #include <filesystem>
 #include <iostream>
 
@@ -75,23 +74,10 @@ bool within(fs::path path, fs::path const & folder) {
     return false;
 }
 
-/// Whether `.socle_streams` is the library's, or could be: there is none, or it holds folders named by 32 hexadecimal
-/// digits. A user's own may have the name, too.
-bool room_for_streams(host::folder const & top) {
-    constexpr char name[] = ".socle_streams";
-    auto const kind = top.look(name).kind;
-    if (kind != host::kind::folder)
-        return kind == host::kind::nothing;
-    auto const inside = top.inner(name).list();
-    return !inside.empty() && std::all_of(inside.begin(), inside.end(), [](host::found const & each) {
-        return each.name.size() == 32 && each.name.find_first_not_of("0123456789abcdef") == narrow_string::npos;
-    });
-}
-
-/// Forks in streams show only on a volume that is known to have them, and not every file system can.
+/// Forks in streams show only on a volume that is known to have them, and not every file system can. Where a user's own
+/// `.socle_streams` is in the place of theirs, that is one of the folder's files.
 bool look_for_streams(narrow_string const & folder) {
-    bool const streams =
-        room_for_streams(host::folder(folder, true)) && platform::attach_volume('S', folder, "NTFS") == 0;
+    bool const streams = platform::attach_volume('S', folder, "NTFS") == 0;
     if (!streams)
         platform::attach_volume('S', folder, "plain");
     return streams;

@@ -135,7 +135,7 @@ void tree::inner_folder(file_record const & record, wide_string const & leaf, ta
     if (catalogue_)
         catalogue_->end_folder();
     if (!made)
-        return;
+        return tell_unclear(record);
     tell(record);
     report_.attempt(record.path, [&] { carrier_->finish(record, around, leaf, made); });
 }
@@ -145,6 +145,7 @@ void tree::file(file_record const & record, wide_string const & leaf, target_poi
     if (catalogue_)
         report_.attempt(record.path, [&] { catalogue_->file(record, target ? leaf : wide_string()); });
     if (!carrier_) {
+        tell_unclear(record);
         report_.bar().add(record.data.size);
         return;
     }
@@ -167,6 +168,12 @@ void tree::other(wide_string const & path, bool link) {
 bool tree::counts(wide_string const & path, bool folder) const {
     auto const at = path.find_first_not_of(u'\\', root_.size());
     return selection_.counts(path.substr(std::min(at, path.size())), folder);
+}
+
+/// What may have more than could be read is complained of where nothing is carried, too.
+void tree::tell_unclear(file_record const & record) {
+    if (record.unclear)
+        tell(record);
 }
 
 void tree::tell(file_record const & record) {

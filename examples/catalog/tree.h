@@ -26,6 +26,7 @@ private:
     void other(wide_string const & path, bool link);
     bool counts(wide_string const & path, bool folder) const;
     void tell(file_record const & record);
+    void tell_unclear(file_record const & record);
 
     narrow_string typed_;
     wide_string root_;

@@ -35,5 +35,6 @@ constexpr int name_too_long = 206;       ///< a name or a path is too long
 constexpr int pipe_closed = 232;         ///< the reader of a pipe has gone
 constexpr int not_a_directory = 267;     ///< a file in the place of a folder
 constexpr int device_failed = 1117;      ///< the device failed
+constexpr int file_corrupt = 1392;       ///< a part of the file, such as its named streams, cannot be found
 
 } // namespace basic::codes

@@ -137,8 +137,10 @@ void attributes::load_entry(open_folder const & folder, wide_string const & name
     if (!GetFileAttributesExW(folder, name, data))
         throw filesystem_exception("cannot access timestamps", path);
     take(data, *this);
+    // By the rule of `info_name`: a stream that may be there, but out of reach, counts.
     bool const in_stream =
-        has_streams(folder, name) && GetFileKindW(folder, ntfs_rsrc_name(name)) != INVALID_FILE_ATTRIBUTES;
+        has_streams(folder, name)
+        && (GetFileKindW(folder, ntfs_rsrc_name(name)) != INVALID_FILE_ATTRIBUTES || !nothing_is_there());
     wide_string const info_leaf = in_stream ? ntfs_info_name(name) : ufs_name(name);
     file info(in_stream ? ntfs_info_name(path) : ufs_name(path), file::mode_closed);
     if (!info_exists(info.path(), GetFileKindW(folder, info_leaf)))
@@ -165,33 +167,53 @@ void attributes::open_info(file & info, wide_string const & path, bool allow_ntf
     info.handle_ = file::try_open(info.path(), file::mode_new);
     if (info.is_open())
         return;
+    uint32 const error = GetLastError();
     wide_string const safe = normalize(path);
-    if (safe == path)
-        return;
-    info.path() = info_name(safe, false, allow_ntfs);
-    info.handle_ = file::try_open(info.path(), file::mode_new);
-    if (!info.is_open())
+    if (safe != path) {
+        info.path() = info_name(safe, false, allow_ntfs);
+        info.handle_ = file::try_open(info.path(), file::mode_new);
+        if (info.is_open())
+            return;
         throw filesystem_exception("cannot create", path);
+    }
+    SetLastError(error);
+    throw filesystem_exception("cannot write", info.path());
+}
+
+void attributes::write_info(file & info, wide_string const & path, bool allow_ntfs) const {
+    open_info(info, path, allow_ntfs);
+    if (is_ntfs_info_name(info.path()))
+        write_block(info, finder_info);
+    else
+        write_sidecar(info, finder_info);
 }
 
 void attributes::apply(item & to, bool write_info, bool allow_ntfs) const {
     held_paths const hold;
     wide_string const & path = to.path();
-    apply_times(path, created.file_time(), modified.file_time());
     uint32 const others = file_attributes & ~FILE_ATTRIBUTE_READONLY;
-    SetFileAttributesW(path, read_only ? others | FILE_ATTRIBUTE_READONLY : others);
-    if (!write_info)
+    auto const apply_all = [&](bool closes) {
+        apply_times(path, created.file_time(), modified.file_time());
+        SetFileAttributesW(path, closes ? others | FILE_ATTRIBUTE_READONLY : others);
+    };
+    file info;
+    if (write_info)
+        info.path() = info_name(path, false, allow_ntfs);
+    // A stream cannot be written when its file cannot, and writing it may give the file another time.
+    bool const in_stream = write_info && is_ntfs_info_name(info.path());
+    apply_all(read_only && !in_stream);
+    if (!write_info || is_directory(info.path()))
         return;
-
-    file info(info_name(path, false, allow_ntfs), file::mode_closed);
-    if (is_directory(info.path()))
-        return;
-    open_info(info, path, allow_ntfs);
-    // One that could be neither opened nor made is closed, and refuses what is written.
-    if (is_ntfs_info_name(info.path()))
-        write_block(info, finder_info);
-    else
-        write_sidecar(info, finder_info);
+    try {
+        this->write_info(info, path, allow_ntfs);
+    } catch (...) {
+        if (in_stream)
+            apply_all(read_only);
+        throw;
+    }
+    info.close();
+    if (in_stream)
+        apply_all(read_only);
 }
 
 } // namespace nio

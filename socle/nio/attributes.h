@@ -34,8 +34,8 @@ public:
     /// has streams, else in the sidecar, which may be made for it under the normalized name of the file. Of a sidecar
     /// that is there only its Finder information changes, wherever it keeps that; a directory in its place is left, and
     /// the information lost. Throws `nio::filesystem_exception`, "cannot write" or "cannot create"; "cannot write" also
-    /// for a stream of a file that is read-only by then, and for a sidecar of another kind or without room for the
-    /// information, which is left as it is.
+    /// for a sidecar of another kind or without room for the information, which is left as it is. A stream is written
+    /// while the file is not read-only, and times and bits hold afterwards.
     void apply(item & to, bool write_info, bool allow_ntfs) const;
 
     /// Whether the file may not be written.
@@ -57,6 +57,7 @@ private:
     void load_entry(platform::open_folder const & folder, wide_string const & name, wide_string const & path);
     void take_info(file & info);
     static void open_info(file & info, wide_string const & path, bool allow_ntfs);
+    void write_info(file & info, wide_string const & path, bool allow_ntfs) const;
 };
 
 } // namespace nio

@@ -3,6 +3,7 @@
 #include "socle/nio/found_at_load_internal.h"
 #include "socle/nio/item.h"
 #include "socle/nio/path.h"
+#include "socle/platform/errors.h"
 #include "socle/platform/paths.h"
 
 #include <cwctype>
@@ -33,7 +34,9 @@ wide_string volume_root(wide_string const & path) {
 }
 
 wide_string fork_name(wide_string const & path, wide_string const & stream_name, bool must_exist, bool allow_ntfs) {
-    bool const in_stream = allow_ntfs && (must_exist ? exists_ntfs(path) : is_ntfs(path));
+    // A stream that may be there, but out of reach, is not looked for elsewhere: whoever opens it hears of that.
+    bool const in_stream =
+        allow_ntfs && is_ntfs(path) && (!must_exist || exists(ntfs_rsrc_name(path)) || !platform::nothing_is_there());
     return in_stream ? stream_name : ufs_name(path);
 }
 

@@ -27,8 +27,9 @@ SOCLE_API bool exists_ntfs(wide_string const & path);
 /// Whether there is a resource fork where `rsrc_name(path, true, true)` looks for it.
 SOCLE_API bool exists_rsrc(wide_string const & path);
 
-/// Where the resource fork goes: in the stream if `allow_ntfs` and, with `must_exist`, a resource stream is there,
-/// without it, the volume is NTFS; otherwise in the sidecar. Without `allow_ntfs` it does not access the file system.
+/// Where the resource fork goes: in the stream if `allow_ntfs` and, with `must_exist`, a resource stream is there, or
+/// may be, but out of reach, without it, the volume is NTFS; otherwise in the sidecar. Without `allow_ntfs` it does not
+/// access the file system.
 SOCLE_API wide_string rsrc_name(wide_string const & path, bool must_exist, bool allow_ntfs);
 /// Where the Finder information goes, by the same rule; `must_exist` asks for the resource stream, too.
 SOCLE_API wide_string info_name(wide_string const & path, bool must_exist, bool allow_ntfs);

@@ -43,6 +43,7 @@ constexpr message messages[] = {
     {ERROR_NO_DATA, "The pipe is being closed.\r\n"},
     {ERROR_DIRECTORY, "This is not a folder.\r\n"},
     {ERROR_IO_DEVICE, "The device failed.\r\n"},
+    {ERROR_FILE_CORRUPT, "A part of the file cannot be found.\r\n"},
 };
 
 } // namespace

@@ -37,6 +37,7 @@ constexpr uint32 ERROR_FILENAME_EXCED_RANGE = basic::codes::name_too_long;
 constexpr uint32 ERROR_NO_DATA = basic::codes::pipe_closed;
 constexpr uint32 ERROR_DIRECTORY = basic::codes::not_a_directory;
 constexpr uint32 ERROR_IO_DEVICE = basic::codes::device_failed;
+constexpr uint32 ERROR_FILE_CORRUPT = basic::codes::file_corrupt;
 
 /// The code of the last call that failed on this thread. Calls that succeed leave it alone.
 uint32 GetLastError();

@@ -7,7 +7,8 @@ namespace platform {
 
 /// Makes the host folder `folder` the volume of a further drive letter, with the name of a file system; on one called
 /// "NTFS", files have named streams. Call it before other threads start. Returns 0 or a system code: 3 if there is no
-/// such folder, 50 if it cannot keep named streams, 87 for what is no letter, 183 for `C` and letters in use.
+/// such folder, 5 if something else is in the place of the hidden folder below, 50 if it cannot keep named streams, 87
+/// for what is no letter, 183 for `C` and letters in use.
 ///
 /// Where the host's disk has no streams of its own, the first one makes a hidden folder, `.socle_streams`, at the top
 /// of `folder`, which keeps them all, and marks its file with an extended attribute.
@@ -15,6 +16,13 @@ SOCLE_API uint32 attach_volume(char letter, narrow_string const & folder, narrow
 
 /// Detaches the letter; the folder stays as it is. Returns 0, or 3 if the letter was not attached.
 SOCLE_API uint32 detach_volume(char letter);
+
+/// Removes what no file of the volume claims any more of the streams that the library keeps there: of files that other
+/// programs have deleted or copied over. Looks at every file of the volume, which must not be moved about meanwhile.
+/// Returns 0 or a system code: 3 for a letter without a volume, and the code for what could not be looked at, when
+/// nothing is removed, or could not be removed. It takes root, or who made the folder of the streams. There is nothing
+/// to do where the disk itself keeps them.
+SOCLE_API uint32 sweep_volume(char letter);
 
 /// The library's form of a host path, absolute or relative; `to_host` restores every byte of it. An absolute one is a
 /// path on `C:`, also if it lies in the folder of an attached volume.

@@ -171,6 +171,20 @@ void prepare_copied_volume(place const & where) {
     check(std::system(("cp -a " + folder + "/n/.' " + folder + "/m'").c_str()) == 0, "the volume cannot be copied");
 }
 
+/// The first change in a copy gives the file streams of its own.
+bool write_in_copied_volume(place const & where, report & written) {
+    struct attached {
+        ~attached() { platform::detach_volume('M'); }
+    } const at_end;
+    platform::detach_volume('M');
+    if (platform::attach_volume('M', where.here.host("m"), "NTFS") != 0)
+        return false;
+    nio::file stream(u"M:\\renamed:more", 4);
+    if (stream.is_open())
+        write_in_pieces(stream, written);
+    return stream.is_open();
+}
+
 bool attach_copied_volume(place const & where, report &) {
     platform::detach_volume('M');
     uint32 const code = platform::attach_volume('M', where.here.host("m"), "NTFS");
@@ -217,6 +231,8 @@ scenario const table[] = {
      [](place const &, report &) { return apply_info(u"N:\\f", true); }, scenario::named_streams},
     {"stream_of_a_long_name_is_made", promise::growing, prepare_streams, make_long_stream, scenario::named_streams},
     {"copied_volume_is_attached", promise::whole, prepare_copied_volume, attach_copied_volume, scenario::named_streams},
+    {"copied_volume_is_written", promise::growing, prepare_copied_volume, write_in_copied_volume,
+     scenario::named_streams},
     {"nio_streams_are_backed_up", promise::growing, prepare_streams, back_up, scenario::named_streams},
 };
 

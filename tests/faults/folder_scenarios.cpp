@@ -124,6 +124,19 @@ void prepare_streams(place const & where) {
     put_stream(u"N:\\f:AFP_Resource", "resource");
 }
 
+std::size_t entries(std::string const & folder) {
+    uncounted const work;
+    return static_cast<std::size_t>(
+        std::distance(std::filesystem::directory_iterator(folder), std::filesystem::directory_iterator()));
+}
+
+void prepare_orphans(place const & where) {
+    prepare_streams(where);
+    where.here.write("n/gone", "");
+    put_stream(u"N:\\gone:note", "gone");
+    std::filesystem::remove(where.here.host("n/gone"));
+}
+
 bool move_streams(wide_string target) { return !nio::move(u"N:\\f", target, true); }
 
 scenario const table[] = {
@@ -146,7 +159,12 @@ scenario const table[] = {
     {"streams_move_within", promise::whole, prepare_streams,
      [](place const &, report &) { return move_streams(u"N:\\g"); }, scenario::named_streams},
     {"streams_move_across", promise::whole, prepare_streams,
-     [](place const &, report &) { return move_streams(u"M:\\g"); }, scenario::named_streams},
+     [](place const &, report &) { return move_streams(u"M:\\g"); }, scenario::named_streams, false, true},
+    {"a_store_is_swept", promise::whole, prepare_orphans,
+     [](place const & where, report &) {
+         return platform::sweep_volume('N') == 0 && entries(where.here.host("n/.socle_streams")) == 1;
+     },
+     scenario::named_streams},
     {"streams_go_with_their_file", promise::stepwise, prepare_streams,
      [](place const &, report &) {
          nio::unlink(u"N:\\f", true);

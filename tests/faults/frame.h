@@ -54,6 +54,8 @@ struct scenario {
     enum needs { nothing, another_file_system, named_streams } needed = nothing;
     /// Whether doing it once more makes up for whatever a fault has left.
     bool made_up_for = false;
+    /// Whether no streams may be left that no file claims, whatever happens.
+    bool leaves_no_orphans = false;
 };
 
 std::span<scenario const> file_scenarios();

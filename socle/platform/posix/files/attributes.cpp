@@ -33,25 +33,29 @@ host_error set_disk_bits(host::at const & file, uint32 bits) {
     return set_attribute(file, ntfs_bits_attribute, value);
 }
 
+/// A mode as it was before the write bit was lifted, if it is.
+mode_t settled(mode_t mode) { return is_lifted(mode) ? mode & 07777 & ~(S_IWUSR | lifted_mark(mode)) : mode & 07777; }
+
 uint32 default_record(mode_t mode) { return S_ISDIR(mode) ? 0 : FILE_ATTRIBUTE_ARCHIVE; }
 
-/// False if there is none, or it is not ours.
-bool get_record(host::at const & file, uint32 & bits) {
+/// Leaves `bits` alone if there is none, or it is not ours.
+host_error get_record(host::at const & file, uint32 & bits) {
     narrow_string text;
-    if (get_attribute(file, record_attribute, true, text))
-        return false;
+    if (host_error const error = get_record_text(file, record_attribute, text))
+        return error;
+    uint32 read = 0;
     char const * const end = text.data() + text.size();
-    auto const [last, error] = std::from_chars(text.data(), end, bits, 16);
-    bits &= kept_bits;
-    return error == std::errc() && last == end;
+    auto const [last, error] = std::from_chars(text.data(), end, read, 16);
+    if (error == std::errc() && last == end)
+        bits = read & kept_bits;
+    return {};
 }
 
 /// Hosts that keep none drop it.
 host_error set_record(host::at const & file, uint32 bits, mode_t mode) {
     uint32 now = default_record(mode);
-    get_record(file, now);
-    if (now == bits)
-        return {};
+    if (host_error const error = get_record(file, now); error || now == bits)
+        return error;
     char digits[8];
     host_error const error = set_attribute(
         file, record_attribute, narrow_string(digits, std::to_chars(digits, digits + sizeof digits, bits, 16).ptr));
@@ -59,37 +63,46 @@ host_error set_record(host::at const & file, uint32 bits, mode_t mode) {
 }
 
 /// `recorded` tells whether the file may have a record.
-uint32 bits_of(volume const & on, host::at const & file, mode_t mode, bool recorded) {
-    uint32 bits = 0;
+system_code get_bits(volume const & on, host::at const & file, mode_t mode, bool recorded, uint32 & bits) {
+    bits = 0;
     if (S_ISDIR(mode) || S_ISREG(mode)) {
         if (!on.ntfs_disk || !disk_bits(file, bits)) {
             bits = default_record(mode);
-            if (recorded)
-                get_record(file, bits);
+            if (host_error const error = recorded ? get_record(file, bits) : host_error())
+                return code_of(error);
         }
         bits &= kept_bits;
         bits |= is_read_only(on, file, mode) ? FILE_ATTRIBUTE_READONLY : 0;
+        if (!on.ntfs_disk && is_lifted(mode))
+            static_cast<void>(!host::chmod(file, settled(mode))); // what a process that ended has left
     }
-    if (uint32 const kind = kind_of(mode))
-        return bits | kind;
-    return bits == 0 ? FILE_ATTRIBUTE_NORMAL : bits;
+    uint32 const kind = kind_of(mode);
+    bits = (bits | kind) == 0 ? FILE_ATTRIBUTE_NORMAL : bits | kind;
+    return {};
 }
 
-system_code set_bits(volume const & on, host::at const & file, mode_t mode, uint32 bits) {
-    if (!S_ISDIR(mode) && !S_ISREG(mode))
-        return ERROR_NOT_SUPPORTED;
+system_code set_bits(volume const & on, host::at const & file, struct stat const & status, uint32 bits) {
+    mode_t mode = status.st_mode;
     uint32 now = 0;
-    if (on.ntfs_disk && disk_bits(file, now)) {
+    bool const disk = on.ntfs_disk && disk_bits(file, now);
+    bool const taken_for_special = disk && (now & FILE_ATTRIBUTE_SYSTEM) != 0 && (S_ISFIFO(mode) || S_ISSOCK(mode));
+    if (!S_ISDIR(mode) && !S_ISREG(mode) && !taken_for_special)
+        return ERROR_NOT_SUPPORTED;
+    if (disk) {
         constexpr uint32 settable = kept_bits | FILE_ATTRIBUTE_READONLY;
+        // With that bit, the driver takes a file without bytes for a pipe and one with a single byte for a socket.
+        if (!S_ISDIR(mode) && status.st_size <= 1)
+            bits &= ~FILE_ATTRIBUTE_SYSTEM;
         now = (now & ~(settable | FILE_ATTRIBUTE_NORMAL)) | (bits & settable);
         return code_of(set_disk_bits(file, now != 0 ? now : FILE_ATTRIBUTE_NORMAL));
     }
     if (host_error const error = set_record(file, bits & kept_bits, mode))
         return code_of(error);
     bool const read_only = (bits & FILE_ATTRIBUTE_READONLY) != 0;
-    if (read_only == is_read_only(on, file, mode))
+    if (read_only == is_read_only(on, file, mode) && !is_lifted(mode))
         return {};
     constexpr mode_t all_write = S_IWUSR | S_IWGRP | S_IWOTH;
+    mode = settled(mode);
     mode = read_only ? mode & ~all_write : mode | S_IWUSR;
     return last_code_if(host::chmod(file, mode & 07777) != 0);
 }
@@ -115,10 +128,13 @@ system_code look_at(resolved_path const & at, unsigned what, file_status & statu
 }
 
 /// Where the host has the named stream that the path leads to, and what it tells of it.
-system_code find_stream(resolved_path const & at, narrow_string & stream, struct statx & about) {
-    if (system_code const code = at.on->streams->locate(at.at(), at.stream, false, stream))
+system_code find_stream(resolved_path const & at, stream_place & stream, struct statx & about) {
+    if (system_code const code = at.on->streams->locate(at.at(), at.stream, named_streams::purpose::look, stream))
         return code;
-    return last_code_if(host::statx(stream, AT_SYMLINK_NOFOLLOW, STATX_TYPE | STATX_MTIME | STATX_BTIME, &about) != 0);
+    unsigned const what = STATX_TYPE | STATX_MTIME | STATX_BTIME;
+    if (host::statx(stream.at(), AT_SYMLINK_NOFOLLOW, what, &about) != 0)
+        return last_code();
+    return S_ISREG(about.stx_mode) ? system_code() : ERROR_ACCESS_DENIED;
 }
 
 } // namespace
@@ -133,7 +149,7 @@ bool is_read_only(volume const & on, host::at const & file, mode_t mode) {
     uint32 bits = 0;
     if (on.ntfs_disk && disk_bits(file, bits))
         return (bits & FILE_ATTRIBUTE_READONLY) != 0;
-    return (mode & S_IWUSR) == 0;
+    return (settled(mode) & S_IWUSR) == 0;
 }
 
 system_code kind_at(resolved_path const & at, uint32 & kind) {
@@ -144,7 +160,7 @@ system_code kind_at(resolved_path const & at, uint32 & kind) {
     if (at.stream.empty())
         return {};
     kind &= ~FILE_ATTRIBUTE_DIRECTORY;
-    narrow_string stream;
+    stream_place stream;
     return find_stream(at, stream, status.about);
 }
 
@@ -153,19 +169,24 @@ system_code attributes_at(resolved_path const & at, uint32 & bits, file_times * 
     if (system_code const code = look_at(at, STATX_MODE | (times != nullptr ? STATX_MTIME | STATX_BTIME : 0), status))
         return code;
     // One question for both records is cheaper than two, but not than one.
-    bool const recorded = times == nullptr || has_attributes(at.at());
-    bits = status.lost ? FILE_ATTRIBUTE_ARCHIVE : bits_of(*at.on, at.at(), status.mode(), recorded);
+    bool recorded = !status.lost;
+    if (host_error const error = recorded && times != nullptr ? has_attributes(at.at(), recorded) : host_error())
+        return code_at(at, error);
+    bits = FILE_ATTRIBUTE_ARCHIVE;
+    if (system_code const code = status.lost ? system_code() : get_bits(*at.on, at.at(), status.mode(), recorded, bits))
+        return code;
     bits |= status.link ? FILE_ATTRIBUTE_REPARSE_POINT : 0;
-    narrow_string stream;
+    stream_place stream;
     if (!at.stream.empty()) {
         bits &= ~FILE_ATTRIBUTE_DIRECTORY;
         bits = bits == 0 ? FILE_ATTRIBUTE_NORMAL : bits;
         if (system_code const code = find_stream(at, stream, status.about))
             return code;
     }
-    if (times != nullptr)
-        *times = times_of(stream.empty() ? at.at() : stream, status.about, recorded || !stream.empty());
-    return {};
+    if (times == nullptr)
+        return {};
+    host::at const timed = at.stream.empty() ? at.at() : stream.at();
+    return get_times_of(timed, status.about, recorded || !at.stream.empty(), *times);
 }
 
 system_code attributes_at(resolved_path const & at, WIN32_FILE_ATTRIBUTE_DATA & data) {
@@ -180,7 +201,7 @@ system_code set_attributes_of(volume const & on, host::at const & file, uint32 b
     struct stat status {};
     if (host::stat(file, &status) != 0)
         return last_code();
-    return set_bits(on, file, status.st_mode, bits);
+    return set_bits(on, file, status, bits);
 }
 
 system_code set_attributes_at(resolved_path const & at, uint32 bits) {
@@ -189,7 +210,7 @@ system_code set_attributes_at(resolved_path const & at, uint32 bits) {
         return last_code_at(at);
     if (at.is_folder && !S_ISDIR(status.st_mode))
         return ERROR_PATH_NOT_FOUND;
-    return set_bits(*at.on, at.at(), status.st_mode, bits);
+    return set_bits(*at.on, at.at(), status, bits);
 }
 
 } // namespace posix

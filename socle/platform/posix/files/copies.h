@@ -5,7 +5,7 @@
 namespace platform::posix {
 
 /// Copies all bytes from one open file to another and syncs that.
-system_code copy_bytes(int from, int to);
+host_error copy_bytes(int from, int to);
 
 /// Makes the file `from` anew at `to`, on another volume or host file system, with its streams, attributes and times,
 /// and removes it when all that is on the disk. Whatever fails before leaves the file where it was, and nothing at

@@ -10,9 +10,9 @@ namespace posix {
 namespace {
 
 system_code delete_stream(resolved_path const & at) {
-    narrow_string stream;
-    system_code const code = at.on->streams->locate(at.at(), at.stream, false, stream);
-    return code ? code : last_code_if(host::unlink(stream) != 0);
+    stream_place stream;
+    system_code const code = at.on->streams->locate(at.at(), at.stream, named_streams::purpose::change, stream);
+    return code ? code : last_code_if(host::unlink(stream.at()) != 0);
 }
 
 /// Whether what a path that ends in a separator names is neither a folder nor a link to one.

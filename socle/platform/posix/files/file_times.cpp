@@ -41,21 +41,24 @@ bool disk_time(host::at const & file, uint64 & units) {
     return true;
 }
 
-bool recorded_time(host::at const & file, uint64 & units) {
+/// Leaves `units` alone if there is none, or it is not ours.
+system_code get_recorded_time(host::at const & file, uint64 & units) {
     narrow_string text;
-    if (get_attribute(file, record_attribute, true, text))
-        return false;
+    if (host_error const error = get_record_text(file, record_attribute, text))
+        return code_of(error);
+    uint64 read = 0;
     char const * const end = text.data() + text.size();
-    auto const [last, error] = std::from_chars(text.data(), end, units);
-    return error == std::errc() && last == end;
+    auto const [last, error] = std::from_chars(text.data(), end, read);
+    if (error == std::errc() && last == end)
+        units = read;
+    return {};
 }
 
 system_code get_times(int file, file_times & times) {
     struct statx status {};
     if (host::statx(host::at(file), 0, STATX_MTIME | STATX_BTIME, &status) != 0)
         return last_code();
-    times = times_of(host::at(file), status, true);
-    return {};
+    return get_times_of(host::at(file), status, true, times);
 }
 
 system_code set_created(host::at const & file, uint64 units) {
@@ -73,26 +76,24 @@ system_code set_times(int handle, uint64 const * created, uint64 const * modifie
     if (host::fstat(handle, &status) != 0)
         return last_code();
     host::at const file(handle);
-    if (created != nullptr) {
-        if (system_code const code = set_created(file, *created))
-            return code;
+    // The driver of an NTFS disk forgets the time of the change again when that of the creation comes first.
+    if (modified != nullptr) {
+        timespec const times[2] = {{0, UTIME_OMIT}, host_time(*modified)};
+        if (host::utimensat(file, times) != 0)
+            return last_code();
     }
-    if (modified == nullptr)
-        return {};
-    timespec const times[2] = {{0, UTIME_OMIT}, host_time(*modified)};
-    return last_code_if(host::utimensat(file, times) != 0);
+    return created != nullptr ? set_created(file, *created) : system_code();
 }
 
 } // namespace
 
-file_times times_of(host::at const & file, struct statx const & status, bool recorded) {
-    uint64 const modified = units_of(status.stx_mtime.tv_sec, status.stx_mtime.tv_nsec);
-    // The driver of an NTFS disk tells it by the attribute alone.
+system_code get_times_of(host::at const & file, struct statx const & status, bool recorded, file_times & times) {
+    times.modified = units_of(status.stx_mtime.tv_sec, status.stx_mtime.tv_nsec);
     bool const known = (status.stx_mask & STATX_BTIME) != 0;
-    uint64 created = 0;
-    if ((known || !disk_time(file, created)) && (!recorded || !recorded_time(file, created)))
-        created = known ? units_of(status.stx_btime.tv_sec, status.stx_btime.tv_nsec) : modified;
-    return {created, modified};
+    times.created = known ? units_of(status.stx_btime.tv_sec, status.stx_btime.tv_nsec) : times.modified;
+    // The driver of an NTFS disk tells it by the attribute alone.
+    bool const on_disk = !known && disk_time(file, times.created);
+    return recorded && !on_disk ? get_recorded_time(file, times.created) : system_code();
 }
 
 } // namespace posix

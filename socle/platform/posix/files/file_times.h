@@ -1,6 +1,7 @@
 #pragma once
 
 #include "socle/platform/posix/host/host_calls.h"
+#include "socle/platform/system_code.h"
 
 namespace platform::posix {
 
@@ -12,6 +13,6 @@ struct file_times {
 
 /// The times of a file with this status, in which the host was asked for STATX_MTIME and STATX_BTIME. An extended
 /// attribute with a creation time of its own is only looked for if there may be one: `recorded`.
-file_times times_of(host::at const & file, struct statx const & status, bool recorded);
+system_code get_times_of(host::at const & file, struct statx const & status, bool recorded, file_times & times);
 
 } // namespace platform::posix

@@ -5,9 +5,6 @@
 #include "socle/platform/posix/files/renames.h"
 #include "socle/platform/posix/host/report.h"
 
-#include <new>
-#include <vector>
-
 namespace platform {
 
 namespace posix {
@@ -22,18 +19,6 @@ bool same_entry(resolved_path const & a, resolved_path const & b) {
     return leaf(a) == leaf(b) && host::stat(a.at(a.beside(".")), &first) == 0
            && host::stat(b.at(b.beside(".")), &second) == 0 && first.st_dev == second.st_dev
            && first.st_ino == second.st_ino;
-}
-
-/// Records the new path of a file with streams; best effort, as they are found without it.
-void note_name(resolved_path const & at) {
-    try {
-        std::vector<wide_string> names;
-        narrow_string host;
-        if (at.on->streams && !at.on->streams->list(at.at(), names) && !names.empty())
-            static_cast<void>(at.on->streams->locate(at.at(), names.front(), true, host));
-    } catch (std::bad_alloc const &) {
-        // The move is done all the same.
-    }
 }
 
 /// A folder's streams lie within its volume, as far as one rename goes.
@@ -84,8 +69,8 @@ system_code move_at(resolved_path const & from, resolved_path const & to) {
         code = ERROR_SHARING_VIOLATION; // into itself
     else
         code = code_at(to, error);
-    if (!code)
-        note_name(to);
+    if (!code && to.on->streams)
+        to.on->streams->moved(to.at());
     return code;
 }
 

@@ -23,8 +23,8 @@ int access_flags(open_request const & request) {
 }
 
 /// The standard streams keep their numbers, also while they are closed.
-descriptor_guard open_above_standard(host::at const & path, int flags) {
-    descriptor_guard file = open_descriptor(path, flags);
+descriptor_guard open_above_standard(host::at const & path, int flags, mode_t mode = new_file_mode) {
+    descriptor_guard file = open_descriptor(path, flags, mode);
     if (file.get() > STDERR_FILENO || file.get() < 0)
         return file;
     return descriptor_guard(host::duplicate(file.get(), STDERR_FILENO + 1));
@@ -41,21 +41,23 @@ system_code lock(int file, open_request const & request) {
 }
 
 /// Opens without waiting for the other end of a pipe. `errno` tells of a failure.
-descriptor_guard open_for(resolved_path const & at, open_request const & request) {
-    int const folder = at.is_folder ? O_DIRECTORY : 0;
+descriptor_guard open_for(resolved_path const & at, open_request const & request, stream_place const * stream) {
+    int const folder = (at.is_folder ? O_DIRECTORY : 0) | (stream != nullptr ? stream->flags() : 0);
     if (times_only(request)) {
         descriptor_guard file = open_above_standard(at.at(), O_PATH | folder);
-        bool const lost = file.get() < 0 && (errno == ENOENT || errno == ELOOP) && !at.is_folder;
+        bool const lost = file.get() < 0 && (errno == ENOENT || errno == ELOOP) && !at.is_folder && stream == nullptr;
         // A link without a target answers for itself.
         return lost ? open_above_standard(at.at(), O_PATH | O_NOFOLLOW) : std::move(file);
     }
     descriptor_guard file = open_above_standard(at.at(), access_flags(request) | O_NONBLOCK | folder);
     bool const writes_folder = file.get() < 0 && errno == EISDIR && opens_folders(request);
-    return writes_folder ? open_above_standard(at.at(), O_RDONLY | O_DIRECTORY) : std::move(file);
+    return writes_folder ? open_above_standard(at.at(), O_PATH | O_DIRECTORY) : std::move(file);
 }
 
 /// What stays to be checked when the file is open; empties it last if that is asked for.
-system_code admit(int file, resolved_path const & at, open_request const & request) {
+system_code admit(int file, resolved_path const & at, open_request const & request, stream_place const * stream) {
+    if (system_code const code = stream != nullptr ? stream->admit(file) : system_code())
+        return code;
     struct stat status {};
     if (host::fstat(file, &status) != 0)
         return last_code();
@@ -88,22 +90,28 @@ system_code check_new(resolved_path const & at, open_request const & request) {
     return there || at.safe ? system_code() : ERROR_INVALID_NAME;
 }
 
-/// Opens or makes the file, as `open_request::disposition` asks for.
-system_code open_file(resolved_path const & at, open_request const & request, descriptor_guard & file) {
+/// Opens or makes the file, as `open_request::disposition` asks for. `stream` is given if it is a named stream.
+system_code open_file(resolved_path const & at, open_request const & request, descriptor_guard & file,
+                      stream_place const * stream = nullptr) {
+    mode_t const mode = stream != nullptr ? new_stream_mode : new_file_mode;
     // Again if the file comes or goes between two calls, but not for ever.
     for (int attempt = 0; attempt < 100; ++attempt) {
         if (request.disposition != CREATE_NEW) {
-            file = open_for(at, request);
+            file = open_for(at, request, stream);
             if (file.get() >= 0)
-                return admit(file.get(), at, request);
+                return admit(file.get(), at, request, stream);
+            if (stream != nullptr && errno == ELOOP)
+                return ERROR_ACCESS_DENIED; // what somebody has put there leads nowhere
             if (request.disposition == OPEN_EXISTING || (errno != ENOENT && errno != ELOOP))
                 return last_code_at(at);
         }
         if (system_code const code = check_new(at, request))
             return code;
-        file = open_above_standard(at.at(), access_flags(request) | O_CREAT | O_EXCL);
-        if (file.get() >= 0)
-            return lock(file.get(), request);
+        file = open_above_standard(at.at(), access_flags(request) | O_CREAT | O_EXCL, mode);
+        if (file.get() >= 0) {
+            system_code const code = stream != nullptr ? stream->admit(file.get()) : system_code();
+            return code ? code : lock(file.get(), request);
+        }
         if (errno != EEXIST)
             return last_code_at(at);
         struct stat status {};
@@ -127,10 +135,16 @@ system_code open_stream(resolved_path const & at, open_request const & request, 
     } else if ((writes(request) || creates) && is_read_only(*at.on, at.at(), status.st_mode)) {
         return ERROR_ACCESS_DENIED;
     }
+    using purpose = named_streams::purpose;
+    purpose const wanted = creates ? purpose::create : writes(request) ? purpose::change : purpose::look;
+    stream_place place;
+    if (system_code const code = at.on->streams->locate(at.at(), at.stream, wanted, place))
+        return code;
     resolved_path stream;
     stream.on = at.on;
-    system_code const code = at.on->streams->locate(at.at(), at.stream, creates, stream.name);
-    return code ? code : open_file(stream, request, file);
+    stream.folder = place.at().folder();
+    stream.name = place.name;
+    return open_file(stream, request, file, &place);
 }
 
 } // namespace

@@ -23,14 +23,40 @@ host_error get_attribute(host::at const & file, char const * name, bool follow_l
     return error;
 }
 
-bool has_attributes(host::at const & file) { return host::listxattr(file, nullptr, 0) > 0; }
+host_error get_record_text(host::at const & file, char const * name, narrow_string & text) {
+    host_error const error = get_attribute(file, name, true, text);
+    return error == ENODATA || error == ENOTSUP || error == EACCES ? host_error() : error;
+}
 
-host_error set_attribute(host::at const & file, char const * name, narrow_string const & value) {
-    auto const set = [&] { return host_error::last_if(host::setxattr(file, name, value.data(), value.size()) != 0); };
+host_error has_attributes(host::at const & file, bool & has) {
+    ssize_t const size = host::listxattr(file, nullptr, 0);
+    has = size > 0;
+    return host_error::last_if(size < 0 && errno != ENOTSUP);
+}
+
+host_error list_attributes(host::at const & file, std::vector<narrow_string> & names) {
+    names.clear();
+    std::vector<char> block(1024);
+    ssize_t size = host::listxattr(file, block.data(), block.size());
+    if (size < 0 && errno == ERANGE) {
+        block.resize(65536); // the most that the host gives
+        size = host::listxattr(file, block.data(), block.size());
+    }
+    if (size < 0)
+        return host_error::last_if(errno != ENOTSUP);
+    for (std::size_t at = 0; at < static_cast<std::size_t>(size); at += names.back().size() + 1)
+        names.emplace_back(block.data() + at);
+    return {};
+}
+
+host_error set_attribute(host::at const & file, char const * name, narrow_string const & value, int flags) {
+    auto const set = [&] {
+        return host_error::last_if(host::setxattr(file, name, value.data(), value.size(), flags) != 0);
+    };
     host_error error = set();
     struct stat status {};
     if (error == EACCES && host::stat(file, &status) == 0 && (status.st_mode & S_IWUSR) == 0
-        && host::chmod(file, (status.st_mode & 07777) | S_IWUSR) == 0) {
+        && host::chmod(file, (status.st_mode & 07777) | S_IWUSR | lifted_mark(status.st_mode)) == 0) {
         error = set();
         static_cast<void>(!host::chmod(file, status.st_mode & 07777));
     }

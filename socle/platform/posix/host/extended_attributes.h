@@ -3,6 +3,8 @@
 #include "socle/platform/posix/host/host_calls.h"
 #include "socle/platform/posix/host/host_error.h"
 
+#include <vector>
+
 namespace platform::posix {
 
 /// What the driver of a mounted NTFS disk gives: a file's attribute bits, four bytes, and its creation time, eight, as
@@ -14,10 +16,23 @@ constexpr char const * ntfs_streams_attribute = "ntfs.streams.list";
 /// The value of an extended attribute; empty on failure, which is ENODATA if there is none.
 host_error get_attribute(host::at const & file, char const * name, bool follow_link, narrow_string & value);
 
-/// Whether the file has any that it lists, as far as the host tells; links are followed.
-bool has_attributes(host::at const & file);
+/// The same of what the library keeps beside a file; links are followed. Empty as well where the host keeps none, or
+/// shows none to this user.
+host_error get_record_text(host::at const & file, char const * name, narrow_string & text);
 
-/// Sets one; links are followed. A missing write bit of the owner is lifted for the moment that takes.
-host_error set_attribute(host::at const & file, char const * name, narrow_string const & value);
+/// Whether the file has any that it lists; links are followed. A file system that keeps none has none.
+host_error has_attributes(host::at const & file, bool & has);
+
+/// What the mode of a file has beside the owner's write bit while that is lifted: bits without a meaning of their own.
+/// Where a process has ended then, the file is known for one that may not be written.
+constexpr mode_t lifted_mark(mode_t mode) { return S_ISDIR(mode) ? S_ISUID : S_ISVTX; }
+constexpr bool is_lifted(mode_t mode) { return (mode & S_IWUSR) != 0 && (mode & lifted_mark(mode)) != 0; }
+
+/// Their names; links are followed. A file system that keeps none has none.
+host_error list_attributes(host::at const & file, std::vector<narrow_string> & names);
+
+/// Sets one; links are followed. A missing write bit of the owner is lifted for the moment that takes, when the file
+/// has `lifted_mark`. With XATTR_CREATE in `flags` only one that is not there yet: EEXIST.
+host_error set_attribute(host::at const & file, char const * name, narrow_string const & value, int flags = 0);
 
 } // namespace platform::posix

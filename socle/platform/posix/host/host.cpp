@@ -34,6 +34,13 @@ uint32 attach_volume(char letter, narrow_string const & folder, narrow_string co
 
 uint32 detach_volume(char letter) { return reported(posix::detach(letter)); }
 
+uint32 sweep_volume(char letter) {
+    posix::volume const * const on = posix::volume_of_letter(static_cast<unsigned char>(letter));
+    if (on == nullptr)
+        return reported(ERROR_PATH_NOT_FOUND);
+    return reported(on->streams ? on->streams->sweep() : system_code());
+}
+
 wide_string from_host(narrow_string const & path) {
     wide_string text = path.starts_with('/') ? u"C:" : u"";
     convert_names<narrow_string>(path, "/", [&](std::string_view name, bool more) {

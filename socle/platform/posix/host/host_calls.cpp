@@ -199,7 +199,7 @@ int statfs(at const & file, struct statfs * status) {
 
 int access(at const & file, int mode) {
     linked const path(file, true);
-    return fails("access") ? -1 : ::faccessat(path.folder(), path.name(), mode, 0);
+    return fails("access") ? -1 : ::faccessat(path.folder(), path.name(), mode, AT_EACCESS);
 }
 
 int chmod(at const & file, mode_t mode) {
@@ -268,8 +268,12 @@ ssize_t lgetxattr(at const & file, char const * name, void * value, std::size_t 
     return fails("lgetxattr") ? -1 : attribute_of(file, name, value, size, false);
 }
 
-int setxattr(at const & file, char const * name, void const * value, std::size_t size) {
-    return fails("setxattr") ? -1 : ::setxattr(linked(file, false).name(), name, value, size, 0);
+int setxattr(at const & file, char const * name, void const * value, std::size_t size, int flags) {
+    return fails("setxattr") ? -1 : ::setxattr(linked(file, false).name(), name, value, size, flags);
+}
+
+int removexattr(at const & file, char const * name) {
+    return fails("removexattr") ? -1 : ::removexattr(linked(file, false).name(), name);
 }
 
 ssize_t listxattr(at const & file, char * names, std::size_t size) {

@@ -88,7 +88,9 @@ ssize_t getdents(int folder, void * buffer, std::size_t size);
 
 ssize_t getxattr(at const & file, char const * name, void * value, std::size_t size);
 ssize_t lgetxattr(at const & file, char const * name, void * value, std::size_t size);
-int setxattr(at const & file, char const * name, void const * value, std::size_t size);
+/// With XATTR_CREATE in `flags` only an attribute that is not there yet.
+int setxattr(at const & file, char const * name, void const * value, std::size_t size, int flags);
+int removexattr(at const & file, char const * name);
 ssize_t listxattr(at const & file, char * names, std::size_t size);
 
 int getentropy(void * buffer, std::size_t size);

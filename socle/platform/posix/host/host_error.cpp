@@ -29,6 +29,7 @@ system_code code_of(host_error error) {
     case ENAMETOOLONG: return ERROR_FILENAME_EXCED_RANGE;
     case EPIPE: return ERROR_NO_DATA;
     case EIO: return ERROR_IO_DEVICE;
+    case EUCLEAN: return ERROR_FILE_CORRUPT;
     default: return ERROR_ACCESS_DENIED;
     }
 }

@@ -27,13 +27,25 @@ system_code find_file(int descriptor, posix::backup_file & file) {
     return {};
 }
 
+/// Whether a handle was opened to be read, or to be written. A folder that was opened to be written cannot be read.
+system_code check_access(int descriptor, bool writes) {
+    int const flags = posix::host::status_flags(descriptor);
+    if (flags < 0)
+        return posix::last_code();
+    bool const path = (flags & O_PATH) != 0;
+    bool const fits = writes ? path || (flags & O_ACCMODE) != O_RDONLY : !path && (flags & O_ACCMODE) != O_WRONLY;
+    return fits ? system_code() : ERROR_ACCESS_DENIED;
+}
+
 /// Runs a step of a backup, which gives a system code.
 template <typename Step>
-bool run(int descriptor, backup_context *& context, Step step) {
+bool run(int descriptor, bool writes, backup_context *& context, Step step) {
     if (context == nullptr)
         context = new backup_context;
     posix::backup_file file{};
-    system_code const code = find_file(descriptor, file);
+    system_code code = check_access(descriptor, writes);
+    if (!code)
+        code = find_file(descriptor, file);
     return posix::report(code ? code : step(file));
 }
 
@@ -46,18 +58,18 @@ bool BackupRead(int file, char * buffer, uint32 size, uint32 & done, bool abort,
         context = nullptr;
         return true;
     }
-    return run(file, context,
+    return run(file, false, context,
                [&](posix::backup_file const & source) { return context->reader.read(source, buffer, size, done); });
 }
 
 bool BackupSeek(int file, uint64 size, uint64 & done, backup_context *& context) {
     done = 0;
-    return run(file, context, [&](posix::backup_file const &) { return context->reader.skip(size, done); });
+    return run(file, false, context, [&](posix::backup_file const &) { return context->reader.skip(size, done); });
 }
 
 bool BackupWrite(int file, char const * buffer, uint32 size, uint32 & done, backup_context *& context) {
     done = 0;
-    return run(file, context,
+    return run(file, true, context,
                [&](posix::backup_file const & target) { return context->writer.write(target, buffer, size, done); });
 }
 

@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <limits>
-#include <sys/file.h>
 
 namespace platform::posix {
 
@@ -42,14 +41,8 @@ system_code create_stream(backup_file const & file, narrow_string const & head, 
         return ERROR_INVALID_DATA;
     if (file.streams == nullptr)
         return ERROR_NOT_SUPPORTED;
-    narrow_string host;
-    if (system_code const code = file.streams->locate(file.at(), name, true, host))
+    if (system_code const code = open_stream(*file.streams, file.at(), name, O_WRONLY, stream))
         return code;
-    stream = open_descriptor(host, O_WRONLY | O_CREAT);
-    if (stream.get() < 0)
-        return last_code();
-    if (host::flock(stream.get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK)
-        return ERROR_SHARING_VIOLATION;
     return last_code_if(host::ftruncate(stream.get(), 0) != 0);
 }
 
@@ -114,12 +107,7 @@ system_code backup_reader::next_record(backup_file const & file) {
     while (!names_.empty()) {
         wide_string const name = names_.back();
         names_.pop_back();
-        narrow_string host;
-        system_code code = file.streams->locate(file.at(), name, false, host);
-        if (!code) {
-            stream_ = open_descriptor(host, O_RDONLY);
-            code = last_code_if(stream_.get() < 0);
-        }
+        system_code const code = open_stream(*file.streams, file.at(), name, O_RDONLY, stream_);
         if (code == ERROR_FILE_NOT_FOUND)
             continue; // Removed since the names were listed.
         if (code)

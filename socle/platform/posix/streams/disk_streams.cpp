@@ -14,7 +14,8 @@ bool disk_streams::found_at(narrow_string const & volume) {
            && !get_attribute(volume, ntfs_streams_attribute, true, value);
 }
 
-system_code disk_streams::locate(host::at const & file, wide_string const & name, bool, narrow_string & host) const {
+system_code disk_streams::locate(host::at const & file, wide_string const & name, purpose, stream_place & place) const {
+    narrow_string & host = place.name;
     narrow_string leaf;
     if (!to_host_name(name, leaf))
         return ERROR_INVALID_NAME;
@@ -43,7 +44,5 @@ system_code disk_streams::list(host::at const & file, std::vector<wide_string> &
 }
 
 bool disk_streams::hides(std::string_view name, bool) const { return name.find(':') != std::string_view::npos; }
-
-narrow_string disk_streams::belongings(host::at const &) const { return {}; }
 
 } // namespace platform::posix

@@ -13,11 +13,14 @@ public:
     /// Whether the disk at `volume` is of this kind.
     static bool found_at(narrow_string const & volume);
 
-    system_code locate(host::at const & file, wide_string const & name, bool create,
-                       narrow_string & host) const override;
+    system_code locate(host::at const & file, wide_string const & name, purpose wanted,
+                       stream_place & place) const override;
     system_code list(host::at const & file, std::vector<wide_string> & names) const override;
+    system_code hold(host::at const &, descriptor_guard &) const override { return {}; }
+    void moved(host::at const &) const override {}
     bool hides(std::string_view name, bool at_top) const override;
-    narrow_string belongings(host::at const & file) const override;
+    system_code find_belongings(host::at const &, belongings &) const override { return {}; }
+    system_code sweep() const override { return {}; }
 
 private:
     narrow_string volume_;

@@ -3,13 +3,12 @@
 #include "socle/platform/posix/files/copies.h"
 #include "socle/platform/posix/host/descriptor.h"
 #include "socle/platform/posix/host/extended_attributes.h"
-#include "socle/platform/posix/host/folder_reader.h"
 #include "socle/platform/posix/streams/disk_streams.h"
 #include "socle/platform/posix/streams/stored_streams.h"
-#include "socle/platform/posix/streams/stream_owners.h"
+#include "socle/platform/posix/streams/stream_folders.h"
 
-#include <new>
 #include <optional>
+#include <sys/file.h>
 
 namespace platform::posix {
 
@@ -18,30 +17,16 @@ namespace {
 /// Why files at `volume` can have no user attributes.
 host_error keeps_no_attributes(narrow_string const & volume) {
     narrow_string value;
-    host_error const error = get_attribute(volume, owner_attribute, true, value);
+    host_error const error = get_attribute(volume, note_attribute, true, value);
     return error == ENODATA ? host_error() : error;
-}
-
-/// Removes what lies in an open folder. Links are removed, not followed.
-void remove_entries(int folder) {
-    folder_reader entries(folder);
-    while (dirent64 const * const entry = entries.next()) {
-        host::at const name(folder, entry->d_name);
-        if (host::unlink(name) == 0)
-            continue;
-        descriptor_guard const inner = open_descriptor(name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW);
-        if (inner.get() >= 0) {
-            remove_entries(inner.get());
-            host::rmdir(name);
-        }
-    }
 }
 
 /// Takes the streams along when a file is removed: made before its name is removed, told afterwards.
 class stream_removal {
 public:
-    stream_removal(named_streams const & streams, host::at const & file) : belongings_(streams.belongings(file)) {
-        if (!belongings_.empty())
+    stream_removal(named_streams const & streams, host::at const & file) {
+        // Where they cannot be found the file goes all the same, and they with a sweep.
+        if (!streams.find_belongings(file, belongings_) && !belongings_.name.empty())
             file_ = open_descriptor(file, O_PATH | O_NOFOLLOW);
     }
 
@@ -51,23 +36,48 @@ public:
         if (file_.get() < 0 || host::fstat(file_.get(), &status) != 0
             || (status.st_nlink > 0 && !S_ISDIR(status.st_mode)))
             return;
-        descriptor_guard const folder = open_descriptor(belongings_, O_RDONLY | O_DIRECTORY | O_NOFOLLOW);
-        try {
-            if (folder.get() >= 0) {
-                remove_entries(folder.get());
-                host::rmdir(belongings_);
-            }
-        } catch (std::bad_alloc const &) {
-            // The file has gone; what stays of its streams belongs to nobody.
-        }
+        static_cast<void>(remove_belongings(belongings_));
     }
 
 private:
-    narrow_string belongings_;
+    named_streams::belongings belongings_;
     descriptor_guard file_;
 };
 
+/// What `errno` tells of opening a stream: a link in its place leads nowhere.
+host_error opening_error() { return host_error(errno == ELOOP ? EACCES : errno); }
+
+/// Copies one stream; the source stays locked while `in` lives.
+system_code copy_stream(named_streams const & from, host::at const & file, named_streams const & to,
+                        host::at const & copy, wide_string const & name, descriptor_guard & in) {
+    if (system_code const code = open_stream(from, file, name, O_RDONLY, in))
+        return code;
+    if (host::flock(in.get(), LOCK_SH | LOCK_NB) != 0 && errno == EWOULDBLOCK)
+        return ERROR_SHARING_VIOLATION;
+    descriptor_guard out;
+    system_code const code = open_stream(to, copy, name, O_WRONLY, out);
+    return code ? code : code_of(copy_bytes(in.get(), out.get()));
+}
+
 } // namespace
+
+system_code stream_place::admit(int stream) const {
+    if (!rights)
+        return {};
+    struct stat status {};
+    if (host::fstat(stream, &status) != 0)
+        return last_code();
+    mode_t const lent = borrowed && status.st_uid != rights->owner ? S_IROTH : 0;
+    if (!is_stream(status, owner, *rights) || (status.st_mode & lent) != lent)
+        return ERROR_ACCESS_DENIED;
+    try {
+        if (!borrowed)
+            let_follow(stream, *rights, status);
+        return {};
+    } catch (host_error const & error) {
+        return code_of(error);
+    }
+}
 
 bool named_streams::hides_path(std::string_view below) const {
     for (bool at_top = true; !below.empty(); at_top = false) {
@@ -91,11 +101,36 @@ system_code make_named_streams(narrow_string const & folder, std::unique_ptr<nam
     if (host_error const error = keeps_no_attributes(volume))
         return code_of(error);
     volume = volume == "/" ? narrow_string() : volume;
-    auto stored = std::make_unique<stored_streams>(volume);
-    system_code const code = settle_owners(volume, stored->store());
-    if (!code)
-        streams = std::move(stored);
-    return code;
+    try {
+        stream_store::open(volume);
+    } catch (host_error const & error) {
+        return code_of(error);
+    }
+    streams = std::make_unique<stored_streams>(volume);
+    return {};
+}
+
+system_code open_stream(named_streams const & streams, host::at const & file, wide_string const & name, int access,
+                        descriptor_guard & stream) {
+    using purpose = named_streams::purpose;
+    bool const writes = access != O_RDONLY;
+    stream_place place;
+    if (system_code const code = streams.locate(file, name, writes ? purpose::create : purpose::look, place))
+        return code;
+    stream = open_descriptor(place.at(), access | place.flags());
+    // Made as a new one: the driver of an NTFS disk may remember one of the same name that has gone.
+    if (stream.get() < 0 && errno == ENOENT && writes)
+        stream = open_descriptor(place.at(), access | place.flags() | O_CREAT | O_EXCL, new_stream_mode);
+    if (stream.get() < 0)
+        return errno == EEXIST ? ERROR_SHARING_VIOLATION : code_of(opening_error());
+    if (system_code const code = place.admit(stream.get()))
+        return code;
+    bool const busy = writes && host::flock(stream.get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+    return busy ? ERROR_SHARING_VIOLATION : system_code();
+}
+
+host_error remove_belongings(named_streams::belongings const & gone) {
+    return remove_streams(gone.around.get(), gone.name, gone.folder.get());
 }
 
 host_error remove_with_streams(named_streams const * streams, host::at const & file, int (*remove)(host::at const &)) {
@@ -110,25 +145,21 @@ host_error remove_with_streams(named_streams const * streams, host::at const & f
 }
 
 system_code copy_streams(named_streams const & from, host::at const & file, named_streams const & to,
-                         host::at const & copy) {
+                         host::at const & copy, std::vector<descriptor_guard> & held) {
     std::vector<wide_string> names;
     if (system_code const code = from.list(file, names))
         return code;
+    descriptor_guard all;
+    if (system_code const code = names.empty() ? system_code() : from.hold(file, all))
+        return code;
+    bool const one_by_one = all.get() < 0;
+    held.push_back(std::move(all));
     for (wide_string const & name : names) {
-        narrow_string source;
-        narrow_string target;
-        if (system_code const code = from.locate(file, name, false, source))
+        descriptor_guard in;
+        if (system_code const code = copy_stream(from, file, to, copy, name, in))
             return code;
-        if (system_code const code = to.locate(copy, name, true, target))
-            return code;
-        descriptor_guard const in = open_descriptor(source, O_RDONLY);
-        if (in.get() < 0)
-            return last_code();
-        descriptor_guard const out = open_descriptor(target, O_WRONLY | O_CREAT | O_TRUNC);
-        if (out.get() < 0)
-            return last_code();
-        if (system_code const code = copy_bytes(in.get(), out.get()))
-            return code;
+        if (one_by_one)
+            held.push_back(std::move(in));
     }
     return {};
 }

@@ -5,22 +5,23 @@
 namespace platform::posix {
 
 /// The streams of a volume whose host knows none: `<volume>/.socle_streams/<id>/<stored name>`, one folder a file.
-/// See stream_owners.h for who owns a folder, stream_names.h for the names.
+/// See docs/formats.md for who owns a folder, stream_names.h for the names.
 class stored_streams final : public named_streams {
 public:
     /// `volume` is absolute and free of links; empty for the host's root.
-    explicit stored_streams(narrow_string const & volume);
+    explicit stored_streams(narrow_string const & volume) : volume_(volume) {}
 
-    system_code locate(host::at const & file, wide_string const & name, bool create,
-                       narrow_string & host) const override;
+    system_code locate(host::at const & file, wide_string const & name, purpose wanted,
+                       stream_place & place) const override;
     system_code list(host::at const & file, std::vector<wide_string> & names) const override;
+    system_code hold(host::at const & file, descriptor_guard & held) const override;
+    void moved(host::at const & file) const override;
     bool hides(std::string_view name, bool at_top) const override;
-    narrow_string belongings(host::at const & file) const override;
-
-    narrow_string const & store() const { return store_; }
+    system_code find_belongings(host::at const & file, belongings & found) const override;
+    system_code sweep() const override;
 
 private:
-    narrow_string store_;
+    narrow_string volume_;
 };
 
 } // namespace platform::posix

@@ -1,46 +1,35 @@
 #include "socle/platform/posix/streams/stream_claims.h"
 
-#include "socle/platform/posix/host/extended_attributes.h"
-#include "socle/platform/posix/streams/stream_owners.h"
-
+#include <algorithm>
 #include <charconv>
-#include <string_view>
-#include <sys/file.h>
+#include <sys/xattr.h>
 
 namespace platform::posix {
 
 namespace {
-
-constexpr std::size_t id_length = 2 * stream_id_bytes;
 
 void append_hex(narrow_string & text, uint64 value) {
     char digits[16];
     text.append(digits, std::to_chars(digits, digits + sizeof digits, value, 16).ptr);
 }
 
-} // namespace
+narrow_string attribute_of(stream_claim const & claim) { return narrow_string(claim_attribute) += claim.file; }
 
-stream_claim claim_of(host::at const & file, bool follow_link) {
-    narrow_string text;
-    if (!read_owner_attribute(file, follow_link, true, text) || text.size() <= id_length || text[id_length] != ' '
+/// `<id> <store> <maker>`; false for what is none.
+bool read_claim(std::string_view text, stream_claim & claim) {
+    constexpr std::size_t id_length = 2 * stream_id_bytes;
+    std::size_t const last = text.rfind(' ');
+    if (text.find(' ') != id_length || last == id_length || last == std::string_view::npos
         || text.find_first_not_of("0123456789abcdef") != id_length)
-        return {};
-    return {text.substr(0, id_length), text.substr(id_length + 1)};
+        return false;
+    claim.id = text.substr(0, id_length);
+    claim.store = text.substr(id_length + 1, last - id_length - 1);
+    char const * const end = text.data() + text.size();
+    auto const [at, error] = std::from_chars(text.data() + last + 1, end, claim.maker);
+    return error == std::errc() && at == end;
 }
 
-void set_claim(host::at const & file, narrow_string const & id) {
-    // Asked again afterwards: the first write to a file on an overlay gives it a new identity.
-    narrow_string written;
-    for (narrow_string identity = identity_of(file, true); identity != written; identity = identity_of(file, true)) {
-        write_owner_attribute(file, id + ' ' + identity);
-        written = identity;
-    }
-}
-
-narrow_string identity_of(host::at const & file, bool follow_link) {
-    struct statx status {};
-    if (host::statx(file, follow_link ? 0 : AT_SYMLINK_NOFOLLOW, STATX_INO | STATX_BTIME, &status) != 0)
-        throw host_error::last();
+narrow_string identity_of(host::at const & file, struct statx const & status) {
     narrow_string identity;
     append_hex(identity, status.stx_ino);
     if ((status.stx_mask & STATX_BTIME) != 0) {
@@ -57,37 +46,68 @@ narrow_string identity_of(host::at const & file, bool follow_link) {
     return identity;
 }
 
-bool read_owner_attribute(host::at const & file, bool follow_link, bool must_exist, narrow_string & text) {
-    host_error const error = get_attribute(file, owner_attribute, follow_link, text);
-    if (error && error != ENODATA && error != ENOTSUP && (must_exist || error != ENOENT))
+} // namespace
+
+narrow_string identity_of(host::at const & file) {
+    struct statx status {};
+    if (host::statx(file, 0, STATX_INO | STATX_BTIME, &status) != 0)
+        throw host_error::last();
+    return identity_of(file, status);
+}
+
+claimant claimant_at(host::at const & file) {
+    claimant result;
+    std::vector<narrow_string> names;
+    if (host_error const error = list_attributes(file, names))
+        throw error;
+    struct statx status {};
+    if (host::statx(file, 0, STATX_BASIC_STATS | STATX_BTIME, &status) != 0)
+        throw host_error::last();
+    result.identity = identity_of(file, status);
+    result.rights = {status.stx_uid, status.stx_gid, status.stx_mode, false};
+    for (narrow_string const & name : names) {
+        result.rights.listed = result.rights.listed || name == "system.posix_acl_access";
+        if (!is_claim(name))
+            continue;
+        narrow_string text;
+        host_error const error = get_attribute(file, name.c_str(), true, text);
+        if (error && error != ENODATA)
+            throw error;
+        stream_claim claim;
+        claim.file = name.substr(claim_attribute.size());
+        if (!error && read_claim(text, claim))
+            result.claims.push_back(claim);
+    }
+    std::stable_partition(result.claims.begin(), result.claims.end(),
+                          [&](stream_claim const & claim) { return claim.file == result.identity; });
+    return result;
+}
+
+bool set_claim(host::at const & file, stream_claim const & claim, bool replace) {
+    narrow_string const text = claim.id + ' ' + claim.store + ' ' + std::to_string(claim.maker);
+    host_error const error = set_attribute(file, attribute_of(claim).c_str(), text, replace ? 0 : XATTR_CREATE);
+    if (error && error != EEXIST)
         throw error;
     return !error;
 }
 
-void write_owner_attribute(host::at const & file, narrow_string const & text) {
-    if (host_error const error = set_attribute(file, owner_attribute, text))
+void remove_claim(host::at const & file, stream_claim const & claim) {
+    // One that stays is passed over behind an own one.
+    static_cast<void>(host::removexattr(file, attribute_of(claim).c_str()) == 0);
+}
+
+stream_note note_of(int folder) {
+    narrow_string text;
+    host_error const error = get_attribute(host::at(folder), note_attribute, true, text);
+    if (error && error != ENODATA)
         throw error;
+    std::size_t const space = text.find(' ');
+    return space == narrow_string::npos ? stream_note() : stream_note{text.substr(0, space), text.substr(space + 1)};
 }
 
-narrow_string path_in_volume(narrow_string const & store, host::at const & file) {
-    std::string_view const volume = std::string_view(store).substr(0, store.rfind('/'));
-    narrow_string path;
-    if (host_error const error = real_path(file, path))
+void set_note(int folder, stream_note const & note) {
+    if (host_error const error = set_attribute(host::at(folder), note_attribute, note.file + ' ' + note.path))
         throw error;
-    return path.starts_with(volume) ? path.substr(volume.size()) : path;
-}
-
-narrow_string streams_folder(narrow_string const & store, narrow_string const & id) { return store + '/' + id; }
-
-bool owner_was_at(narrow_string const & store, narrow_string const & id, narrow_string const & path) {
-    narrow_string last;
-    return read_owner_attribute(streams_folder(store, id), false, false, last) && last == path;
-}
-
-store_lock::store_lock(narrow_string const & store)
-    : folder_(open_descriptor(store, O_RDONLY | O_DIRECTORY | O_NOFOLLOW)) {
-    if (folder_.get() >= 0)
-        host::flock(folder_.get(), LOCK_EX);
 }
 
 } // namespace platform::posix

@@ -82,6 +82,15 @@ uint32 attach_volume(char letter, narrow_string const & folder, narrow_string co
     return code;
 }
 
+uint32 sweep_volume(char letter) {
+    wchar_t const capital = win32::letter_of(static_cast<unsigned char>(letter));
+    bool const found = std::any_of(win32::table().begin(), win32::table().end(),
+                                   [&](win32::volume const & v) { return v.letter == capital; });
+    uint32 const code = found ? 0 : ERROR_PATH_NOT_FOUND; // the disk itself keeps the streams
+    win32::report_code(code);
+    return code;
+}
+
 uint32 detach_volume(char letter) {
     wchar_t const capital = win32::letter_of(static_cast<unsigned char>(letter));
     bool const found = std::erase_if(win32::table(), [&](win32::volume const & v) { return v.letter == capital; }) > 0;

@@ -1,0 +1,121 @@
+#include "socle/platform/posix/streams/stream_store.h"
+
+#include "socle/platform/posix/host/extended_attributes.h"
+#include "socle/platform/posix/host/folder_reader.h"
+#include "socle/platform/posix/streams/stream_claims.h"
+
+namespace platform::posix {
+
+namespace {
+
+constexpr char const * store_leaf = store_name.data();
+constexpr mode_t store_mode = S_ISVTX | S_IRWXU | S_IWGRP | S_IXGRP | S_IWOTH | S_IXOTH;
+constexpr char const * store_mark = "store";
+
+descriptor_guard open_folder(host::at const & folder, int flags) {
+    descriptor_guard opened = open_descriptor(folder, flags | O_DIRECTORY | O_NOFOLLOW);
+    if (opened.get() < 0)
+        throw host_error(errno == ENOTDIR || errno == ELOOP ? EACCES : errno);
+    return opened;
+}
+
+struct statx status_of(int file) {
+    struct statx status {};
+    if (host::statx(host::at(file), 0, STATX_BASIC_STATS | STATX_BTIME, &status) != 0)
+        throw host_error::last();
+    return status;
+}
+
+bool on_one_system(struct statx const & top, struct statx const & store) {
+    return top.stx_dev_major == store.stx_dev_major && top.stx_dev_minor == store.stx_dev_minor
+           && (store.stx_attributes & STATX_ATTR_MOUNT_ROOT) == 0;
+}
+
+/// Whether nobody could have put this in the place of a store who could not as well do so at any other time.
+bool is_owned_well(struct statx const & top, struct statx const & store) {
+    bool const whoever = (top.stx_mode & S_ISVTX) == 0;
+    return whoever || store.stx_uid == 0 || store.stx_uid == top.stx_uid || store.stx_uid == geteuid();
+}
+
+bool is_marked(int store) {
+    narrow_string text;
+    host_error const error = get_attribute(host::at(store), note_attribute, true, text);
+    if (error && error != ENODATA && error != EACCES)
+        throw error;
+    return text == store_mark;
+}
+
+/// Whether a process has ended while it made this one.
+bool is_begun(int top, mode_t mode) {
+    if ((mode & 07777) != S_IRWXU)
+        return false;
+    descriptor_guard const folder = open_folder({top, store_leaf}, O_RDONLY);
+    folder_reader entries(folder.get());
+    bool const empty = entries.next() == nullptr;
+    if (entries.error())
+        throw entries.error();
+    return empty;
+}
+
+void finish(int store) {
+    if (host_error const error = set_attribute(host::at(store), note_attribute, store_mark))
+        throw error;
+    if (host::chmod(host::at(store), store_mode) != 0)
+        throw host_error::last();
+}
+
+} // namespace
+
+stream_store stream_store::open(narrow_string const & volume) {
+    stream_store store;
+    store.volume_ = volume;
+    store.top_ = open_descriptor(volume.empty() ? "/" : volume, O_PATH | O_DIRECTORY);
+    if (store.top_.get() < 0)
+        throw host_error::last();
+    try {
+        store.folder_ = open_folder({store.top_.get(), store_leaf}, O_PATH);
+    } catch (host_error const & error) {
+        if (error == ENOENT)
+            return store;
+        throw;
+    }
+    struct statx const top = status_of(store.top_.get());
+    struct statx const status = status_of(store.folder_.get());
+    bool const taken_over = geteuid() == 0 && !is_owned_well(top, status);
+    if (!on_one_system(top, status) || (!taken_over && !is_owned_well(top, status)))
+        throw host_error(EACCES);
+    if (taken_over || (status.stx_mode & 07777) != store_mode) {
+        // Somebody may have changed the modes of the whole volume.
+        bool const ours = geteuid() == 0 || geteuid() == status.stx_uid;
+        // Asked first: what is in a store is made when it is marked.
+        bool const begun = ours && is_begun(store.top_.get(), status.stx_mode);
+        host::at const folder(store.folder_.get());
+        if (!is_marked(store.folder_.get())) {
+            if (!begun)
+                throw host_error(EACCES);
+            store.folder_ = descriptor_guard();
+        } else if ((taken_over && host::chown(folder, 0, 0) != 0)
+                   || (ours && host::chmod(folder, store_mode) != 0 && errno != EROFS)) {
+            throw host_error::last();
+        }
+    }
+    if (store.is_open())
+        store.identity_ = identity_of(host::at(store.folder_.get()));
+    return store;
+}
+
+stream_store stream_store::make(narrow_string const & volume) {
+    stream_store store = open(volume);
+    if (store.is_open())
+        return store;
+    host::at const place(store.top_.get(), store_leaf);
+    if (host::mkdir(place, S_IRWXU) != 0 && errno != EEXIST)
+        throw host_error::last();
+    store = open(volume);
+    if (store.is_open())
+        return store;
+    finish(open_folder({store.top_.get(), store_leaf}, O_RDONLY).get());
+    return open(volume);
+}
+
+} // namespace platform::posix

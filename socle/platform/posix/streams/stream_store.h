@@ -1,0 +1,38 @@
+#pragma once
+
+#include "socle/platform/posix/host/descriptor.h"
+
+namespace platform::posix {
+
+constexpr std::string_view store_name = ".socle_streams";
+
+/// The folder at the top of a volume that holds the folders of its files' streams. Everybody may enter it and make
+/// folders in it; only its owner can list it, and only theirs can remove them. These throw `host_error`.
+///
+/// It is only trusted if it is a folder, no link, on the file system of the volume's folder itself, and marked as a
+/// store; and where not everybody who may put something there could as well take it away, if it belongs to root, to the
+/// owner of the volume's folder, or to this user. Root takes over one that belongs to anybody else.
+class stream_store {
+public:
+    stream_store() = default;
+
+    /// That of the host folder `volume`, which is empty for the host's root. EACCES for something else in its place.
+    static stream_store open(narrow_string const & volume);
+    /// The same, but makes one where there is none.
+    static stream_store make(narrow_string const & volume);
+
+    bool is_open() const { return folder_.get() >= 0; }
+    int descriptor() const { return folder_.get(); }
+    narrow_string const & volume() const { return volume_; }
+    narrow_string const & identity() const { return identity_; }
+    /// An entry of the volume.
+    host::at in_volume(narrow_string const & path) const { return {top_.get(), path.c_str()}; }
+
+private:
+    descriptor_guard top_;
+    descriptor_guard folder_;
+    narrow_string volume_;
+    narrow_string identity_;
+};
+
+} // namespace platform::posix
