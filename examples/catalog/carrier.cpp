@@ -55,8 +55,8 @@ carrier::volume::~volume() {
 
 carrier::carrier(narrow_string const & folder, carrying const & how, report & report)
     : how_(how), report_(report),
-      top_(std::make_shared<target_folder>(top_folder(folder, how.dry), u"T:", readable_path(folder))),
-      volume_(folder, spelled() && (!how.dry || top_->listed(".socle_streams") != nullptr)) {
+      top_(std::make_shared<target_folder>(top_folder(folder, how.dry), readable_path(folder))),
+      volume_(folder, in_streams() && (!how.dry || top_->listed(".socle_streams") != nullptr)) {
     if (!how_.dry)
         work_.emplace(*top_, how_.form);
 }
@@ -128,12 +128,12 @@ carrier::finding carrier::find(file_record const & from, target_folder & folder,
 
 /// The file must not get a fork that is there already for another.
 void carrier::check_free(file_record const & from, target_folder const & folder, wide_string const & leaf) const {
-    if (spelled() || !folder.held())
+    if (in_streams() || !folder.held())
         return;
     auto const ours = sidecars_of(from, leaf);
     for (auto const & name : {rsrc_name(how_.form, leaf), info_name(how_.form, leaf)}) {
         bool const own = std::find(ours.begin(), ours.end(), name) != ours.end();
-        if (!own && folder.look(platform::to_host(name)).kind == host::kind::file && is_fork(folder.path(name, false)))
+        if (!own && folder.look(platform::to_host(name)).kind == host::kind::file && is_fork(folder.path(name)))
             fail("is not carried, as it would get a fork that is not its own: " + folder.typed(name));
     }
 }
@@ -151,13 +151,13 @@ file_record carrier::look_at_there(target_folder const & folder, wide_string con
     auto const has = [&](wide_string const & name) {
         return folder.look(platform::to_host(name)).kind != host::kind::nothing;
     };
-    bool const forks = !spelled() && (has(rsrc_name(how_.form, leaf)) || has(info_name(how_.form, leaf)));
+    bool const forks = !in_streams() && (has(rsrc_name(how_.form, leaf)) || has(info_name(how_.form, leaf)));
     if (forks || folder.has_more(platform::to_host(leaf)))
-        return look_at_made(how_.form, folder.path(leaf, spelled()));
+        return look_at_made(how_.form, folder.path(leaf));
     entry plain;
     plain.leaf = leaf;
     plain.status = there;
-    return look_at(folder.path(u"", spelled()), plain);
+    return look_at(folder.path(u""), plain);
 }
 
 /// Makes the file another name of one that was carried before. False if it is to be carried by itself.
@@ -210,11 +210,10 @@ void carrier::make(file_record const & from, wide_string const & path) {
 target_pointer carrier::enter(target_pointer const & folder, wide_string const & leaf) {
     auto const name = platform::to_host(leaf);
     auto const typed = folder->typed(leaf);
-    auto const spelled = nio::concatenate(folder->spelled(), leaf, u'\\');
     bool const made = !how_.dry && folder->held()->make(name);
     auto const there = folder->look(name).kind;
     if (there == host::kind::nothing)
-        return std::make_shared<target_folder>(std::nullopt, spelled, typed);
+        return std::make_shared<target_folder>(std::nullopt, typed);
     if (there != host::kind::folder)
         fail("is not carried, as a file or a link is there: " + typed);
     auto held = folder->held()->inner(name);
@@ -224,7 +223,7 @@ target_pointer carrier::enter(target_pointer const & folder, wide_string const &
     constexpr uint32 to_work_in = 0700;
     if (!made && !how_.dry && (status.mode & to_work_in) != to_work_in)
         host::give_mode(held.path(), status.mode | to_work_in);
-    return std::make_shared<target_folder>(std::move(held), spelled, typed);
+    return std::make_shared<target_folder>(std::move(held), typed);
 }
 
 void carrier::finish(file_record const & from, target_pointer const & around, wide_string const & leaf,
@@ -241,14 +240,14 @@ void carrier::finish_top(file_record const & from) {
         return;
     flush();
     work_.reset();
-    if (from.has_finder() && !spelled())
+    if (from.has_finder() && !in_streams())
         report_.complain(from.path, "has Finder information, for which there is no place in the target");
-    auto const refused = apply_to_folder(from, *top_, top_->path(u"", spelled()));
+    auto const refused = apply_to_folder(from, *top_, u"T:\\");
     top_->held()->sync();
     entry made;
     made.status = top_->held()->status();
     made.more = host::has_more(top_->held()->path() + "/.");
-    tell_losses(from, look_at(top_->path(u"", false), made), refused, how_, report_);
+    tell_losses(from, look_at(top_->path(u""), made), refused, how_, report_);
 }
 
 void carrier::flush() {
@@ -301,7 +300,7 @@ void carrier::place_sidecars(waiting const & file, std::vector<wide_string> & pl
     for (std::size_t i = 0; i < to.size(); ++i) {
         // One that an earlier run has left there is as good.
         if (folder.look(platform::to_host(to[i])).kind == host::kind::file
-            && same_bytes(whole_file(from[i]), whole_file(folder.path(to[i], false)))) {
+            && same_bytes(whole_file(from[i]), whole_file(folder.path(to[i])))) {
             fs::remove(host::path_of(platform::to_host(from[i])));
             continue;
         }
@@ -309,11 +308,11 @@ void carrier::place_sidecars(waiting const & file, std::vector<wide_string> & pl
         if (!file.replaces)
             placed.push_back(to[i]);
     }
-    if (!file.replaces || spelled())
+    if (!file.replaces || in_streams())
         return;
     for (auto const & name : {rsrc_name(how_.form, file.leaf), info_name(how_.form, file.leaf)}) {
         bool const ours = std::find(to.begin(), to.end(), name) != to.end();
-        if (!ours && folder.look(platform::to_host(name)).kind == host::kind::file && is_fork(folder.path(name, false)))
+        if (!ours && folder.look(platform::to_host(name)).kind == host::kind::file && is_fork(folder.path(name)))
             fs::remove(host::path_of(folder.held()->path(platform::to_host(name))));
     }
 }
@@ -324,18 +323,18 @@ void carrier::move(wide_string const & from, target_folder & folder, wide_string
         fs::rename(host::path_of(platform::to_host(from)), host::path_of(folder.held()->path(name)));
     else if (folder.look(name).kind != host::kind::nothing)
         fail("is not carried, as another file is there: " + folder.typed(leaf));
-    else if (spelled())
-        io::item(library_path(from)).move(library_path(folder.path(leaf, true)));
+    else if (in_streams())
+        io::item(library_path(from)).move(library_path(folder.path(leaf)));
     else
         work_->move(from, folder, name);
 }
 
 void carrier::finish_folder(waiting const & folder) {
     auto const & from = folder.from;
-    auto const path = folder.folder->path(folder.leaf, spelled());
-    if (from.has_finder() && !spelled() && !same_finder(how_.form, from, look_at_made(how_.form, path)))
+    auto const path = folder.folder->path(folder.leaf);
+    if (from.has_finder() && !in_streams() && !same_finder(how_.form, from, look_at_made(how_.form, path)))
         place_beside(folder);
-    auto const refused = apply_to_folder(from, *folder.made, spelled() ? path : folder.made->path(u"", false));
+    auto const refused = apply_to_folder(from, *folder.made, path);
     tell_losses(from, look_at_made(how_.form, path), refused, how_, report_);
 }
 
@@ -354,19 +353,22 @@ void carrier::place_beside(waiting const & folder) {
     beside.remove();
 }
 
+/// Its streams go by the path that `path` gives it, on the volume that has them; what is no such volume gets none.
 host::refusals carrier::apply_to_folder(file_record const & from, target_folder const & made,
                                         wide_string const & path) const {
-    if (spelled() && has_streams(from))
+    if (in_streams() && has_streams(from))
         copy_streams(from, path);
-    apply_attributes(how_.form, from, path, from.has_finder() && spelled());
+    if (in_streams() && from.has_finder())
+        write_finder_stream(nio::ntfs_info_name(path), from.finder);
+    apply_attributes(how_.form, from, made.path(u""), false);
     return host::give_belongings(platform::to_host(from.path), from.status, made.held()->path(), how_.keep);
 }
 
 std::vector<wide_string> carrier::sidecars_of(file_record const & from, wide_string const & name) const {
     std::vector<wide_string> result;
-    if (from.resource.size > 0 && !spelled())
+    if (from.resource.size > 0 && !in_streams())
         result.push_back(rsrc_name(how_.form, name));
-    if (from.has_finder() && !spelled() && (result.empty() || how_.form == fork_form::sidecar))
+    if (from.has_finder() && !in_streams() && (result.empty() || how_.form == fork_form::sidecar))
         result.push_back(info_name(how_.form, name));
     return result;
 }

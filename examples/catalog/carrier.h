@@ -51,8 +51,7 @@ private:
     };
     enum class finding { free, same, older };
 
-    /// Whether files go by their spelled paths.
-    bool spelled() const { return how_.form == fork_form::stream; }
+    bool in_streams() const { return how_.form == fork_form::stream; }
 
     finding find(file_record const & from, target_folder & folder, wide_string const & leaf);
     void check_free(file_record const & from, target_folder const & folder, wide_string const & leaf) const;

@@ -16,7 +16,7 @@ bool same_second(nio::time const & a, nio::time const & b) {
 
 void tell_losses(file_record const & from, file_record const & made, host::refusals const & refused,
                  carrying const & how, report & report) {
-    bool const spelled = how.form == fork_form::stream;
+    bool const in_streams = how.form == fork_form::stream;
     constexpr uint32 carried_bits = 0x127; // read-only, hidden, system, archive, temporary
     constexpr uint32 all_may = 0777;
     if (!same_finder(how.form, from, made))
@@ -39,7 +39,7 @@ void tell_losses(file_record const & from, file_record const & made, host::refus
     for (auto const & [missing, words] : lost)
         if (missing)
             report.complain(from.path, words);
-    if (!spelled && has_streams(from))
+    if (!in_streams && has_streams(from))
         report.leave_out("files with other streams (--forks ntfs)");
     if (!how.keep.owner && other_owner)
         report.leave_out("owners (--preserve=owner)");

@@ -31,6 +31,10 @@ finder_bytes first_bytes(byte_vector const & bytes) {
     return result;
 }
 
+/// A stream of Finder information: this, 8 zeros, the information, 12 zeros.
+constexpr unsigned char finder_signature[] = {'A', 'F', 'P', 0, 0, 0, 1, 0};
+constexpr uint32 finder_stream_offset = 16, finder_stream_size = 60;
+
 struct entry {
     uint32 id, offset, length;
 
@@ -140,12 +144,22 @@ bool is_info_header(wide_string const & path) {
            && bytes[82] == 0 && bytes[1] <= longest_name;
 }
 
+void write_finder_stream(wide_string const & path, finder_bytes const & finder) {
+    std::array<unsigned char, finder_stream_size> bytes{};
+    std::copy(std::begin(finder_signature), std::end(finder_signature), bytes.begin());
+    std::copy(finder.begin(), finder.end(), bytes.begin() + finder_stream_offset);
+    nio::file file(path, nio::file::mode_anew);
+    if (!file.is_open())
+        throw nio::filesystem_exception("cannot create", path);
+    file.write(reinterpret_cast<char const *>(bytes.data()), finder_stream_size);
+    file.close();
+}
+
 std::optional<finder_bytes> read_finder_stream(wide_string const & path) {
-    constexpr unsigned char signature[] = {'A', 'F', 'P', 0, 0, 0, 1, 0};
-    constexpr uint32 size = 60, finder_offset = 16;
     nio::file file(path, nio::file::mode_read);
-    byte_vector const bytes = read_at(file, 0, size);
-    if (bytes.size() < size || !std::equal(std::begin(signature), std::end(signature), bytes.begin()))
+    byte_vector const bytes = read_at(file, 0, finder_stream_size);
+    if (bytes.size() < finder_stream_size
+        || !std::equal(std::begin(finder_signature), std::end(finder_signature), bytes.begin()))
         return {};
-    return first_bytes({bytes.begin() + finder_offset, bytes.end()});
+    return first_bytes({bytes.begin() + finder_stream_offset, bytes.end()});
 }

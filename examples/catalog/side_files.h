@@ -45,5 +45,8 @@ void name_resource_fork(wide_string const & path);
 /// Whether the file can be a `.info` sidecar: a MacBinary header alone.
 bool is_info_header(wide_string const & path);
 
+/// Makes a stream of Finder information anew. Throws a `nio::exception`.
+void write_finder_stream(wide_string const & path, finder_bytes const & finder);
+
 /// What the 60 bytes in a stream of Finder information say; nothing if they are of another kind.
 std::optional<finder_bytes> read_finder_stream(wide_string const & path);

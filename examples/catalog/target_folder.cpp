@@ -9,8 +9,8 @@
 
 #include <algorithm>
 
-target_folder::target_folder(std::optional<host::folder> held, wide_string const & spelled, narrow_string const & typed)
-    : held_(std::move(held)), spelled_(spelled), typed_(typed) {
+target_folder::target_folder(std::optional<host::folder> held, narrow_string const & typed)
+    : held_(std::move(held)), typed_(typed) {
     if (!held_)
         return;
     names_ = held_->list();
@@ -33,8 +33,8 @@ bool target_folder::has_more(narrow_string const & name) const {
 
 bool target_folder::claim(host::status const & file) { return claimed_.emplace(file.device, file.number).second; }
 
-wide_string target_folder::path(wide_string const & leaf, bool spelled) const {
-    return nio::concatenate(spelled || !held_ ? spelled_ : platform::from_host(held_->path()), leaf, u'\\');
+wide_string target_folder::path(wide_string const & leaf) const {
+    return nio::concatenate(platform::from_host(held_->path()), leaf, u'\\');
 }
 
 narrow_string target_folder::typed(wide_string const & leaf) const {

@@ -11,8 +11,8 @@
 /// as nothing is made in a dry run, has none.
 class target_folder {
 public:
-    /// `spelled` is the library's path of it, and `typed` what the user calls it.
-    target_folder(std::optional<host::folder> held, wide_string const & spelled, narrow_string const & typed);
+    /// `typed` is what the user calls it.
+    target_folder(std::optional<host::folder> held, narrow_string const & typed);
 
     std::optional<host::folder> const & held() const { return held_; }
     narrow_string const & typed() const { return typed_; }
@@ -28,15 +28,13 @@ public:
     /// Notes that a file here stands for one of the source; false if it stands for another already.
     bool claim(host::status const & file);
 
-    /// The library's path of a name in it: a path that leads here whatever becomes of the folder's name or, for files
-    /// with streams, the spelled one, by which the library knows what volume they are on.
-    wide_string path(wide_string const & leaf, bool spelled) const;
-    wide_string const & spelled() const { return spelled_; }
+    /// The library's path of a name in it, or of itself, which leads here whatever becomes of the folder's name. Only
+    /// for one that is there.
+    wide_string path(wide_string const & leaf) const;
     narrow_string typed(wide_string const & leaf) const;
 
 private:
     std::optional<host::folder> held_;
-    wide_string spelled_;
     narrow_string typed_;
     bool unlisted_ = false;
     std::vector<host::found> names_;

@@ -38,7 +38,7 @@ work_folder::work_folder(target_folder const & top, fork_form form) : top_(top),
     lock_.emplace(held);
     if (!lock_->held() || !top.look(work_name).same_file(held.status()))
         throw nio::exception("another run is at work in " + top.typed());
-    here_.emplace(std::move(held), nio::concatenate(top.spelled(), leaf, u'\\'), typed);
+    here_.emplace(std::move(held), typed);
     for (auto const & [name, status] : here_->held()->list())
         if (status.kind != host::kind::file || !is_part_name(name))
             in_the_way("this program has not made it", here_->typed(platform::from_host(name)));
@@ -59,7 +59,7 @@ bool work_folder::is_named(wide_string const & leaf) { return platform::to_host(
 
 wide_string work_folder::next_part() {
     auto const digits = std::to_string(parts_++);
-    return here_->path({digits.begin(), digits.end()}, form_ == fork_form::stream);
+    return here_->path({digits.begin(), digits.end()});
 }
 
 void work_folder::move(wide_string const & part, target_folder const & folder, narrow_string const & name) const {
@@ -69,7 +69,7 @@ void work_folder::move(wide_string const & part, target_folder const & folder, n
 void work_folder::clear() const {
     for (auto const & [name, status] : here_->held()->list())
         if (form_ == fork_form::stream)
-            forked_copy(form_, here_->path(platform::from_host(name), true)).remove();
+            forked_copy(form_, here_->path(platform::from_host(name))).remove();
         else
             std::filesystem::remove(host::path_of(here_->held()->path(name)));
 }

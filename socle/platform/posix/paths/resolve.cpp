@@ -62,15 +62,19 @@ system_code place(host_text const & text, resolved_path & resolved) {
     return code && text.on->hides_path(text.folder + '/' + text.leaf) ? ERROR_ACCESS_DENIED : code;
 }
 
-/// The file behind a name that is a link: its volume keeps the streams.
-system_code follow_link(resolved_path & resolved) {
-    char target;
-    narrow_string real;
-    if (host::readlink(resolved.at(), &target, 1) < 0 || real_path(resolved.at(), real))
-        return {};
-    std::size_t const leaf = real.rfind('/') + 1;
-    resolved.name = real.substr(leaf);
-    return go_on_from(real.substr(0, leaf - 1), resolved);
+/// Goes on to the file itself, if it is there, through a name that may be a link: the file's volume keeps the streams.
+system_code go_on_to_file(resolved_path & resolved) {
+    auto file = std::make_shared<found_folder>();
+    file->file = open_descriptor(resolved.at(), O_PATH);
+    host_error const error = file->file.get() < 0 ? host_error::last() : path_of(file->file.get(), file->real);
+    if (error)
+        return is_about_path(error) ? system_code() : code_of(error);
+    resolved.folder = file->file.get();
+    resolved.name.clear();
+    resolved.real = file->real;
+    resolved.on = &volume_at(resolved.real);
+    resolved.found = std::move(file);
+    return {};
 }
 
 } // namespace
@@ -173,7 +177,7 @@ system_code resolve(std::u16string_view path, resolved_path & resolved) {
 }
 
 system_code to_stream(std::u16string_view stream, resolved_path & resolved) {
-    if (system_code const code = any_attached() ? follow_link(resolved) : system_code())
+    if (system_code const code = any_attached() ? go_on_to_file(resolved) : system_code())
         return code;
     if (resolved.on->streams == nullptr || resolved.is_folder)
         return ERROR_INVALID_NAME;

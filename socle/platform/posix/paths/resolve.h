@@ -10,7 +10,7 @@
 /// From the library's paths to what the host calls take.
 namespace platform::posix {
 
-/// The folder that a path is in.
+/// What a path is resolved from: the folder that it is in, or the file itself.
 struct found_folder {
     narrow_string spelled; // as the path has it
     descriptor_guard file; // none if the process had none left
@@ -30,7 +30,8 @@ struct resolved_path {
     narrow_string name;
     /// The path, absolute and free of links but for the last name; empty while nothing is attached.
     narrow_string real;
-    /// The name of a named stream, with `name` the file's own; only on a volume that has them.
+    /// The name of a named stream, with `name` empty and `folder` the file itself, if that is there; only on a volume
+    /// that has streams.
     wide_string stream;
     /// Whether the path ended in a separator, so that it can only be a folder, or a link to one.
     bool is_folder = false;

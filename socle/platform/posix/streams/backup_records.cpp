@@ -105,6 +105,8 @@ system_code backup_reader::next_record(backup_file const & file) {
         return {};
     }
     while (!names_.empty()) {
+        if (file.streams == nullptr)
+            return ERROR_PATH_NOT_FOUND; // it left its volume since then
         wide_string const name = names_.back();
         names_.pop_back();
         system_code const code = open_stream(*file.streams, file.at(), name, O_RDONLY, stream_);
