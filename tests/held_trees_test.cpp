@@ -13,7 +13,10 @@
 
 #include <fcntl.h>
 #include <functional>
+#include <sched.h>
+#include <sys/mount.h>
 #include <sys/resource.h>
+#include <sys/wait.h>
 
 namespace {
 
@@ -36,10 +39,13 @@ struct operation {
     void (*run)(wide_string const & path);
 } const operations[] = {{"nio", empty_with_nio}, {"io", empty_with_io}, {"scan", scan}};
 
-constexpr char const * inside[] = {"tree/a/one", "tree/a/b/two", "tree/a/b/._two", "tree/c/one", "tree/file"};
+constexpr char const * inside[] = {"tree/a/one",      "tree/a/b/two", "tree/a/b/._two",
+                                   "tree/a/\xFF\xC0", "tree/c/one",   "tree/file"};
 constexpr char const * outside[] = {"outside/one", "outside/._one", "outside/b/two", "outside/file", "outside/a/one"};
 
 void make(scratch const & here) {
+    for (char const * name : {"tree/a/b", "aside/it"})
+        chmod(here.host(name).c_str(), 0700);
     for (char const * name : {"tree", "outside", "aside"})
         fs::remove_all(here.host(name));
     for (char const * folder : {"tree/a/b", "tree/c", "outside/a", "outside/b", "aside"})
@@ -51,15 +57,20 @@ void make(scratch const & here) {
     fs::create_directory_symlink("../outside", here.host("tree/link"));
 }
 
-/// What somebody puts in the place of `name`, which goes aside.
+/// What somebody puts in the place of `name`, which goes aside. Or it goes altogether, or nobody may read it any more.
 struct swap {
     char const * name;
-    enum { link, folder, file } put;
-} const swaps[] = {{"tree/a", swap::link},    {"tree/a/b", swap::link},    {"tree/c", swap::file},
-                   {"tree/file", swap::link}, {"tree/link", swap::folder}, {"tree", swap::link}};
+    enum { link, folder, file, nothing, shut } put;
+} const swaps[] = {{"tree/a", swap::link},      {"tree/a/b", swap::link}, {"tree/c", swap::file},
+                   {"tree/file", swap::link},   {"tree", swap::link},     {"tree/link", swap::folder},
+                   {"tree/a/b", swap::nothing}, {"tree/a/b", swap::shut}};
 
 void carry_out(scratch const & here, swap const & s) {
     std::error_code ignored;
+    if (s.put == swap::shut)
+        return fs::permissions(here.host(s.name), fs::perms::none, ignored);
+    if (s.put == swap::nothing)
+        return static_cast<void>(fs::remove_all(here.host(s.name), ignored));
     fs::rename(here.host(s.name), here.host("aside/it"), ignored);
     if (s.put == swap::link)
         fs::create_directory_symlink(here.host("outside"), here.host(s.name), ignored);
@@ -119,6 +130,38 @@ TEST(held_trees, are_no_links) {
             for (char const * file : outside)
                 EXPECT_EQ(here.read(file), "kept bytes") << each.name;
         }
+}
+
+// What is mounted in a tree goes, but for the mount point.
+TEST(held_trees, go_on_behind_a_mount_point) {
+    if (geteuid() != 0)
+        GTEST_SKIP() << "only root may mount";
+    elsewhere const here;
+    for (operation const & each : operations) {
+        make(here);
+        pid_t const child = fork();
+        if (child == 0) {
+            // What is mounted here is seen by this process alone, and goes with it.
+            char const * const mounted = "tree/a/b";
+            if (unshare(CLONE_NEWNS) != 0 || mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0
+                || mount("none", here.host(mounted).c_str(), "tmpfs", 0, nullptr) != 0)
+                _exit(2);
+            here.write("tree/a/b/new", "x");
+            each.run(here.path("tree"));
+            bool const removes = each.run != scan;
+            _exit(here.exists(mounted) && here.exists("tree/a/b/new") != removes && here.exists("tree/c") != removes
+                      ? 0
+                      : 1);
+        }
+        int status = 0;
+        ASSERT_EQ(waitpid(child, &status, 0), child);
+        if (WEXITSTATUS(status) == 2)
+            GTEST_SKIP() << "this machine lets nobody mount";
+        EXPECT_EQ(status, 0) << each.name;
+        EXPECT_TRUE(here.exists("tree/a/b/two")) << "what lies under the mount";
+        for (char const * file : outside)
+            EXPECT_EQ(here.read(file), "kept bytes") << file;
+    }
 }
 
 // The failure is that of the lowest folder, and all above it are put down behind it.

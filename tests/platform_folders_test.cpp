@@ -238,6 +238,44 @@ TEST(platform_folders, are_deeper_than_descriptors_and_paths_go) {
     }
 }
 
+// Up to the host's longest path, 4,095 bytes, everything is reached by its path; behind it, by open folders alone.
+TEST(platform_folders, are_reached_by_the_longest_path) {
+    ntfs_folder const here;
+    constexpr std::size_t longest = 4095;
+    std::vector<open_folder> chain(1);
+    ASSERT_TRUE(chain[0].open(here.path("")));
+    std::size_t size = here.folder().size() + 1;
+    wide_string path = here.path("");
+    auto const go_down = [&](std::size_t name_size) {
+        wide_string const name(name_size, u'd');
+        open_folder below;
+        EXPECT_TRUE(CreateDirectoryW(chain.back(), name) && below.open(chain.back(), name));
+        chain.push_back(std::move(below));
+        path += name + u'\\';
+        size += name_size + 1;
+    };
+    chain.reserve(64);
+    while (size < longest - 250)
+        go_down(100);
+    for (bool const attached : {here.attached(), false}) {
+        if (!attached && here.attached())
+            detach_volume('N');
+        for (std::size_t const whole : {longest - 1, longest, longest + 1}) {
+            wide_string const name(whole - size, u'e');
+            bool const reached = attached || whole <= longest;
+            CreateDirectoryW(chain.back(), name);
+            EXPECT_EQ(GetFileKindW(chain.back(), name), FILE_ATTRIBUTE_DIRECTORY);
+            EXPECT_EQ(code(GetFileKindW(path + name) != INVALID_FILE_ATTRIBUTES), reached ? 0u : 206u) << whole;
+            WIN32_FILE_ATTRIBUTE_DATA data;
+            EXPECT_EQ(code(GetFileAttributesExW(path + name, data)), reached ? 0u : 206u) << whole;
+            EXPECT_EQ(code(open_folder().open(path + name)), whole <= longest ? 0u : 206u) << whole;
+            EXPECT_EQ(code(RemoveDirectoryW(path + name)), reached ? 0u : 206u) << whole;
+        }
+    }
+    while (!chain.empty())
+        chain.pop_back();
+}
+
 TEST(platform_folders, are_not_climbed_out_of_a_folder_that_was_moved) {
     scratch const here;
     make_chain(here, u"d", 20);
