@@ -8,14 +8,12 @@
 #include "socle/platform/file_times.h"
 #include "socle/platform/files.h"
 #include "socle/platform/host.h"
-#include "socle/platform/posix/host/host_calls.h"
 #include "socle/un/digits.h"
 #include "tests/support/ntfs_folder.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <functional>
 #include <map>
 
@@ -435,13 +433,6 @@ TEST(nio_attributes, keep_the_information_in_a_stream) {
     EXPECT_EQ(raised([&] { file.read_ntfs(byte, 1); }), "invalid NTFS stream structure");
     EXPECT_EQ(platform::last_error(), 5u);
     file.close_ntfs();
-    // What cannot be opened tells why.
-    platform::posix::host::fault = [](char const * call) {
-        return std::string_view(call) == "flock" ? EWOULDBLOCK : 0;
-    };
-    EXPECT_EQ(raised([&] { set.apply(file, true, true); }), "cannot write");
-    EXPECT_EQ(platform::last_error(), 32u);
-    platform::posix::host::fault = nullptr;
 }
 
 } // namespace

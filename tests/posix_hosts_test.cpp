@@ -1,9 +1,13 @@
 #include "socle/io/attributes.h"
 #include "socle/io/directory.h"
 #include "socle/io/exception.h"
+#include "socle/nio/attributes.h"
+#include "socle/nio/exception.h"
+#include "socle/nio/file.h"
 #include "socle/platform/code_pages.h"
 #include "socle/platform/host.h"
 #include "socle/platform/posix/host/host_calls.h"
+#include "tests/support/ntfs_folder.h"
 #include "tests/support/scratch.h"
 
 #include <gtest/gtest.h>
@@ -87,6 +91,23 @@ TEST(io_attributes, keep_what_a_host_without_extended_attributes_can) {
     EXPECT_TRUE(got.read_only.value());
     EXPECT_EQ(got.win32.value().flags, 0x21u); // what is hidden cannot be kept
     EXPECT_FALSE(io::item(path_in(folder, "to")).directory());
+}
+
+TEST(nio_attributes, tell_why_the_stream_of_the_information_cannot_be_opened) {
+    ntfs_folder const ntfs;
+    if (!ntfs.attached())
+        GTEST_SKIP() << ntfs_folder::limit;
+    ntfs.write("f", "x");
+    nio::file file(u"N:\\f", nio::file::mode_read);
+    file.close();
+    nio::attributes set(file);
+    set.finder_info.fill('f');
+    platform::posix::host::fault = [](char const * call) {
+        return std::string_view(call) == "flock" ? EWOULDBLOCK : 0;
+    };
+    EXPECT_THROW(set.apply(file, true, true), nio::exception);
+    EXPECT_EQ(platform::last_error(), 32u);
+    platform::posix::host::fault = nullptr;
 }
 
 } // namespace
