@@ -19,11 +19,12 @@ fetch_tables() {
     rm -r "$folder/apt"
 }
 
-# The release number of the newest libc++ that the distribution has with its compiler.
+# The release number of the newest libc++ that the distribution has with its compiler and its own shared library: the
+# headers of one release do not link with the library of another.
 newest_libcxx() {
     local release
     for release in $(apt-cache search --names-only '^libc\+\+-[0-9]+-dev$' | sed 's/^libc++-//; s/-dev .*//' | sort -rn); do
-        if apt-cache show "clang-$release" >/dev/null 2>&1; then
+        if apt-cache show "clang-$release" >/dev/null 2>&1 && apt-cache show "libc++1-$release" >/dev/null 2>&1; then
             echo "$release"
             return
         fi
