@@ -414,7 +414,7 @@ TEST(nio_attributes, keep_the_information_in_a_stream) {
     // Read-only holds afterwards, and does not keep the information out, as often as it is applied.
     set.read_only = true;
     set.modified.set(126227808000000000, nio::time::format_file_time);
-    for (char const mark : {'g', 'h'}) {
+    for (unsigned char const mark : byte_vector{'g', 'h'}) {
         set.finder_info.fill(mark);
         set.apply(file, true, true);
         nio::attributes const got(file);
