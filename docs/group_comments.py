@@ -11,7 +11,7 @@ import sys
 
 PLAIN = re.compile(
     r"(virtual )?~|.*= (default|delete);$|(\w+::)*\w+ & operator=\(|using \w+::|friend |extern template |using "
-    r"(iterator_category|value_type|difference_type|pointer|reference) =|(explicit )?(\w+)\((\w+::)*\4 const &( \w+)?\);$")
+    r"(iterator_category|value_type|difference_type|pointer|reference) =|(?P<own>\w+)\((\w+::)*(?P=own) const &( \w+)?\);$")
 SCOPE = re.compile(r"(class|struct|enum|namespace|extern \"C\+\+\")\b(?!.*;$)|(public|protected|private):$|[#}]")
 
 
