@@ -82,17 +82,25 @@ struct directory::iterator::search {
             handle.reset(platform::FindFirstFileW(pattern.full_string(), wide));
         else
             handle.reset(platform::FindFirstFileA(pattern.full_string().str(true), narrow));
-        return handle != nullptr;
+        return take_name(handle != nullptr);
     }
     bool find_next() {
-        return wide_calls ? platform::FindNextFileW(handle.get(), wide) : platform::FindNextFileA(handle.get(), narrow);
+        return take_name(wide_calls ? platform::FindNextFileW(handle.get(), wide)
+                                    : platform::FindNextFileA(handle.get(), narrow));
     }
-    any::string name() const { return wide_calls ? any::string(wide.cFileName) : any::string(narrow.cFileName, true); }
+    bool take_name(bool found) {
+        if (found && wide_calls)
+            name = wide.cFileName;
+        else if (found)
+            name.set(narrow.cFileName, true);
+        return found;
+    }
     uint32 found_bits() const { return wide_calls ? wide.dwFileAttributes : narrow.dwFileAttributes; }
 
     platform::search_handle handle; // null when it has ended
     platform::WIN32_FIND_DATAW wide;
     platform::WIN32_FIND_DATAA narrow;
+    any::string name; // what was found last
     item current;
     platform::open_folder folder; // from the first question about an entry on
 };
@@ -105,6 +113,7 @@ directory::iterator::iterator(iterator const & other) : dir_(other.dir_), search
     first(*dir_);
     search_->wide = other.search_->wide;
     search_->narrow = other.search_->narrow;
+    search_->name = other.search_->name;
     search_->current = other.search_->current;
 }
 
@@ -179,11 +188,11 @@ void directory::iterator::skip_hidden() {
         succ();
     search_->current.path() = dir_->path();
     if (search_->handle)
-        search_->current.path().add_leaf(search_->name());
+        search_->current.path().add_leaf(search_->name);
 }
 
 bool directory::iterator::trivial() const {
-    return is_hidden(search_->name(), [&](wide_string const & name) {
+    return is_hidden(search_->name, [&](wide_string const & name) {
         any::path path(dir_->path());
         path.add_leaf(any::string(name));
         platform::open_folder const * const in = name.empty() ? nullptr : folder();
@@ -196,10 +205,11 @@ bool directory::iterator::trivial() const {
 /// The folder, held from now on; null where it cannot be.
 platform::open_folder const * directory::iterator::folder() const {
     platform::open_folder & held = search_->folder;
+    if (held.is_open())
+        return &held;
     any::path inside(dir_->path());
     inside.add_leaf(any::string());
-    bool const open = held.is_open() || held.open_target(dir_->path().empty() ? u"." : system_name(inside));
-    return open ? &held : nullptr;
+    return held.open_target(inside.size() == 1 ? u"." : system_name(inside)) ? &held : nullptr;
 }
 
 void directory::iterator::close() {

@@ -5,12 +5,14 @@
 #include "socle/platform/ansi_text.h"
 #include "socle/platform/files.h"
 
+#include <utility>
+
 namespace io {
 
 /// How a path or a name in a folder goes to the system: as it stands, or as what its narrow form says. Every call of
 /// this family goes through here.
-inline wide_string system_name(any::string const & text) {
-    return wide_calls ? wide_string(text) : platform::from_ansi(text.str(true));
+inline wide_string system_name(any::string text) {
+    return wide_calls ? wide_string(std::move(text)) : platform::from_ansi(text.str(true));
 }
 
 inline wide_string system_name(any::path const & path) { return system_name(path.full_string()); }

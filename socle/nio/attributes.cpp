@@ -32,15 +32,14 @@ using apple_double::finder_info_size;
 
 char const * chars(apple_double::finder_info const & info) { return reinterpret_cast<char const *>(info.data()); }
 
-/// Whether anything is at `name`, whose kind was asked for. Throws for what may be there, but out of reach, and for a
-/// pipe or a device: reading it might not come to an end.
-bool info_exists(wide_string const & name, uint32 kind) {
-    if (kind == INVALID_FILE_ATTRIBUTES) {
-        if (nothing_is_there())
-            return false;
-    } else {
+/// Whether nothing is there, by the kind that was asked for just now.
+bool is_missing(uint32 kind) { return kind == INVALID_FILE_ATTRIBUTES && nothing_is_there(); }
+
+/// Throws for what may be at `name`, but out of reach, and for a pipe or a device: reading it might not come to an end.
+void require_file(wide_string const & name, uint32 kind) {
+    if (kind != INVALID_FILE_ATTRIBUTES) {
         if ((kind & FILE_ATTRIBUTE_DEVICE) == 0)
-            return true;
+            return;
         SetLastError(ERROR_ACCESS_DENIED);
     }
     throw filesystem_exception("cannot open file", name);
@@ -125,8 +124,10 @@ void attributes::load(item & from) {
         throw filesystem_exception("cannot access timestamps", path);
     take(data, *this);
     wide_string const name = info_name(path, true, true);
-    if (!info_exists(name, GetFileKindW(name)))
+    uint32 const kind = GetFileKindW(name);
+    if (is_missing(kind))
         return;
+    require_file(name, kind);
     file info(name, file::mode_read);
     take_info(info);
 }
@@ -142,9 +143,11 @@ void attributes::load_entry(open_folder const & folder, wide_string const & name
         has_streams(folder, name)
         && (GetFileKindW(folder, ntfs_rsrc_name(name)) != INVALID_FILE_ATTRIBUTES || !nothing_is_there());
     wide_string const info_leaf = in_stream ? ntfs_info_name(name) : ufs_name(name);
-    file info(in_stream ? ntfs_info_name(path) : ufs_name(path), file::mode_closed);
-    if (!info_exists(info.path(), GetFileKindW(folder, info_leaf)))
+    uint32 const kind = GetFileKindW(folder, info_leaf);
+    if (is_missing(kind))
         return;
+    file info(in_stream ? ntfs_info_name(path) : ufs_name(path), file::mode_closed);
+    require_file(info.path(), kind);
     info.handle_ = CreateFileW(folder, info_leaf, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, OPEN_EXISTING, 0);
     if (!info.is_open())
         throw filesystem_exception("cannot open file", info.path());

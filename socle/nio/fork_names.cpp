@@ -43,8 +43,10 @@ wide_string fork_name(wide_string const & path, wide_string const & stream_name,
 } // namespace
 
 wide_string ufs_name(wide_string const & path) {
-    wide_string name = path;
-    return name.insert(path.find_last_of(u"\\/") + 1, u"._");
+    std::size_t const leaf = path.find_last_of(u"\\/") + 1;
+    wide_string name;
+    name.reserve(path.size() + 2);
+    return name.append(path, 0, leaf).append(u"._").append(path, leaf);
 }
 
 wide_string ntfs_rsrc_name(wide_string const & path) { return wide_string(path).append(rsrc_stream); }

@@ -4,7 +4,6 @@
 #include "socle/platform/posix/host/host_error.h"
 
 #include <array>
-#include <memory>
 
 namespace platform::posix {
 
@@ -12,6 +11,8 @@ namespace platform::posix {
 class folder_reader {
 public:
     explicit folder_reader(int folder) : folder_(folder) {}
+    folder_reader(folder_reader const &) = delete;
+    folder_reader & operator=(folder_reader const &) = delete;
 
     /// The next entry; null at the end, and on failure. It lasts until the next call.
     dirent64 const * next();
@@ -20,10 +21,8 @@ public:
 
 private:
     static constexpr std::size_t block_size = 32768;
-    struct alignas(dirent64) block : std::array<char, block_size> {};
-
     int folder_;
-    std::unique_ptr<block> const block_ = std::make_unique_for_overwrite<block>();
+    alignas(dirent64) std::array<char, block_size> block_; // what the host has filled is read, and no more
     std::size_t at_ = 0;
     std::size_t end_ = 0;
     host_error error_;
