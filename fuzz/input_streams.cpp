@@ -315,7 +315,8 @@ private:
         bool const own = in.byte() % 4 != 0;
         uint64 const number = in.byte();
         // These take a short read for the end; what reads ahead above a safe one runs into its end.
-        bool const whole_blocks = kind == layer::limited || kind == layer::safe || kind == layer::little;
+        constexpr auto host_order = std::endian::native == std::endian::big ? layer::big : layer::little;
+        bool const whole_blocks = kind == layer::limited || kind == layer::safe || kind == host_order;
         if (height() == 8 || (whole_blocks && !model_.exact()) || (kind == layer::buffered && model_.has(layer::safe)))
             return;
         model_layer added{kind};
@@ -414,6 +415,8 @@ private:
                      return value;
                  }
                  narrow_string bytes = model_.block(height(), 4);
+                 if (big && bytes.size() < 4)
+                     bytes.clear(); // what is missing below fills the whole value
                  bytes.resize(4, '\xFF');
                  for (int i = 0; i < 4; ++i)
                      value |= uint32(static_cast<unsigned char>(bytes[std::size_t(i)])) << 8 * (big ? 3 - i : i);
