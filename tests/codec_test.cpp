@@ -6,8 +6,6 @@
 
 #include <gtest/gtest.h>
 
-#include <random>
-
 namespace {
 
 using support::fragment_source;
@@ -46,51 +44,6 @@ TEST(utf8, decodes_what_it_knows_and_marks_the_rest) {
         // The same in the midst of text that can be taken in words.
         narrow_string const text(40, 'x');
         EXPECT_EQ(decoded(text + c.bytes + text, true), decoded(text, true) + c.valid + decoded(text, true));
-    }
-}
-
-/// The rules of decoding, unit by unit.
-wide_string plain_decode(narrow_string const & bytes, bool validate) {
-    wide_string out;
-    for (std::size_t i = 0; i < bytes.size();) {
-        uint32 const n = nio::_utf8_size(bytes[i]);
-        uint32 u = static_cast<unsigned char>(bytes[i]) & (n <= 1 ? 0x7F : 0x7F >> n), k = 1;
-        for (; k < n && i + k < bytes.size() && (bytes[i + k] & 0xC0) == 0x80; ++k)
-            u = u << 6 | (bytes[i + k] & 0x3F);
-        bool const bad = validate
-                         && ((k == 2 && u < 0x80) || (k == 3 && u < 0x800) || k >= 4 || (u >= 0xD800 && u <= 0xDFFF)
-                             || u == 0xFFFE || u == 0xFFFF);
-        out += k != n || bad ? u'\xFFFD' : static_cast<char16_t>(u);
-        i += k;
-    }
-    return out;
-}
-
-TEST(utf8, round_trips_every_unit_and_any_bytes) {
-    wide_string all;
-    for (unsigned unit = 0; unit < 0x10000; ++unit) {
-        wide_string const one(1, static_cast<char16_t>(unit));
-        narrow_string bytes;
-        nio::_utf8_encode(one, bytes);
-        ASSERT_EQ(bytes.size(), nio::_utf8_size(one[0]));
-        ASSERT_EQ(nio::_utf8_size(bytes[0]), bytes.size());
-        ASSERT_EQ(decoded(bytes, false), one);
-        all += one;
-    }
-    std::mt19937 random(5);
-    for (int i = 0; i < 3000; ++i) {
-        wide_string units(random() % 70, u'\0');
-        narrow_string noise(random() % 70, '\0');
-        unsigned const top = i % 3 == 0 ? 0x90 : i % 3 == 1 ? 0x900 : 0x10000;
-        for (auto & unit : units)
-            unit = static_cast<char16_t>(random() % top);
-        for (auto & byte : noise)
-            byte = static_cast<char>(random() % 4 == 0 ? random() % 256 : random() % 128 + (random() % 2) * 0x80);
-        narrow_string bytes;
-        nio::_utf8_encode(units, bytes);
-        ASSERT_EQ(decoded(bytes, false), units);
-        for (bool const validate : {true, false})
-            ASSERT_EQ(decoded(noise, validate), plain_decode(noise, validate));
     }
 }
 

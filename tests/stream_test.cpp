@@ -1,4 +1,5 @@
-#include "socle/stream/array_output.h"
+#include "socle/basic/buffer.h"
+#include "socle/nio/channel.h"
 #include "socle/stream/direct_input.h"
 #include "socle/stream/vector_input.h"
 #include "socle/stream/vector_output.h"
@@ -176,6 +177,75 @@ TEST(output, defaults_stand_on_single_bytes) {
     out.flush_through();
     out.close();
     EXPECT_EQ(out.flushes, 2);
+}
+
+TEST(wide_roots, do_little_by_default) {
+    struct source : nio::input {
+        using nio::input::read;
+        uint32 read(char * buffer, uint32 size) override {
+            std::fill_n(buffer, size, 'x');
+            position(position() + size);
+            return size;
+        }
+    } in;
+    struct target : nio::output {
+        using nio::output::write;
+        void write(char const *, uint32 size) override { position(position() + size); }
+    } out;
+    struct both : nio::channel {
+        uint32 read(char *, uint32 size) override { return move(size); }
+        void write(char const *, uint32 size) override { move(size); }
+        uint32 move(uint32 size) { return position(position() + size), size; }
+    } channel;
+    unsigned char block[3] = {};
+    EXPECT_EQ(in.read(block), 3u);
+    EXPECT_EQ(block[2], 'x');
+    out.write(block);
+    EXPECT_EQ(static_cast<nio::input &>(channel).read(std::span(block, 1)), 1u);
+    static_cast<nio::output &>(channel).write(std::span<unsigned char const>(block, 2));
+    auto const expect_defaults = [](auto & stream, uint64 size) {
+        stream.begin();
+        stream.end();
+        EXPECT_FALSE(stream.seek(0));
+        EXPECT_EQ(stream.tell(), 3u);
+        EXPECT_EQ(stream.size(), size);
+    };
+    expect_defaults(in, all_ones);
+    expect_defaults(out, 3); // what was written
+    expect_defaults(channel, all_ones);
+}
+
+TEST(buffer, knows_whether_it_may_be_resized) {
+    basic::buffer<uint16> own(3);
+    for (uint32 i = 0; i < 3; ++i)
+        own[i] = static_cast<uint16>(i + 1);
+    own.resize(5);
+    own.resize(2);
+    EXPECT_TRUE(own.owner());
+    EXPECT_EQ(own.size(), 2u);
+    EXPECT_EQ(own[1], 2);
+    char storage[4] = {'a', 'b', 'c', 'd'};
+    basic::buffer<char> fixed(storage, 4);
+    EXPECT_EQ(fixed.data(), storage);
+    basic::buffer<char> copy(fixed);
+    copy[0] = 'x';
+    EXPECT_EQ(storage[0], 'a');
+    copy.resize(0);
+    EXPECT_EQ(copy.data(), nullptr);
+    copy.resize(1);
+    try {
+        fixed.resize(4);
+        ADD_FAILURE();
+    } catch (std::logic_error const & e) {
+        EXPECT_STREQ(e.what(), "cannot resize a static buffer");
+    }
+    basic::buffer<char> none(0);
+    copy = none;
+    none.resize(2);
+    EXPECT_EQ(none.size(), 2u);
+    copy = fixed;
+    EXPECT_TRUE(copy.owner());
+    EXPECT_EQ(std::string(copy.data(), copy.size()), "abcd");
 }
 
 // The place of a virtual operation in the table, as the plug-ins' compilers see it.

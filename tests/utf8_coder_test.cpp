@@ -49,14 +49,4 @@ TEST(utf8_coder, decodes_what_is_malformed_byte_by_byte) {
     }
 }
 
-TEST(utf8_coder, every_unit_returns_to_itself) {
-    auto const returns = [](wide_string const & text) {
-        narrow_string const bytes = any::utf8_coder::encode(text);
-        return any::utf8_coder::encoded_size(text) == bytes.size() && bytes.find('\0') == bytes.npos
-               && any::utf8_coder::decode(bytes) == text;
-    };
-    for (unsigned unit = 0; unit <= 0xFFFF; ++unit)
-        ASSERT_TRUE(returns({static_cast<char16_t>(unit), u'a'})) << unit;
-}
-
 } // namespace

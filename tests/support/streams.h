@@ -1,6 +1,5 @@
 #pragma once
 
-#include "socle/stream/filter_input.h"
 #include "socle/stream/filter_output.h"
 #include "tests/support/memory_sources.h"
 #include "tests/support/raised.h"
@@ -26,9 +25,6 @@ template <class Big, class Little>
 using in_blocks = std::conditional_t<big_machine, Big, Little>;
 template <class Big, class Little>
 using in_bytes = std::conditional_t<big_machine, Little, Big>;
-
-/// What a failing stream throws.
-struct failure {};
 
 inline byte_vector bytes(std::string const & text) { return {text.begin(), text.end()}; }
 
@@ -103,75 +99,6 @@ private:
     std::size_t at_ = 0;
     std::size_t offset_ = 0;
     uint64 given_ = 0;
-};
-
-/// Passes everything on, but its `n`-th call throws before it does anything; 0 for never.
-class failing_source : public stream::filter_input {
-public:
-    failing_source(stream::input & beneath, int n) : filter_input(beneath), left_(n) {}
-
-    void unread(char const * data, uint32 count) override {
-        step();
-        under().unread(data, count);
-    }
-    void unread(char byte) override { unread(&byte, 1); }
-
-protected:
-    uint32 _read(char * buffer, uint32 count) override {
-        step();
-        return filter_input::_read(buffer, count);
-    }
-    int _read() override {
-        step();
-        return filter_input::_read();
-    }
-    uint64 _skip(uint64 count) override {
-        step();
-        return filter_input::_skip(count);
-    }
-
-private:
-    void step() {
-        if (left_ > 0 && --left_ == 0)
-            throw failure();
-    }
-
-    int left_;
-};
-
-/// Keeps what is written, and notes the size of each write; 0 stands for a single byte. The `n`-th write throws before
-/// it takes anything; 0 for never.
-class recording_target : public stream::output {
-public:
-    explicit recording_target(int n = 0) : left_(n) {}
-
-    using stream::output::write;
-
-    std::string data;
-    std::vector<uint32> writes;
-    int flushes = 0;
-
-    void write(char byte) override {
-        step();
-        writes.push_back(0);
-        data += byte;
-    }
-    void write(char const * block, uint32 count) override {
-        step();
-        writes.push_back(count);
-        if (count > 0)
-            data.append(block, count);
-    }
-    uint64 tell() const override { return data.size(); }
-    void flush() override { ++flushes; }
-
-private:
-    void step() {
-        if (left_ > 0 && --left_ == 0)
-            throw failure();
-    }
-
-    int left_;
 };
 
 /// What each target has, behind each a bar.
