@@ -4,6 +4,7 @@
 #include "fuzz/support/feed.h"
 #include "socle/any/converter.h"
 #include "socle/nio/encoding.h"
+#include "socle/platform/errors.h"
 
 #include <vector>
 
@@ -21,13 +22,22 @@ std::vector<uint32> all_pages() {
     return pages;
 }
 
-/// Converts into `room` elements, which end where the memory does.
-template <class To, class Convert>
-std::basic_string<To> converted(uint32 room, Convert convert) {
-    std::vector<To> to(room);
+/// Converts into `room` elements, and does not touch what is behind them.
+template <class To>
+std::basic_string<To> converted(uint32 room, auto convert) {
+    std::basic_string<To> to(room + 1, To{'~'});
     uint32 const count = convert(to.data(), room);
-    check(count <= room);
-    return {to.begin(), to.begin() + count};
+    check(count <= room && to.back() == To{'~'});
+    return to.substr(0, count);
+}
+
+/// Any room that is less refuses the whole.
+template <class To>
+void check_refusal(uint32 room, auto convert) {
+    if (room == 0)
+        return;
+    SetLastError(0);
+    check(converted<To>(room, convert).empty() && GetLastError() == ERROR_INSUFFICIENT_BUFFER);
 }
 
 wide_string decoded(uint32 page, narrow_string const & bytes) {
@@ -38,8 +48,8 @@ wide_string decoded(uint32 page, narrow_string const & bytes) {
     check(needed <= bytes.size() && (needed == 0) == bytes.empty());
     auto const result = converted<char16_t>(needed, convert);
     check(result.size() == needed);
-    if (needed > 1)
-        check(converted<char16_t>(needed - 1, convert).empty());
+    check_refusal<char16_t>(needed / 2, convert);
+    check_refusal<char16_t>(std::max(needed, 1u) - 1, convert);
     return result;
 }
 
@@ -65,8 +75,8 @@ narrow_string encoded(uint32 page, wide_string const & text, char const * other,
     check((needed == 0) == text.empty() && needed <= 3 * text.size());
     auto const result = converted<char>(needed, convert);
     check(result.size() == needed && used == first_used);
-    if (needed > 1)
-        check(converted<char>(needed - 1, convert).empty());
+    check_refusal<char>(needed / 2, convert);
+    check_refusal<char>(std::max(needed, 1u) - 1, convert);
     return result;
 }
 

@@ -55,7 +55,7 @@ void write(stream::endian_output & out, int width, uint64 value) {
 
 /// Eleven integers at once, which has to be what single calls give.
 template <class Input, class Output, class Value>
-void run_of(Input (&readers)[3], Output & out, std::string_view data, std::size_t & at, bool big) {
+void run_of(Input (&readers)[3], Output & out, Output & to_caller, std::string_view data, std::size_t & at, bool big) {
     Value all[11];
     for (auto & value : all)
         value = static_cast<Value>(expected(data, at, sizeof value, big));
@@ -66,6 +66,7 @@ void run_of(Input (&readers)[3], Output & out, std::string_view data, std::size_
         check(in.tell() == at);
     }
     stream::write_integers(out, std::span<Value const>(all));
+    stream::write_integers(to_caller, std::span<Value const>(all));
 }
 
 template <class Input, class Output>
@@ -77,7 +78,8 @@ void run(std::string_view widths, std::string_view data, bool big) {
     Input readers[] = {Input(memory), Input(plain), Input(buffer)};
     byte_vector written;
     stream::vector_output sink(written);
-    Output out(sink);
+    support::recording_target caller;
+    Output out(sink), to_caller(caller);
     std::size_t at = 0, whole = 0;
     for (char const choice : widths) {
         static constexpr int all[] = {1, 2, 3, 4, 8};
@@ -87,9 +89,9 @@ void run(std::string_view widths, std::string_view data, bool big) {
         if (data.size() - at >= size)
             whole = at + size;
         if (many) {
-            width == 2   ? run_of<Input, Output, uint16>(readers, out, data, at, big)
-            : width == 4 ? run_of<Input, Output, uint32>(readers, out, data, at, big)
-                         : run_of<Input, Output, uint64>(readers, out, data, at, big);
+            width == 2   ? run_of<Input, Output, uint16>(readers, out, to_caller, data, at, big)
+            : width == 4 ? run_of<Input, Output, uint32>(readers, out, to_caller, data, at, big)
+                         : run_of<Input, Output, uint64>(readers, out, to_caller, data, at, big);
             continue;
         }
         uint64 const value = expected(data, at, width, big);
@@ -98,9 +100,11 @@ void run(std::string_view widths, std::string_view data, bool big) {
             check(in.tell() == at);
         }
         write(out, width, value);
+        write(to_caller, width, value);
     }
     // What was read whole is written as it was.
     check(std::equal(bytes.begin(), bytes.begin() + std::ptrdiff_t(whole), written.begin()));
+    check(fuzz::vector_of(caller.data) == written);
 }
 
 } // namespace

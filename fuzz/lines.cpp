@@ -1,6 +1,7 @@
 /// Lines of both families, over sources that lend much, little and nothing.
 
 #include "fuzz/support/feed.h"
+#include "fuzz/support/stacked.h"
 #include "socle/nio/buffered_input.h"
 #include "socle/nio/strings.h"
 #include "socle/stream/buffered_input.h"
@@ -45,7 +46,10 @@ void stream_lines(std::string_view data, std::string_view sizes) {
     stream::vector_input memory(bytes);
     support::drops plain(data), beneath(data);
     stream::buffered_input buffer(beneath, 4);
-    stream::line_input readers[] = {stream::line_input(memory), stream::line_input(plain), stream::line_input(buffer)};
+    stream::line_input ours[] = {stream::line_input(memory), stream::line_input(plain), stream::line_input(buffer)};
+    support::drops asked(data);
+    fuzz::callers<stream::line_input> callers(asked);
+    stream::line_input * const readers[] = {&ours[0], &ours[1], &ours[2], &callers};
     std::size_t at = 0;
     bool more = true;
     for (std::size_t turn = 0; more; ++turn) {
@@ -54,21 +58,21 @@ void stream_lines(std::string_view data, std::string_view sizes) {
         bool const whole = size >= 100 || turn >= sizes.size();
         auto const [expected, met_end] = plain_line(data, at, whole ? data.size() + 1 : size > 0 ? size - 1 : 0);
         more = !met_end || !expected.empty();
-        for (auto & in : readers) {
+        for (auto * in : readers) {
             if (!whole) {
                 std::vector<char> room(size);
-                uint32 const length = in.read_line(room.data(), size);
+                uint32 const length = in->read_line(room.data(), size);
                 if (size > 0)
                     check(room[more ? length : 0] == '\0');
                 check(length == (more ? expected.size() : no_line));
                 check(!more || std::equal(expected.begin(), expected.end(), room.begin()));
             } else if (size % 2 != 0) {
-                check(in.read_line() == expected);
+                check(in->read_line() == expected);
             } else {
                 byte_vector line(3);
-                check(in.read_line(line) == (more ? expected.size() : no_line) && line == fuzz::vector_of(expected));
+                check(in->read_line(line) == (more ? expected.size() : no_line) && line == fuzz::vector_of(expected));
             }
-            check(in.tell() == at);
+            check(in->tell() == at);
         }
     }
 }

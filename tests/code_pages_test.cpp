@@ -112,22 +112,6 @@ TEST(code_pages, utf8_has_real_pairs) {
     EXPECT_EQ(encoded(CP_UTF8, u"\xDC00\xD800"), "\xEF\xBF\xBD\xEF\xBF\xBD");
 }
 
-TEST(code_pages, stay_within_the_capacity) {
-    std::string const text(40, 'x');
-    wide_string const accented = wide_string(20, u'x') + u"\xE9\x20AC" + wide_string(20, u'x');
-    for (uint32 capacity = 1; capacity < 50; ++capacity) {
-        wide_string units(50, u'*');
-        std::string bytes(100, '*');
-        SetLastError(0);
-        EXPECT_EQ(MultiByteToWideChar(1252, text.data(), 40, units.data(), capacity), capacity < 40 ? 0u : 40u);
-        EXPECT_EQ(GetLastError(), capacity < 40 ? ERROR_INSUFFICIENT_BUFFER : 0u);
-        EXPECT_EQ(units.substr(capacity), wide_string(50 - capacity, u'*'));
-        EXPECT_EQ(WideCharToMultiByte(CP_UTF8, accented.data(), 42, bytes.data(), capacity, nullptr, nullptr),
-                  capacity < 45 ? 0u : 45u);
-        EXPECT_EQ(bytes.substr(capacity), std::string(100 - capacity, '*'));
-    }
-}
-
 TEST(code_pages, refuse_what_they_do_not_know) {
     for (uint32 const page : {1200u, 99999u}) {
         char16_t unit = u'a';

@@ -47,8 +47,6 @@ TEST(command_line, digests_options_and_parameters) {
         std::vector<narrow_string> parameters;
     };
     for (auto const & [given, toggle, count, text, parameters] : {
-             row{{}, false, 0, "", {}},
-             row{{"--bool", "--str=xyz"}, true, 0, "xyz", {}},
              row{{"--int=9", "--str=q", "--int", "--str"}, false, 0, "", {}},
              row{{"--int=4294967297", "-s="}, false, 1, "", {}},
              row{{"--int=2147483648"}, false, std::numeric_limits<int>::min(), "", {}},

@@ -46,38 +46,6 @@ TEST(converter, takes_the_systems_pages) {
     });
 }
 
-TEST(converter, drops_zeros_at_the_end_alone) {
-    any::converter const converter(1252, 932);
-    for (auto const & [text, done, bytes] : {row{u"", true, ""}, row{wide_string(3, u'\0'), true, ""},
-                                             row{{u'a', u'\0', u'b', u'\0', u'\0'}, true, {'a', '\0', 'b'}}}) {
-        for (bool const ansi : {true, false}) {
-            narrow_string result = "what stood there";
-            EXPECT_EQ(converter.from_unicode(text, result, ansi), done);
-            EXPECT_EQ(result, bytes);
-        }
-    }
-}
-
-TEST(converter, to_unicode_takes_any_bytes) {
-    any::converter const converter(1252, 932);
-    for (bool const ansi : {true, false}) {
-        wide_string result = u"what stood there";
-        EXPECT_TRUE(converter.to_unicode("", result, ansi));
-        EXPECT_EQ(result, u"");
-        EXPECT_EQ(converter.to_unicode({'\0', 'a', '\0'}, ansi), (wide_string{u'\0', u'a', u'\0'}));
-    }
-    EXPECT_EQ(converter.to_unicode("\x82\xA0z", false), u"\x3042z");
-    wide_string lone_lead;
-    EXPECT_TRUE(converter.to_unicode("\x82", lone_lead, false));
-    EXPECT_EQ(lone_lead.size(), 1u);
-    narrow_string every(256, '\0');
-    for (std::size_t i = 0; i < 256; ++i)
-        every[255 - i] = static_cast<char>(i); // the zero last, where it goes
-    wide_string const units = converter.to_unicode(every, true);
-    EXPECT_EQ(units.size(), 256u);
-    EXPECT_EQ(converter.from_unicode(units, true), every.substr(0, 255));
-}
-
 TEST(converter, unknown_pages) {
     check_in_locale("C", [] {
         any::converter const unknown(-1, 65001);

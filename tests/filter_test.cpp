@@ -19,25 +19,6 @@ using support::recording_target;
 using support::rest;
 using support::text;
 
-TEST(filter_input, keeps_what_is_given_back_and_direct_hands_it_down) {
-    fragment_source source({"abcdef"});
-    stream::filter_input filter(source);
-    stream::direct_input lower(source), direct;
-    direct.under(lower); // direct_input(lower) would be a copy
-    EXPECT_EQ(filter.read(), 'a');
-    filter.unread('x');
-    EXPECT_EQ(filter.tell(), 0u);
-    EXPECT_EQ(source.tell(), 1u);
-    EXPECT_EQ(direct.read(), 'b');
-    direct.unread("YZ", 2);
-    EXPECT_EQ(direct.tell(), 0u);
-    EXPECT_EQ(lower.tell(), 0u);
-    EXPECT_EQ(source.tell(), 0u);
-    EXPECT_EQ(rest(filter), "xYZcdef");
-    EXPECT_THROW(filter.seek(0), stream::exception);
-    EXPECT_EQ(direct.size(), 6u);
-}
-
 template <class Filter>
 auto beneath(auto & stream) {
     return &Filter(stream).under();
@@ -216,28 +197,7 @@ TEST(endian, a_callers_source_is_asked_as_promised) {
     EXPECT_EQ(in.singles, 4);
 }
 
-TEST(endian, writes_each_width) {
-    std::string const big = "\xAB\x12\x34\x12\x34\x56\x12\x34\x56\x78\x12\x34\x56\x78\x9A\xBC\xDE\xF0";
-    std::string const little = "\xAB\x34\x12\x56\x34\x12\x78\x56\x34\x12\xF0\xDE\xBC\x9A\x78\x56\x34\x12";
-    auto const expect = [](auto out_over, std::string const & expected) {
-        std::string array(18, '.');
-        stream::array_output to_array(array.data(), 18);
-        recording_target to_caller;
-        for (stream::output * to : std::initializer_list<stream::output *>{&to_array, &to_caller}) {
-            auto out = out_over(*to);
-            out.write8(0xAB);
-            out.write16(0x1234);
-            out.write24(0xFF123456);
-            out.write32(0x12345678);
-            out.write64(0x123456789ABCDEF0);
-            EXPECT_EQ(to->tell(), 18u);
-        }
-        EXPECT_EQ(array, expected);
-        EXPECT_EQ(to_caller.data, expected);
-    };
-    expect([](stream::output & to) { return stream::big_endian_output(to); }, big);
-    expect([](stream::output & to) { return stream::little_endian_output(to); }, little);
-    // A value that does not fit goes as far as single bytes go.
+TEST(endian, a_value_that_does_not_fit_goes_as_far_as_single_bytes_go) {
     char three[3] = {};
     stream::array_output small(three, 3);
     EXPECT_THROW(stream::big_endian_output(small).write32(0x61626364), stream::exception);

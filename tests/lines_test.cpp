@@ -14,41 +14,6 @@ using support::fragment_source;
 using support::recording_target;
 using support::text;
 
-/// A caller's class, which gets every byte through `read()`.
-struct callers_lines : stream::line_input {
-    using line_input::line_input;
-};
-
-TEST(line_input, cuts_lines_for_a_callers_class_too) {
-    struct {
-        std::string data, lines, in_fours;
-    } const table[] = {
-        {"\r\n\r\n\nab", "ab|", "ab|"},
-        {"abcdef\nabc\rd\r", "abcdef|abc|d|", "abc|def|abc|d|"},
-        {std::string("a\0b\n\xFF\n", 6), std::string("a\0b|\xFF|", 6), std::string("a\0b|\xFF|", 6)},
-        {"12345678\n1234567\r\n123456789\x0B\x0C\x0E\x8A\x8D\n", "12345678|1234567|123456789\x0B\x0C\x0E\x8A\x8D|",
-         "123|456|78|123|456|7|123|456|789|\x0B\x0C\x0E|\x8A\x8D|"},
-    };
-    auto const expect = [](auto in, auto again, auto const & c) {
-        std::string lines, in_fours;
-        byte_vector line;
-        narrow_string words = "used before";
-        for (int turn = 0; (turn % 2 == 0 ? in.read_line(line) : in.read_line(words)) != 0xFFFFFFFF; ++turn)
-            lines += (turn % 2 == 0 ? text(line) : words) + "|";
-        char four[4];
-        for (uint32 length; (length = again.read_line(four, 4)) != 0xFFFFFFFF;)
-            in_fours += std::string(four, length) + "|";
-        EXPECT_EQ(lines, c.lines);
-        EXPECT_EQ(in_fours, c.in_fours);
-    };
-    for (auto const & c : table) {
-        byte_vector const data = bytes(c.data);
-        stream::vector_input one(data), two(data), three(data), four(data);
-        expect(stream::line_input(one), stream::line_input(two), c);
-        expect(callers_lines(three), callers_lines(four), c);
-    }
-}
-
 TEST(line_input, finds_the_end_in_windows_of_every_size) {
     for (std::size_t size = 0; size <= 100; ++size)
         for (std::size_t end = 0; end <= size; ++end) {
@@ -89,17 +54,9 @@ TEST(text_output, turns_line_ends) {
         char const * data;
         char const * written;
     } const table[] = {
-        {0, "a\r\nb\n\r", "a\r\nb\n\r"},
-        {1, "a\r\nb", "a\nb"},
-        {1, "a\rb\nc\r\r\n\n", "a\nb\nc\n\n\n"},
-        {2, "\n\r", "\r\r"},
-        {2, "\r\n\n", "\r\r"},
-        {3, "a\nb", "a\r\nb"},
-        {3, "a\rb", "a\r\nb"},
-        {3, "a\r\nb", "a\r\nb"},
-        {3, "\n", "\r\n"},
-        {4, "a\r\nb\nc", "abc"},
-        {-1, "a\rb", "ab"},
+        {0, "a\r\nb\n\r", "a\r\nb\n\r"}, {1, "a\rb\nc\r\r\n\n", "a\nb\nc\n\n\n"},
+        {2, "\r\n\n", "\r\r"},           {3, "\n", "\r\n"},
+        {4, "a\r\nb\nc", "abc"},         {-1, "a\rb", "ab"},
     };
     for (auto const & c : table) {
         recording_target singles, block;

@@ -21,23 +21,10 @@ TEST(name, fragments) {
         fragments pieces;
     };
     for (auto const & [text, pieces] : {
-             row{u"a", {u"a"}},
-             row{u"a/b", {u"a", u"b"}},
-             row{u"a/b/", {u"a", u"b"}},
-             row{u"a//", {u"a"}},
-             row{u"/a", {u"", u"a"}},
-             row{u"/", {u""}},
-             row{u"//", {u""}},
-             row{u"a//b", {u"a", u"", u"b"}},
-             row{u"a/./b", {u"a", u"b"}},
-             row{u"a/.", {u"a"}},
-             row{u"./a", {u"a"}},
+             row{u"a/./b/", {u"a", u"b"}},
+             row{u"/a//b", {u"", u"a", u"", u"b"}},
              row{u"./", {u""}},
-             row{u"a/../.b", {u"a", u"..", u".b"}},
-             row{u"a\\b", {u"a\\b"}},
-             row{u"", {}},
              row{u".", {}},
-             row{u"./.", {}},
          }) {
         any::name const name = named(text);
         EXPECT_EQ(fragments(name.fragment_begin(), name.fragment_end()), pieces) << testing::PrintToString(text);

@@ -4,17 +4,6 @@
 
 namespace {
 
-TEST(nio_path, joins_and_trims) {
-    EXPECT_EQ(nio::concatenate(u"a", u"", u'\\'), u"a");
-    EXPECT_EQ(nio::concatenate(u"a", u"\\b", u'\\'), u"a\\\\b");
-    EXPECT_EQ(nio::concatenate(u"a\\", u"b", u'\\'), u"a\\b");
-    EXPECT_EQ(nio::concatenate(u"", u"b", u'\\'), u"b");
-    for (wide_string path : {u"a\\b\\\\", u"a\\b"}) {
-        nio::trim(path, u'\\');
-        EXPECT_EQ(path, u"a\\b");
-    }
-}
-
 TEST(nio_path, splits) {
     struct row {
         wide_string path, name, ext;
