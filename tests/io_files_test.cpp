@@ -26,8 +26,6 @@ struct disk : testing::TestWithParam<bool> {
 
     any::path path(std::string const & name) const { return {files.path(name), true}; }
     io::file file(std::string const & name) const { return io::file(path(name)); }
-    /// A name in the folder that cannot be made under the host's own form.
-    any::path raw(char16_t const * name) const { return any::path(files.path(""), true) + any::string(name); }
 
     scratch files;
 };
@@ -61,46 +59,6 @@ TEST(items, normalize_keeps_only_a_drive_in_front) {
     }
 }
 
-TEST_P(disk, make_unique_counts_before_the_first_full_stop) {
-    for (char const * name : {"a.b.c", "a_1.b.c", "plain", ".profile"})
-        files.write(name, "");
-    struct {
-        char const * name;
-        int tries;
-        bool changed;
-        char const * leaf;
-        std::string error;
-    } const cases[] = {
-        {"missing", 0, false, "missing", ""},
-        {"a.b.c", 9, true, "a_2.b.c", ""},
-        {"plain", 9, true, "plain_1", ""},
-        {".profile", 9, true, "_1.profile", ""},
-        {"plain", 0, false, "plain", "io::item: cannot resolve name conflict for "},
-        {"a.b.c", 1, false, "a_1.b.c", "io::item: cannot resolve name conflict for "},
-    };
-    for (auto const & row : cases) {
-        io::item item(path(row.name));
-        std::string const error = raised_with_code([&] { EXPECT_EQ(item.make_unique(row.tries), row.changed); });
-        EXPECT_EQ(error.substr(0, row.error.size()), row.error);
-        EXPECT_EQ(item.path().leaf().str(true), row.leaf);
-    }
-}
-
-TEST_P(disk, moves_leave_side_forks_and_never_replace) {
-    files.write("a", "a");
-    files.write("a.rsrc", "r");
-    files.write("b", "b");
-    io::file a = file("a");
-    EXPECT_EQ(raised_with_code([&] { a.move(path("b")); }), "io::item: cannot move/rename to: 183");
-    EXPECT_EQ(a.path().leaf(), u"b");
-    a.path() = path("a");
-    EXPECT_EQ(raised_with_code([&] { a.rename(any::string(u"b")); }), "io::item: cannot rename to: 183");
-    a.path() = path("a");
-    a.rename(any::string(u"c"));
-    EXPECT_EQ(files.read("c") + files.read("a.rsrc") + files.read("b"), "arb");
-    EXPECT_EQ(a.rsrc_fork().fork_name().leaf(), u"c.rsrc");
-}
-
 TEST_P(disk, a_file_exists_while_any_fork_does) {
     for (char const * fork : {"f", "f.rsrc", "f.info"}) {
         files.write(fork, "");
@@ -110,34 +68,6 @@ TEST_P(disk, a_file_exists_while_any_fork_does) {
     }
     EXPECT_FALSE(file("f").exists());
     EXPECT_EQ(io::file().rsrc_fork().fork_name().size(), 0u);
-}
-
-TEST_P(disk, create_mends_a_name_that_cannot_be_made) {
-    files.write("x_y", "old");
-    io::file made(raw(u"x?y"));
-    EXPECT_TRUE(made.create(true)); // not over another file
-    made.data_fork().write("new", 3);
-    made.data_fork().close(true);
-    EXPECT_EQ(made.path().leaf(), u"x_y_1");
-    EXPECT_EQ(files.read("x_y") + files.read("x_y_1"), "oldnew");
-
-    files.write("s_t.rsrc", "old"); // the name itself is free
-    io::file side(raw(u"s?t"));
-    EXPECT_EQ(raised_with_code([&] { side.rsrc_fork().create(true); }), "io::fork: cannot create: 80");
-    EXPECT_EQ(side.path().leaf(), u"s?t");
-    EXPECT_EQ(files.read("s_t.rsrc"), "old");
-
-    io::file there = file("x_y");
-    EXPECT_EQ(raised_with_code([&] { there.create(false); }), "io::fork: cannot create: 80");
-    EXPECT_FALSE(there.create(true));
-    there.data_fork().close(true);
-    EXPECT_EQ(files.read("x_y"), "");
-    EXPECT_FALSE(files.exists("x_y.rsrc") || files.exists("x_y.info"));
-
-    io::file lost(any::path(files.path("no/folder?"), true) + any::string(u"a?"));
-    any::path const before = lost.path();
-    EXPECT_EQ(raised_with_code([&] { lost.create(false); }), "io::fork: cannot create: 3");
-    EXPECT_EQ(lost.path().full_string(), before.full_string());
 }
 
 TEST_P(disk, a_guard_opens_a_fork_and_closes_it) {
@@ -233,8 +163,6 @@ TEST_P(disk, a_closed_fork_answers_without_opening) {
     }
     EXPECT_EQ(files.read("f"), "four");
     EXPECT_EQ(raised_with_code([&] { file("missing").data_fork().open_rw(); }), "io::fork: cannot open_rw: 2");
-    EXPECT_EQ(raised_with_code([&] { file("missing").data_fork().unlink(true); }), "io::fork: cannot delete: 2");
-    EXPECT_EQ(raised_with_code([&] { file("missing").unlink(true); }), "");
 }
 
 TEST_P(disk, resize_keeps_the_position_within_the_fork) {

@@ -15,7 +15,6 @@
 
 #include <algorithm>
 #include <functional>
-#include <map>
 
 namespace {
 
@@ -108,23 +107,6 @@ TEST(nio_file, reads_writes_and_resizes) {
     EXPECT_EQ(file.size(), 0u);
 }
 
-TEST(nio_file, is_created_under_a_normal_name) {
-    scratch const folder;
-    nio::file file(folder.path("dir") + u"\\a?b", nio::file::mode_closed);
-    EXPECT_TRUE(file.create(false));
-    EXPECT_EQ(file.path(), folder.path("dir") + u"\\a_b");
-    put(file, "first");
-    file.close();
-    file.path() = folder.path("dir") + u"\\a?b";
-    EXPECT_EQ(raised([&] { file.create(false); }), "cannot create");
-    EXPECT_EQ(file.path(), folder.path("dir") + u"\\a?b");
-    EXPECT_EQ(folder.read("dir/a_b"), "first");
-    nio::directory directory(folder.path("x?/y*"));
-    EXPECT_TRUE(directory.create());
-    EXPECT_TRUE(fs::is_directory(folder.host("x_/y_")));
-    EXPECT_FALSE(directory.create());
-}
-
 TEST(nio_file, keeps_its_fork_in_a_sidecar) {
     scratch const folder;
     folder.write("f", "data");
@@ -156,16 +138,6 @@ TEST(nio_file, keeps_its_fork_in_a_sidecar) {
     other.open_rsrc();
     EXPECT_EQ(other.size(), 0u);
     EXPECT_EQ(rest(other), "");
-
-    nio::file odd(folder.path("") + u"\\n?", nio::file::mode_closed);
-    EXPECT_TRUE(odd.create_rsrc(false, true));
-    EXPECT_EQ(odd.path(), folder.path("") + u"\\n_");
-    EXPECT_EQ(folder.read("._n_").size(), 82u);
-
-    file.unlink(true);
-    EXPECT_FALSE(folder.exists("f") || folder.exists("._f"));
-    file.unlink(false);
-    EXPECT_EQ(raised([&] { file.unlink(true); }), "cannot delete");
 }
 
 TEST(nio_file, keeps_its_fork_in_a_stream) {
@@ -182,114 +154,52 @@ TEST(nio_file, keeps_its_fork_in_a_stream) {
     EXPECT_EQ(rest(file), "resource");
     file.close();
     EXPECT_FALSE(ntfs.exists("._f"));
-    std::map<wide_string, std::string> const others = {
-        {u":note", "remember"},
-        {u":" + wide_string(60, u'n'), "a name that is longer than most"},
-        {u":large", std::string(100'000, 'l')},
+}
+
+TEST(fork_names, are_told_by_text) {
+    EXPECT_EQ(nio::ufs_name(u"dir\\a"), u"dir\\._a");
+    EXPECT_EQ(nio::ufs_name(u"a"), u"._a");
+    EXPECT_EQ(nio::ufs_name(u"C:\\dir/a"), u"C:\\dir/._a");
+    EXPECT_EQ(nio::ntfs_rsrc_name(u"d\\a"), u"d\\a:AFP_Resource");
+    EXPECT_EQ(nio::ntfs_info_name(u"d\\a"), u"d\\a:AFP_AfpInfo");
+    EXPECT_TRUE(nio::is_ntfs_rsrc_name(u":AFP_Resource"));
+    EXPECT_FALSE(nio::is_ntfs_rsrc_name(u"AFP_Resource"));
+    EXPECT_FALSE(nio::is_ntfs_rsrc_name(u"a:AFP_Resourc"));
+    EXPECT_TRUE(nio::is_ntfs_info_name(u"a:AFP_AfpInfo"));
+    EXPECT_FALSE(nio::is_ntfs_info_name(u"a:AFP_AfpInf"));
+}
+
+TEST(fork_names, are_told_by_the_volume) {
+    scratch const folder;
+    ntfs_folder const ntfs;
+    if (!ntfs.attached())
+        GTEST_SKIP() << ntfs_folder::limit;
+    wide_string const flat = folder.path("a");
+    EXPECT_FALSE(nio::is_ntfs(flat));
+    EXPECT_TRUE(nio::is_ntfs(u"N:\\a"));
+    EXPECT_TRUE(nio::is_ntfs(u"n:/missing/a"));
+    EXPECT_TRUE(nio::is_ntfs(ntfs.path("x/../a")));
+    EXPECT_FALSE(nio::is_ntfs(u"Q:\\a"));
+    EXPECT_FALSE(nio::is_ntfs(u"\\\\host\\share\\a"));
+    EXPECT_FALSE(nio::is_ntfs(u""));
+    struct row {
+        wide_string path;
+        bool must_exist, allow_ntfs, in_stream;
     };
-    for (auto const & [name, bytes] : others) {
-        nio::file stream(u"N:\\f" + name, nio::file::mode_new);
-        put(stream, bytes);
+    ntfs.write("plain", "");
+    for (row const & r : {
+             row{u"N:\\plain", false, true, true},
+             row{u"N:\\plain", true, true, false},
+             row{u"N:\\plain", false, false, false},
+             row{flat, false, true, false},
+         }) {
+        EXPECT_EQ(nio::is_ntfs_rsrc_name(nio::rsrc_name(r.path, r.must_exist, r.allow_ntfs)), r.in_stream);
+        EXPECT_EQ(nio::is_ntfs_info_name(nio::info_name(r.path, r.must_exist, r.allow_ntfs)), r.in_stream);
     }
-    nio::file information(u"N:\\f:AFP_AfpInfo", nio::file::mode_new);
-    put(information, "information");
-    information.close();
-
-    // All but the data and the forks goes through a backup to another file, in pieces of any size.
-    for (uint32 const size : {1u, 7u, 64u, 65'536u}) {
-        file.open_ntfs();
-        std::string const digits = std::to_string(size);
-        nio::file copy(u"N:\\copy" + wide_string(digits.begin(), digits.end()), nio::file::mode_new);
-        copy.close();
-        copy.open_ntfs_w();
-        std::string block(size, '\0');
-        for (uint32 got; (got = file.read_ntfs(block.data(), size)) > 0;)
-            copy.write_ntfs(block.data(), got);
-        EXPECT_EQ(file.read_ntfs(block.data(), size), 0u);
-        file.close_ntfs();
-        copy.close_ntfs();
-        EXPECT_FALSE(copy.is_open());
-        for (auto const & [name, bytes] : others) {
-            nio::file copied(copy.path() + name, nio::file::mode_read);
-            EXPECT_TRUE(rest(copied) == bytes);
-        }
-        EXPECT_FALSE(nio::exists(copy.path() + u":AFP_Resource") || nio::exists(copy.path() + u":AFP_AfpInfo"));
-        EXPECT_EQ(nio::file(copy.path(), nio::file::mode_read).size(), 0u);
-    }
-}
-
-TEST(nio_directory, shows_no_sidecars) {
-    scratch const folder;
-    for (char const * name : {"a", "._a", "b", "._c", ".x", "..x"})
-        folder.write(name, "");
-    auto const root = folder.path("");
-    nio::directory const directory(root);
-    std::vector<wide_string> shown;
-    for (auto it = directory.begin(); it != directory.end(); ++it)
-        shown.push_back(it->substr(it->rfind(u'\\') + 1));
-    EXPECT_EQ(shown, (std::vector<wide_string>{u"..x", u".x", u"a", u"b"}));
-    // A copy shows the same entry, but goes on from the top.
-    auto it = directory.begin();
-    ++it, ++it, ++it;
-    nio::directory::iterator copy(it);
-    EXPECT_EQ(*copy, *it);
-    ++copy;
-    EXPECT_TRUE(copy->ends_with(u"\\.x"));
-    auto other = directory.end();
-    other = it;
-    EXPECT_EQ(*other, *it);
-    EXPECT_TRUE((other++)->ends_with(u"\\.x"));
-    EXPECT_TRUE((++it) == directory.end());
-    EXPECT_TRUE(nio::directory(folder.path("none")).begin() == directory.end());
-    EXPECT_TRUE(nio::directory().begin() == directory.end());
-}
-
-TEST(nio_directory, has_room_for_temporary_ones) {
-    scratch const folder;
-    nio::directory made;
-    made.create_temp(folder.path("new"));
-    nio::file file(u"", nio::file::mode_closed);
-    file.create_temp(made.path());
-    EXPECT_TRUE(file.is_open());
-    EXPECT_TRUE(file.path().starts_with(made.path() + u'\\'));
-    EXPECT_TRUE(made.path().starts_with(folder.path("new") + u'\\'));
-}
-
-TEST(nio_directory, is_emptied_but_not_through_links) {
-    if (auto const limit = support::limit_of_links(); !limit.empty())
-        GTEST_SKIP() << limit;
-    scratch const folder;
-    for (char const * name : {"outside/deep", "tree/sub/sub"})
-        fs::create_directories(folder.host(name));
-    for (char const * name :
-         {"outside/file", "outside/deep/file", "tree/a", "tree/._a", "tree/sub/b", "tree/sub/sub/c"})
-        folder.write(name, "x");
-    support::make_link("../outside", folder.host("tree/link"));
-    support::make_link("../outside/file", folder.host("tree/sub/file_link"));
-    support::make_link("nothing", folder.host("tree/dangling"));
-    support::make_link("loop", folder.host("tree/loop"));
-    support::make_link("outside", folder.host("root_link"));
-    support::make_fifo(folder.host("tree/pipe"));
-    nio::directory tree(folder.path("tree"));
-    EXPECT_EQ(raised([&] { tree.unlink(true); }), "cannot delete");
-    tree.unlink(false);
-    tree.unlink_with_children(true);
-    EXPECT_FALSE(folder.exists("tree"));
-    nio::directory(folder.path("root_link")).unlink_with_children(true);
-    EXPECT_FALSE(folder.exists("root_link"));
-    EXPECT_TRUE(folder.exists("outside/file") && folder.exists("outside/deep/file"));
-    nio::unlink(folder.path("outside/file"), true);
-    EXPECT_EQ(raised([&] { nio::unlink(folder.path("outside/file"), true); }), "cannot delete");
-}
-
-TEST(nio_directory, fails_at_once_where_nothing_can_be_made) {
-    scratch const folder;
-    folder.write("file", "");
-    wide_string deep = folder.path("file");
-    for (int i = 0; i < 60; ++i)
-        deep += u"\\d";
-    nio::directory directory(deep);
-    EXPECT_FALSE(directory.create());
+    EXPECT_FALSE(nio::exists_rsrc(flat));
+    folder.write("._a", "");
+    EXPECT_TRUE(nio::exists_rsrc(flat));
+    EXPECT_TRUE(nio::exists_ufs(flat));
 }
 
 TEST(nio_attributes, go_from_one_file_to_another) {
@@ -348,23 +258,13 @@ TEST(nio_attributes, come_from_sidecars_of_other_programs) {
     }
 }
 
-TEST(nio_attributes, change_only_the_information_of_a_sidecar) {
+TEST(nio_attributes, leave_what_is_no_sidecar) {
     scratch const folder;
     folder.write("f", "");
-    // Another program's: the resource data first, the information behind it.
-    std::string const head = "\0\5\x16\7\0\2\0\0________________\0\2"
-                             "\0\0\0\2\0\0\0\x32\0\0\0\4"
-                             "\0\0\0\x09\0\0\0\x36\0\0\0\x20"s;
-    std::string const info(32, 'i'), foreign = head + "rsrc" + info + "more";
-    folder.write("._f", foreign);
     nio::item item(folder.path("f"));
-    nio::attributes set(item);
-    EXPECT_EQ(set.finder_info[0], 'i');
-    set.finder_info.fill('n');
-    set.apply(item, true, false);
-    EXPECT_EQ(folder.read("._f"), head + "rsrc" + std::string(32, 'n') + "more");
-    for (std::string const & other :
-         {"no sidecar at all, but someone's data"s, head.substr(0, 40), head.substr(0, 30)}) {
+    nio::attributes set;
+    std::string const cut_short = "\0\5\x16\7\0\2\0\0________________\0\2\0\0\0\2"s;
+    for (std::string const & other : {"no sidecar at all, but someone's data"s, cut_short}) {
         folder.write("._f", other);
         set.finder_info.fill('k');
         set.load(item);
@@ -372,17 +272,6 @@ TEST(nio_attributes, change_only_the_information_of_a_sidecar) {
         EXPECT_EQ(raised([&] { set.apply(item, true, false); }), "cannot write");
         EXPECT_EQ(folder.read("._f"), other);
     }
-    // An entry that is too short, and one that lies over the entries.
-    for (auto const & [at, byte] : {std::pair{49, '\x10'}, std::pair{45, '\x28'}}) {
-        std::string damaged = foreign;
-        damaged[static_cast<std::size_t>(at)] = byte;
-        folder.write("._f", damaged);
-        EXPECT_EQ(raised([&] { set.apply(item, true, false); }), "cannot write");
-        EXPECT_EQ(folder.read("._f"), damaged);
-    }
-    folder.write("._f", "");
-    set.apply(item, true, false);
-    EXPECT_EQ(folder.read("._f").size(), 82u);
     fs::remove(folder.host("._f"));
     if (support::make_fifo(folder.host("._f")))
         EXPECT_EQ(raised([&] { set.load(item); }), "cannot open file"); // and does not wait for a writer
@@ -401,10 +290,6 @@ TEST(nio_attributes, keep_the_information_in_a_stream) {
     nio::attributes set(file);
     set.finder_info.fill('f');
     set.apply(file, true, true);
-    nio::file info(u"N:\\f:AFP_AfpInfo", nio::file::mode_read);
-    std::string const block = rest(info);
-    EXPECT_EQ(block, "AFP\0\0\0\1\0\0\0\0\0\0\0\0\0"s + std::string(32, 'f') + std::string(12, '\0'));
-    info.close();
     EXPECT_EQ(nio::attributes(file).finder_info[0], 0); // looked for only beside a resource fork
     file.create_rsrc(true, false);
     file.close();
