@@ -1,9 +1,7 @@
 // The stores of named streams behind the file calls, over the host's own calls.
 
-#include "socle/platform/backup.h"
 #include "socle/platform/errors.h"
 #include "socle/platform/posix/host/host_calls.h"
-#include "socle/platform/posix/streams/backup_records.h"
 #include "socle/platform/posix/streams/named_streams.h"
 #include "socle/platform/stream_names.h"
 #include "tests/support/ntfs_image.h"
@@ -11,7 +9,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
 #include <optional>
@@ -337,89 +334,6 @@ TEST_F(named_streams_test, the_store_is_hidden) {
     EXPECT_FALSE(streams_->hides_path("/.socle_streams2"));
     EXPECT_FALSE(streams_->hides_path("/sub/.socle_streams"));
     EXPECT_FALSE(streams_->hides_path("/file"));
-}
-
-// All records of a file, read in pieces of odd size and written to another in others.
-TEST_P(both_stores_test, backup_and_restore) {
-    fs::create_directory(folder_ / "volume/folder");
-    write(path("file"), "data");
-    write(path("folder/copy"), "longer data");
-    write_stream(path("file"), u"note", "of the stream");
-    write_stream(path("file"), u"empty", "");
-    write_stream(path("folder/copy"), u"note", "something longer that goes");
-    backup_file const source{open(path("file").c_str(), O_RDONLY), streams_.get()};
-    backup_file const target{open(path("folder/copy").c_str(), O_RDWR), streams_.get()};
-    std::string records;
-    backup_reader reader;
-    char piece[7];
-    uint32 done = sizeof piece;
-    while (done == sizeof piece) {
-        ASSERT_EQ(reader.read(source, piece, sizeof piece, done), 0u);
-        records.append(piece, done);
-    }
-    EXPECT_EQ(reader.read(source, piece, 1, done), 0u);
-    EXPECT_EQ(done, 0u);
-    using namespace std::string_literals;
-    EXPECT_EQ(records, "\1\0\0\0\0\0\0\0\4\0\0\0\0\0\0\0\0\0\0\0data"s
-                       "\4\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\x18\0\0\0:\0e\0m\0p\0t\0y\0:\0$\0D\0A\0T\0A\0"s
-                       "\4\0\0\0\0\0\0\0\15\0\0\0\0\0\0\0\x16\0\0\0:\0n\0o\0t\0e\0:\0$\0D\0A\0T\0A\0of the stream"s);
-
-    backup_writer writer;
-    std::string const other_record = "\3\0\0\0\0\0\0\0\5\0\0\0\0\0\0\0\0\0\0\0abcde"s;
-    records = other_record + records + other_record;
-    for (std::size_t at = 0; at < records.size(); at += 3) {
-        uint32 const size = static_cast<uint32>(std::min<std::size_t>(3, records.size() - at));
-        ASSERT_EQ(writer.write(target, records.data() + at, size, done), 0u);
-        EXPECT_EQ(done, size);
-    }
-    EXPECT_EQ(fs::file_size(path("folder/copy")), 4u);
-    EXPECT_EQ(list(path("folder/copy")), (names{u"empty", u"note"}));
-    EXPECT_EQ(read_stream(path("folder/copy"), u"note"), "of the stream");
-
-    backup_reader skipping;
-    char head[20];
-    uint64 skipped = 0;
-    EXPECT_EQ(skipping.skip(5, skipped), ERROR_SEEK);
-    ASSERT_EQ(skipping.read(source, head, sizeof head, done), 0u);
-    EXPECT_EQ(skipping.skip(3, skipped), 0u);
-    EXPECT_EQ(skipping.skip(all_ones, skipped), ERROR_SEEK);
-    EXPECT_EQ(skipped, 1u);
-    ASSERT_EQ(skipping.read(source, head, 1, done), 0u);
-    EXPECT_EQ(head[0], BACKUP_ALTERNATE_DATA);
-    close(source.descriptor);
-    close(target.descriptor);
-}
-
-TEST_F(named_streams_test, what_is_no_backup) {
-    using namespace std::string_literals;
-    write(path("file"), "data");
-    backup_file const file{open(path("file").c_str(), O_RDWR), streams_.get()};
-    std::string const size(8, '\0');
-    for (std::string const & record : {
-             "\0\0\0\0\0\0\0\0"s + size + "\0\0\0\0"s,
-             "\xff\0\0\0\0\0\0\0"s + size + "\0\0\0\0"s,
-             "\4\0\0\0\0\0\0\0"s + size + "\0\0\0\0"s,
-             "\4\0\0\0\0\0\0\0"s + size + "\xff\xff\xff\xff"s,
-             "\4\0\0\0\0\0\0\0"s + size + "\3\0\0\0:\0a"s,
-             "\4\0\0\0\0\0\0\0"s + size + "\2\0\0\0a\0"s,
-             "\4\0\0\0\0\0\0\0"s + size + "\6\0\0\0:\0a\0/\0"s,
-             "\1\0\0\0\0\0\0\0"s + std::string(8, '\xff') + "\0\0\0\0"s,
-         }) {
-        backup_writer writer;
-        uint32 done = 0;
-        EXPECT_EQ(writer.write(file, record.data(), static_cast<uint32>(record.size()), done), ERROR_INVALID_DATA);
-        EXPECT_EQ(writer.write(file, "more", 4, done), ERROR_INVALID_DATA);
-    }
-    EXPECT_EQ(list(path("file")), names{});
-    EXPECT_EQ(fs::file_size(path("file")), 4u);
-    // A file that has become shorter than its head said is no silent success.
-    backup_reader reader;
-    char head[21];
-    uint32 done = 0;
-    ASSERT_EQ(reader.read(file, head, 20, done), 0u);
-    fs::resize_file(path("file"), 0);
-    EXPECT_EQ(reader.read(file, head, 1, done), ERROR_INVALID_DATA);
-    close(file.descriptor);
 }
 
 } // namespace

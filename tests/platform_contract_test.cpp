@@ -21,8 +21,6 @@ protected:
     int open_times(std::string const & name, uint32 access) const {
         return CreateFileW(scratch_.path(name), access, share_all, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS);
     }
-
-    static uint32 code(bool done) { return done ? 0 : GetLastError(); }
 };
 
 TEST_F(platform_contract, files_open_or_say_why_not) {

@@ -1,10 +1,8 @@
 #include "socle/platform/code_pages.h"
 #include "socle/platform/directories.h"
-#include "socle/platform/errors.h"
 #include "socle/platform/file_times.h"
-#include "socle/platform/files.h"
-#include "socle/platform/host.h"
 #include "socle/platform/posix/host/host_calls.h"
+#include "tests/support/handles.h"
 #include "tests/support/ntfs_folder.h"
 
 #include <gtest/gtest.h>
@@ -17,8 +15,6 @@ namespace {
 using namespace platform;
 namespace fs = std::filesystem;
 using namespace std::string_literals;
-
-uint32 code(bool done) { return done ? 0 : GetLastError(); }
 
 std::vector<wide_string> search(wide_string const & pattern) {
     std::vector<wide_string> names;

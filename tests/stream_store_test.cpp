@@ -2,9 +2,8 @@
 
 #include "socle/nio/file.h"
 #include "socle/nio/filesystem_exception.h"
-#include "socle/platform/errors.h"
-#include "socle/platform/files.h"
 #include "socle/platform/posix/host/host_calls.h"
+#include "tests/support/handles.h"
 #include "tests/support/ntfs_folder.h"
 #include "tests/support/other_user.h"
 
@@ -24,26 +23,6 @@ namespace fs = std::filesystem;
 
 constexpr uid_t anna = 4711;
 constexpr uid_t otto = 4712;
-
-/// What the stream, or file, holds; the code in digits if it cannot be read.
-std::string get(wide_string const & path) {
-    int const file = CreateFileW(path, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, OPEN_EXISTING, 0);
-    if (file == INVALID_HANDLE_VALUE)
-        return std::to_string(GetLastError());
-    char bytes[100];
-    uint32 done = 0;
-    EXPECT_TRUE(ReadFile(file, bytes, sizeof bytes, done));
-    CloseHandle(file);
-    return std::string(bytes, done);
-}
-
-/// 0 or the code.
-uint32 put(wide_string const & path, std::string const & bytes) {
-    int const file = CreateFileW(path, GENERIC_WRITE, FILE_SHARE_READ, CREATE_ALWAYS, 0);
-    uint32 done = 0;
-    bool const written = file != INVALID_HANDLE_VALUE && WriteFile(file, bytes.data(), uint32(bytes.size()), done);
-    return written && CloseHandle(file) ? 0 : GetLastError();
-}
 
 int get_as(uid_t user, wide_string const & path, std::string const & expected) {
     return as_user(user, [&] { return get(path) == expected ? 0 : 1; });
