@@ -35,28 +35,17 @@ protected:
     }
 };
 
+// Beside what is so on every system.
 TEST_F(platform_files, open_or_say_why_not) {
     scratch_.write("file", "bytes");
-    scratch_.write("locked", "bytes");
     scratch_.write("what?", "bytes");
-    fs::permissions(scratch_.host("locked"), fs::perms::owner_read | fs::perms::group_write);
-    fs::create_directory(scratch_.host("folder"));
     fs::create_symlink("file", scratch_.host("link"));
     fs::create_symlink("nothing", scratch_.host("dangling"));
     fs::create_symlink("loop", scratch_.host("loop"));
-    std::string const longest(300, 'x');
-    std::string const deep = std::string(5000, 'x').replace(2500, 1, "/");
-    struct {
-        std::string name;
-        uint32 open, open_rw, create_new, create_always, times, backup;
-    } const cases[] = {
-        {"file", 0, 0, 80, 0, 0, 0},
+    std::string const longest(300, 'x'), deep = std::string(5000, 'x').replace(2500, 1, "/");
+    expect({
         {"link", 0, 0, 80, 0, 0, 0},
-        {"locked", 0, 5, 80, 5, 0, 0},
         {"what?", 0, 0, 80, 0, 0, 0},
-        {"folder", 5, 5, 80, 5, 0, 0},
-        {"none", 2, 2, 0, 0, 2, 2},
-        {"none/file", 3, 3, 3, 3, 3, 3},
         {"file/file", 3, 3, 3, 3, 3, 3},
         {"file/", 3, 3, 3, 3, 3, 3},
         {"dangling", 2, 2, 80, 80, 0, 2},
@@ -65,26 +54,15 @@ TEST_F(platform_files, open_or_say_why_not) {
         {"a\nb", 123, 123, 123, 123, 123, 123},
         {longest, 206, 206, 206, 206, 206, 206},
         {deep, 206, 206, 206, 206, 206, 206},
-    };
-    for (auto const & c : cases) {
-        SCOPED_TRACE(c.name.substr(0, 40));
-        if (c.name != "locked" || geteuid() == 0)
-            EXPECT_EQ(code_of(open(c.name)), c.open);
-        EXPECT_EQ(code_of(open_rw(c.name)), c.open_rw);
-        EXPECT_EQ(code_of(CreateFileW(scratch_.path(c.name), 0, share_all, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS)),
-                  c.times);
-        EXPECT_EQ(code_of(CreateFileW(scratch_.path(c.name), GENERIC_READ, FILE_SHARE_READ, OPEN_EXISTING,
-                                      FILE_FLAG_BACKUP_SEMANTICS)),
-                  c.backup);
-        EXPECT_EQ(code_of(create(c.name, CREATE_NEW)), c.create_new);
-        EXPECT_EQ(code_of(create(c.name)), c.create_always);
-    }
+    });
     EXPECT_FALSE(scratch_.exists("nothing"));
-    EXPECT_EQ(scratch_.read("locked"), "bytes");
     EXPECT_EQ(scratch_.read("link"), "");
     EXPECT_EQ(code_of(CreateFileW(u"Q:\\x", GENERIC_READ, 3, OPEN_EXISTING, 0)), 3u);
     EXPECT_EQ(code_of(CreateFileW(u"\\\\server\\share", GENERIC_READ, 3, OPEN_EXISTING, 0)), 53u);
-    EXPECT_EQ(code_of(CreateFileW(wide_string(u"C:\\etc\\passwd\0x", 15), GENERIC_READ, 3, OPEN_EXISTING, 0)), 123u);
+    // Whom the host's bits let write, but who is not the owner.
+    scratch_.write("locked", "bytes");
+    fs::permissions(scratch_.host("locked"), fs::perms::owner_read | fs::perms::group_write);
+    EXPECT_EQ(code_of(open_rw("locked")), 5u);
 }
 
 TEST_F(platform_files, exclude_other_writers_and_never_a_reader) {
@@ -126,17 +104,7 @@ TEST_F(platform_files, of_pipes_end_in_codes_and_not_in_signals) {
         GTEST_SKIP() << limit;
     int ends[2];
     ASSERT_EQ(pipe2(ends, O_CLOEXEC), 0);
-    EXPECT_EQ(GetFileType(ends[0]), FILE_TYPE_PIPE);
     uint32 done = 0;
-    char bytes[4];
-    uint64 value = 0;
-    EXPECT_TRUE(WriteFile(ends[1], "ab", 2, done));
-    EXPECT_TRUE(ReadFile(ends[0], bytes, 4, done));
-    EXPECT_EQ(done, 2u);
-    EXPECT_FALSE(SetFilePointer(ends[0], 0, FILE_CURRENT, value));
-    EXPECT_EQ(GetLastError(), 25u);
-    EXPECT_FALSE(GetFileSize(ends[0], value));
-    EXPECT_TRUE(FlushFileBuffers(ends[1]));
     int const reader = dup(ends[0]);
     EXPECT_TRUE(CloseHandle(ends[0]) && CloseHandle(reader));
     EXPECT_FALSE(WriteFile(ends[1], "ab", 2, done));
@@ -240,15 +208,9 @@ TEST_F(platform_files, have_attributes) {
             EXPECT_TRUE(SetFileAttributesW(scratch_.path(c.name), c.set)) << c.name << GetLastError();
         EXPECT_EQ(GetFileAttributesW(scratch_.path(c.name)), c.get) << c.name;
     }
-    struct {
-        std::string name;
-        uint32 code;
-    } const missing[] = {{"none", 2}, {"none/x", 3}, {"file/x", 3}, {"file/", 3}};
-    for (auto const & c : missing) {
-        EXPECT_EQ(GetFileAttributesW(scratch_.path(c.name)), INVALID_FILE_ATTRIBUTES);
-        EXPECT_EQ(GetLastError(), c.code) << c.name;
-        EXPECT_FALSE(SetFileAttributesW(scratch_.path(c.name), 1));
-        EXPECT_EQ(GetLastError(), c.code) << c.name;
+    for (char const * name : {"file/x", "file/"}) {
+        EXPECT_EQ(code(GetFileAttributesW(scratch_.path(name)) != INVALID_FILE_ATTRIBUTES), 3u) << name;
+        EXPECT_EQ(code(SetFileAttributesW(scratch_.path(name), 1)), 3u) << name;
     }
     EXPECT_FALSE(SetFileAttributesW(scratch_.path("dangling"), 1));
 }
@@ -274,10 +236,7 @@ TEST_F(platform_files, have_named_streams_on_ntfs) {
     EXPECT_EQ(scratch_.read("vol/f"), "");
     EXPECT_TRUE(SetFileAttributesW(u"N:\\f", FILE_ATTRIBUTE_READONLY));
     EXPECT_EQ(code_of(open_stream(u"N:\\f:no?te", CREATE_ALWAYS)), 5u);
-    int const again = CreateFileW(u"N:\\f:no?te", GENERIC_READ, share_all, OPEN_EXISTING, 0);
-    char bytes[8];
-    EXPECT_TRUE(ReadFile(again, bytes, 8, done) && CloseHandle(again));
-    EXPECT_EQ(std::string(bytes, done), "words");
+    EXPECT_EQ(get(u"N:\\f:no?te"), "words");
 }
 
 } // namespace

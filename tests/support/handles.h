@@ -51,6 +51,28 @@ protected:
         return platform::CreateFileW(scratch_.path(name), read_write, platform::FILE_SHARE_READ, disposition, 0);
     }
 
+    /// What each way to open a file ends in: 0 or the code.
+    struct openings {
+        std::string name;
+        uint32 open, open_rw, create_new, create_always, times, backup;
+    };
+    void expect(std::vector<openings> const & rows) const {
+        using namespace platform;
+        for (auto const & row : rows) {
+            SCOPED_TRACE(row.name.substr(0, 40));
+            auto const open_all = [&](uint32 access, uint32 sharing) {
+                return code_of(
+                    CreateFileW(scratch_.path(row.name), access, sharing, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS));
+            };
+            EXPECT_EQ(code_of(open(row.name)), row.open);
+            EXPECT_EQ(code_of(open_rw(row.name)), row.open_rw);
+            EXPECT_EQ(open_all(0, share_all), row.times);
+            EXPECT_EQ(open_all(GENERIC_READ, FILE_SHARE_READ), row.backup);
+            EXPECT_EQ(code_of(create(row.name, CREATE_NEW)), row.create_new);
+            EXPECT_EQ(code_of(create(row.name)), row.create_always);
+        }
+    }
+
     /// The system code of an opening, whose handle is closed at once.
     static uint32 code_of(int file) {
         return file == platform::INVALID_HANDLE_VALUE ? platform::GetLastError() : platform::CloseHandle(file) ? 0 : 1;
