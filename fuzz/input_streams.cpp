@@ -46,75 +46,35 @@ public:
     std::vector<model_layer> layers;
 
     int one(std::size_t height) {
-        if (height == 0) {
-            if (at_ == bytes_.size()) {
-                ended_ = true;
-                return -1;
-            }
-            ++tell_;
-            return static_cast<unsigned char>(bytes_[at_++]);
-        }
-        auto & top = layers[height - 1];
-        if (!top.held.empty()) {
-            auto const byte = static_cast<unsigned char>(top.held.front());
-            top.held.erase(0, 1);
-            return byte;
-        }
-        if (top.kind == layer::limited) {
-            if (top.left == 0)
-                return -1;
-            --top.left;
-        }
-        int const byte = one(height - 1);
-        if (byte == -1 && top.kind == layer::safe)
-            throw refusal();
-        if (byte != -1)
-            ++top.count;
-        return byte;
+        auto const taken = block(height, 1);
+        return taken.empty() ? -1 : static_cast<unsigned char>(taken[0]);
     }
+    uint64 skip(std::size_t height, uint64 count) { return block(height, count, true).size(); }
 
-    narrow_string block(std::size_t height, std::size_t count) {
+    narrow_string block(std::size_t height, uint64 count, bool skipping = false) {
         if (height == 0) {
-            auto const taken = bytes_.substr(at_, count);
+            auto const taken = bytes_.substr(at_, static_cast<std::size_t>(std::min<uint64>(count, SIZE_MAX)));
             at_ += taken.size();
             tell_ += taken.size();
             ended_ = ended_ || taken.size() < count;
             return taken;
         }
         auto & top = layers[height - 1];
-        narrow_string taken = top.held.substr(0, count);
+        narrow_string taken = top.held.substr(0, static_cast<std::size_t>(std::min<uint64>(count, SIZE_MAX)));
         top.held.erase(0, taken.size());
         count -= taken.size();
-        if (top.kind == layer::limited) {
-            count = static_cast<std::size_t>(std::min<uint64>(count, top.left));
-            top.left -= count;
-        }
+        if (top.kind == layer::limited)
+            count = std::min(count, top.left);
         if (count == 0)
             return taken;
-        auto const beneath = block(height - 1, count);
+        auto const beneath = block(height - 1, count, skipping);
+        // What a reader asks for counts, and of what is skipped that which was there.
+        if (top.kind == layer::limited)
+            top.left -= skipping ? beneath.size() : count;
         if (beneath.size() < count && top.kind == layer::safe)
             throw refusal();
         top.count += beneath.size();
         return taken + beneath;
-    }
-
-    uint64 skip(std::size_t height, uint64 count) {
-        if (height == 0)
-            return block(0, static_cast<std::size_t>(std::min<uint64>(count, SIZE_MAX))).size();
-        auto & top = layers[height - 1];
-        auto const given = static_cast<std::size_t>(std::min<uint64>(count, top.held.size()));
-        top.held.erase(0, given);
-        count -= given;
-        if (top.kind == layer::limited)
-            count = std::min(count, top.left);
-        if (count == 0)
-            return given;
-        uint64 const beneath = skip(height - 1, count);
-        top.left -= top.kind == layer::limited ? beneath : 0;
-        if (beneath < count && top.kind == layer::safe)
-            throw refusal();
-        top.count += beneath;
-        return given + beneath;
     }
 
     void unread(std::size_t height, narrow_string const & data) {

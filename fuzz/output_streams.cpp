@@ -83,19 +83,6 @@ private:
     }
 };
 
-/// Keeps what is written; the library knows nothing of it.
-class plain : public stream::output {
-public:
-    explicit plain(narrow_string & bytes) : bytes_(bytes) {}
-
-    using stream::output::write;
-    void write(char byte) override { bytes_ += byte; }
-    uint64 tell() const override { return bytes_.size(); }
-
-private:
-    narrow_string & bytes_;
-};
-
 /// Targets of these sizes, then one without a limit.
 class series : public stream::multi_output {
 public:
@@ -137,7 +124,7 @@ public:
             streams_.push_back(std::make_unique<stream::array_output>(array_.get(), uint32(array_size)));
             break;
         case bottom::series: streams_.push_back(std::make_unique<series>(in.text())); break;
-        default: streams_.push_back(std::make_unique<plain>(text_));
+        default: streams_.push_back(std::make_unique<support::recording_target>());
         }
     }
     ~stack() {
@@ -265,7 +252,7 @@ private:
         case bottom::vector: return {vector_.begin(), vector_.end()};
         case bottom::array: return {array_.get(), std::size_t(streams_.front()->tell())};
         case bottom::series: return dynamic_cast<series &>(*streams_.front()).joined();
-        default: return text_;
+        default: return dynamic_cast<support::recording_target &>(*streams_.front()).data;
         }
     }
 
@@ -282,7 +269,6 @@ private:
     bottom source_;
     byte_vector vector_;
     std::unique_ptr<char[]> array_;
-    narrow_string text_;
     model model_;
     std::vector<std::unique_ptr<stream::output>> streams_;
 };
