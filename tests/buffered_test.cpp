@@ -17,53 +17,87 @@ using support::recording_target;
 using support::rest;
 using support::text;
 
+template <class Family>
+struct buffers : testing::Test {};
+struct narrow {
+    using input = stream::buffered_input;
+    using output = stream::buffered_output;
+};
+struct wide {
+    using input = nio::buffered_input;
+    using output = nio::buffered_output;
+};
+using families = testing::Types<narrow, wide>;
+TYPED_TEST_SUITE(buffers, families);
+
+TYPED_TEST(buffers, refill_or_are_passed_by) {
+    fragment_source source({std::string(300, 'x')});
+    source.skip(10);
+    typename TypeParam::input in(source, 100);
+    source.asked.clear();
+    char block[200];
+    EXPECT_EQ(in.read(block, 49), 49u);
+    EXPECT_EQ(in.read(block, 51), 51u);
+    EXPECT_EQ(in.read(block, 50), 50u);
+    EXPECT_EQ(in.read(block, 0), 0u);
+    EXPECT_EQ(source.asked, (std::vector<uint32>{100, 50}));
+    EXPECT_EQ(in.tell(), 160u);
+    EXPECT_EQ(in.size(), 300u);
+    EXPECT_EQ(in.read(block, 200), 140u);
+    EXPECT_EQ(in.read(block, 1), 0u);
+    EXPECT_EQ(in.tell(), 300u);
+}
+
+TYPED_TEST(buffers, ask_the_stream_beneath_at_most_once) {
+    fragment_source source({"abc", "de", "fghij"});
+    typename TypeParam::input in(source, 8);
+    char block[16];
+    EXPECT_EQ(in.read(block, 3), 3u);
+    EXPECT_EQ(in.read(block, 3), 2u); // what came was short
+    EXPECT_EQ(in.read(block, 1), 1u);
+    EXPECT_EQ(source.asked, (std::vector<uint32>{8, 8, 8}));
+    EXPECT_EQ(in.read(block, 16), 4u);
+}
+
+TYPED_TEST(buffers, do_not_believe_a_liar) {
+    support::lying_source liar;
+    typename TypeParam::input in(liar, 8);
+    char block[20];
+    EXPECT_EQ(in.read(block, 3), 3u);
+    EXPECT_EQ(in.read(block, 20), 20u);
+    EXPECT_EQ(in.tell(), 23u);
+}
+
+TYPED_TEST(buffers, hold_small_writes_and_pass_large_ones) {
+    recording_target target;
+    {
+        typename TypeParam::output out(target, 4);
+        for (std::string const piece : {"ab", "cd", "efg", "hi", "jk", "lmno"}) // the second fits exactly
+            out.write(piece.data(), static_cast<uint32>(piece.size()));
+        for (unsigned char const byte : {'p', 'q', 'r', 's', 't'})
+            out.write(byte);
+        EXPECT_EQ(target.writes, (std::vector<uint32>{4, 3, 4, 4, 4}));
+        EXPECT_EQ(out.tell(), 20u);
+        EXPECT_EQ(out.size(), 20u);
+        out.flush();
+        out.flush();
+        EXPECT_EQ(target.writes.size(), 6u);
+        EXPECT_EQ(target.flushes, 0);
+        out.write("uv", 2);
+    }
+    EXPECT_EQ(target.data, "abcdefghijklmnopqrstuv");
+    typename TypeParam::output(target, 0).write("w", 1);
+    EXPECT_EQ(target.data.back(), 'w');
+    recording_target refusing(1);
+    typename TypeParam::output(refusing, 8).write("lost without a word", 4);
+}
+
 /// A caller's class above a buffered stream, which may not change what its base does.
 struct callers_input : stream::buffered_input {
     using buffered_input::_copy;
     using buffered_input::buffered_input;
     using buffered_input::refill;
 };
-
-TEST(buffered_input, reads_ahead_and_gives_back) {
-    byte_vector const data = support::pattern(100);
-    stream::vector_input source(data);
-    char block[64];
-    {
-        stream::buffered_input in(source, 16);
-        EXPECT_EQ(source.tell(), 0u);
-        EXPECT_EQ(in.read(), data[0]);
-        EXPECT_EQ(source.tell(), 16u);
-        EXPECT_EQ(in.tell(), 1u);
-        in.yield();
-        EXPECT_EQ(source.tell(), 1u);
-        EXPECT_EQ(in.tell(), 1u);
-        EXPECT_EQ(in.read(block, 8), 8u); // half the buffer goes past it
-        EXPECT_EQ(source.tell(), 9u);
-        EXPECT_EQ(in.read(block, 7), 7u); // less fills it
-        EXPECT_EQ(source.tell(), 25u);
-        EXPECT_EQ(in.read(block, 40), 40u);
-        EXPECT_EQ(source.tell(), 56u);
-        EXPECT_EQ(in.read(block, 1), 1u);
-        EXPECT_EQ(in.skip(20), 20u);
-        EXPECT_EQ(source.tell(), 77u);
-        EXPECT_EQ(in.read(), data[77]);
-    }
-    EXPECT_EQ(source.tell(), 78u);
-    EXPECT_EQ(rest(source), text({data.begin() + 78, data.end()}));
-}
-
-TEST(buffered_input, asks_the_stream_beneath_at_most_once) {
-    fragment_source source({"abc", "de", "fghij"});
-    stream::buffered_input in(source, 8);
-    char block[16];
-    EXPECT_EQ(in.read(block, 3), 3u);
-    EXPECT_EQ(in.read(block, 3), 2u); // what came was short
-    EXPECT_EQ(in.read(), 'f');
-    EXPECT_EQ(in.read(block, 0), 0u);
-    EXPECT_EQ(source.asked, (std::vector<uint32>{8, 8, 8}));
-    EXPECT_EQ(in.size(), 10u);
-    EXPECT_EQ(rest(in), "ghij");
-}
 
 TEST(buffered_input, copies_byte_by_byte_for_a_callers_class) {
     fragment_source source({"abc", "defgh"});
@@ -97,67 +131,22 @@ TEST(buffered_input, gives_a_single_byte_back_through_the_block_form) {
     EXPECT_EQ(rest(in), "Ac");
 }
 
-TEST(buffered_input, does_not_believe_a_liar) {
-    support::lying_source liar;
-    stream::buffered_input in(liar, 8);
-    EXPECT_EQ(in.read(), 'l');
-    char block[20];
-    EXPECT_EQ(in.read(block, 20), 20u);
-    EXPECT_EQ(in.skip(9), 9u);
-    EXPECT_EQ(in.tell(), 30u);
-}
-
-TEST(wide_buffered_input, refills_or_passes_by) {
-    fragment_source source({std::string(300, 'x')});
-    source.skip(10);
-    nio::buffered_input in(source, 100);
-    source.asked.clear();
-    char block[200];
-    EXPECT_EQ(in.read(block, 49), 49u);
-    EXPECT_EQ(in.read(block, 51), 51u);
-    EXPECT_EQ(in.read(block, 50), 50u);
-    EXPECT_EQ(in.read(block, 0), 0u);
-    EXPECT_EQ(source.asked, (std::vector<uint32>{100, 50}));
-    EXPECT_EQ(in.tell(), 160u);
-    EXPECT_EQ(in.size(), 300u);
-    EXPECT_EQ(in.read(block, 200), 140u);
-    EXPECT_EQ(in.read(block, 1), 0u);
-    EXPECT_EQ(in.tell(), 300u);
-    support::lying_source liar;
-    nio::buffered_input believing(liar, 8);
-    EXPECT_EQ(believing.read(block, 3), 3u);
-    EXPECT_EQ(believing.read(block, 3), 3u);
-    EXPECT_EQ(believing.tell(), 6u);
-}
-
-TEST(buffered_output, holds_small_writes_and_passes_large_ones) {
+TEST(buffered_output, goes_on_behind_what_passes_it) {
     recording_target target;
     stream::buffered_output out(target, 4);
-    out.write("ab", 2);
-    out.write("cd", 2); // fits exactly
-    EXPECT_TRUE(target.writes.empty());
-    out.write("efg", 3);
-    EXPECT_EQ(target.data, "abcd");
-    EXPECT_EQ(out.tell(), 7u);
-    out.write(narrow_string("hi"));
-    out.write('j');
-    out.write(static_cast<unsigned char>('k'));
-    out.write("lmno", 4);
-    EXPECT_EQ(target.writes, (std::vector<uint32>{4, 3, 4, 4}));
-    out.write('p');
-    EXPECT_EQ(target.tell(), 15u);
+    out.write('a');
     out.end();
-    EXPECT_EQ(target.data, "abcdefghijklmnop");
+    EXPECT_EQ(target.data, "a");
     EXPECT_EQ(target.flushes, 0);
-    out.write('q');
+    out.write('b');
     out.flush_through();
-    EXPECT_EQ(target.data, "abcdefghijklmnopq");
+    EXPECT_EQ(target.data, "ab");
     EXPECT_EQ(target.flushes, 1);
-    fragment_source in({"st"});
-    out.write('r');
+    fragment_source in({"de"});
+    out.write(narrow_string("c"));
     out.copy_from(in);
-    EXPECT_EQ(target.data, "abcdefghijklmnopqrst");
-    EXPECT_EQ(out.tell(), 20u);
+    EXPECT_EQ(target.data, "abcde");
+    EXPECT_EQ(out.tell(), 5u);
 }
 
 TEST(buffered_output, resizes_through_what_it_holds) {
@@ -186,37 +175,6 @@ TEST(buffered_output, resizes_through_what_it_holds) {
     EXPECT_EQ(out.tell(), 5u);
     out.flush();
     EXPECT_EQ(target.data.size(), 5u);
-}
-
-TEST(wide_buffered_output, holds_what_fits) {
-    recording_target target;
-    {
-        nio::buffered_output out(target, 100);
-        std::string const data(250, 'x');
-        out.write(data.data(), 99);
-        out.write('y');
-        EXPECT_TRUE(target.writes.empty());
-        out.write(data.data(), 1);
-        out.write(data.data(), 100);
-        EXPECT_EQ(target.writes, (std::vector<uint32>{100, 1, 100}));
-        EXPECT_EQ(out.tell(), 201u);
-        out.write(data.data(), 40);
-        EXPECT_EQ(out.size(), 241u);
-        out.flush();
-        out.flush();
-        EXPECT_EQ(target.flushes, 0);
-        out.write(data.data(), 3);
-    }
-    EXPECT_EQ(target.writes, (std::vector<uint32>{100, 1, 100, 40, 3}));
-    nio::buffered_output(target, 0).write('z');
-    EXPECT_EQ(target.data.back(), 'z');
-}
-
-TEST(buffered_output, goes_without_a_word_where_nobody_can_hear_it) {
-    recording_target refusing(1), other(1);
-    stream::buffered_output(refusing, 8).write("lost", 4);
-    nio::buffered_output(other, 8).write("lost", 4);
-    EXPECT_EQ(refusing.data + other.data, "");
 }
 
 TEST(buffered, integers_take_the_same_paths_as_single_calls) {
