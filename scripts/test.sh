@@ -194,8 +194,8 @@ phase_abi() {
 
 # The whole of it: scripts/portability.sh s390x.
 phase_s390x() {
-    local families='stream memory filter buffered bounding chained lines transform blocks codec un_text digest
-        utf8_coder converter string code_pages integer_codes backup_filter mac_records io_attributes nio_file orders'
+    local families='stream memory filter buffered bounding chained lines transform codec command algorithm string code_pages
+        integer_codes backup_filter mac_records io_attributes nio_file orders'
     local programs
     read -rd "" -a programs <<<"$families" || true
     programs=("${programs[@]/%/_test}" fuzz_buffers fuzz_endian fuzz_integer_codes fuzz_mac_records fuzz_utf8)

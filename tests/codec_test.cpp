@@ -1,16 +1,19 @@
+#include "socle/any/converter.h"
+#include "socle/any/utf8_coder.h"
 #include "socle/basic/exception.h"
 #include "socle/nio/encoding.h"
 #include "socle/nio/strings.h"
 #include "socle/stream/vector_input.h"
+#include "tests/support/locale.h"
 #include "tests/support/streams.h"
 
 #include <gtest/gtest.h>
 
 namespace {
 
+using namespace std::string_literals;
 using support::fragment_source;
 using support::recording_target;
-using namespace std::string_literals;
 
 wide_string decoded(narrow_string const & bytes, bool validate) {
     wide_string out = u"old";
@@ -104,6 +107,105 @@ TEST(fields, need_room_for_their_bytes) {
     stream::vector_input long_field(data);
     EXPECT_THROW(nio::read_string(long_field, 0xFFFFFFFF, 0, false), basic::exception);
     EXPECT_EQ(long_field.tell(), 3u);
+}
+
+TEST(utf8_coder, encodes) {
+    struct row {
+        wide_string text;
+        narrow_string bytes;
+    };
+    for (auto const & [text, bytes] : {
+             row{u"", ""},
+             row{u"A\x7F", "A\x7F"},
+             row{{u'a', u'\0', u'b'},
+                 "a\xC0\x80"
+                 "b"},
+             row{u"\x80\xE9\x7FF", "\xC2\x80\xC3\xA9\xDF\xBF"},
+             row{u"\x800\x20AC\xFFFF", "\xE0\xA0\x80\xE2\x82\xAC\xEF\xBF\xBF"},
+             row{{0xD83D, 0xDE00}, "\xED\xA0\xBD\xED\xB8\x80"},
+         }) {
+        EXPECT_EQ(any::utf8_coder::encode(text), bytes);
+        EXPECT_EQ(any::utf8_coder::encoded_size(text), bytes.size());
+        EXPECT_EQ(any::utf8_coder::decode(bytes), text);
+    }
+}
+
+TEST(utf8_coder, decodes_what_is_malformed_byte_by_byte) {
+    struct row {
+        narrow_string bytes;
+        wide_string text;
+    };
+    for (auto const & [bytes, text] : {
+             row{"\xC3\x41\xC3\xA9", u"\xC3\xC3\xA9"},
+             row{"\xC3\xA9\x80\xC3\xA9", u"\xE9\x80\xC3\xA9"},
+             row{"\xF0\x9F\x98\x80", u"\xF0\x9F\x98\x80"},
+             row{"A\xC3", u"A\xC3"},
+             row{"\xE2", u"\xE2"},
+             row{"\xE2\x82", u"\xE2"},
+             row{"\xE2\x41", u"\xE2"},
+             row{"\xE2\x41\x82z", u"\xE2z"},
+             row{"\xE2\x82\x41\xC3\xA9", u"\xE2\xC3\xA9"},
+             row{"\xE0\x81\x81\xC1\x81", u"AA"},
+             row{{'\0', '\xE0', '\x80', '\x80'}, {u'\0', u'\0'}},
+         }) {
+        wide_string decoded = u"what stood there";
+        any::utf8_coder::decode(bytes, decoded);
+        EXPECT_EQ(decoded, text) << testing::PrintToString(bytes);
+    }
+}
+
+TEST(converter, walks_the_pages_until_one_holds_the_text) {
+    struct row {
+        wide_string text;
+        bool done;
+        narrow_string bytes;
+    };
+    check_in_locale("ru_RU.UTF-8", [] {
+        any::converter const converter(437, 1253);
+        for (auto const & [text, done, bytes] : {
+                 row{u"abc \xE9", true, "abc \x82"},    // by the page picked, 437
+                 row{u"\x20AC", true, "\x88"},          // by the ANSI page, 1251, although 1250 holds it as 0x80
+                 row{u"\x41F\x20AC", true, "\xCF\x88"}, // the same
+                 row{u"\x104", true, "\xA5"},           // by 1250, the first of those listed
+                 row{u"\x3042", true, "\x82\xA0"},      // by 932
+                 row{u"\x3042\x104", false, ""},        // each by a page, but both by none
+                 row{u"\xD83D\xDE00", false, ""},
+                 row{u"\x431\x2321", true, "\xC2\x9B"}, // by 20866
+                 row{u"\xCA\x5D0", false, ""},          // no page has both
+                 row{u"\x3042\xFF", false, ""},
+             }) {
+            narrow_string result = "what stood there";
+            EXPECT_EQ(converter.from_unicode(text, result, true), done) << bytes;
+            EXPECT_EQ(result, bytes);
+            EXPECT_EQ(converter.from_unicode(text, true), bytes);
+        }
+        EXPECT_EQ(converter.from_unicode(u"\x20AC", false), "\x80") << "1253 holds it";
+    });
+}
+
+TEST(converter, takes_the_systems_pages) {
+    check_in_locale("ru_RU", [] {
+        any::converter const converter;
+        EXPECT_EQ(converter.ansi_page(), 1251);
+        EXPECT_EQ(converter.oem_page(), 866);
+        EXPECT_EQ(converter.from_unicode(u"\x41F", true), "\xCF");
+        EXPECT_EQ(converter.from_unicode(u"\x41F", false), "\x8F");
+        EXPECT_EQ(converter.to_unicode("\xCF", true), u"\x41F");
+        EXPECT_EQ(converter.to_unicode("\xCF", false), u"\x2567");
+    });
+}
+
+TEST(converter, unknown_pages) {
+    check_in_locale("C", [] {
+        any::converter const unknown(-1, 65001);
+        wide_string wide = u"what stood there";
+        EXPECT_FALSE(unknown.to_unicode("a", wide, true));
+        EXPECT_EQ(wide, u"");
+        EXPECT_EQ(unknown.to_unicode("a", true), u"");
+        EXPECT_EQ(unknown.from_unicode(u"abc\x20AC", true), "abc\x80") << "by the pages listed";
+        EXPECT_EQ(unknown.to_unicode("\xE3\x81\x82", false), u"\x3042");
+        EXPECT_EQ(unknown.from_unicode(u"\x3042.", false), "\x82\xA0.") << "UTF-8 does not tell what it lacks";
+    });
 }
 
 } // namespace
