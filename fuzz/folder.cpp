@@ -426,9 +426,9 @@ private:
 
     void link(std::string const & path) {
         auto const place = join(parent_of(path), "link");
-        if (!model_.can_make(place))
+        if (!model_.can_make(place) || !support::limit_of_links().empty())
             return;
-        fs::create_directory_symlink(folder_ / "elsewhere", folder_ / "top" / place);
+        support::make_link(support::text_of(folder_ / "elsewhere"), folder_ / "top" / place);
         model_.nodes[place] = {kind::link};
     }
 
@@ -599,7 +599,7 @@ private:
         std::size_t count = 0;
         for (auto const & entry : fs::recursive_directory_iterator(folder_ / "top")) {
             auto const path = entry.path().lexically_relative(folder_ / "top");
-            auto const found = model_.nodes.find(path.string());
+            auto const found = model_.nodes.find(path.generic_string());
             check(found != model_.nodes.end());
             ++count;
             auto const & [what, bytes] = found->second;
@@ -613,7 +613,7 @@ private:
         check(fs::file_size(folder_ / "elsewhere" / "kept") == 4);
     }
 
-    scratch files_{fs::temp_directory_path()};
+    scratch files_;
     fs::path folder_ = files_.folder();
     wide_string root_ = files_.path("top");
     model model_;
