@@ -20,6 +20,7 @@ using support::raised;
 using support::recording_target;
 using support::rest;
 using support::text;
+using namespace std::string_literals;
 
 struct open_array_input : stream::array_input {
     using array_input::_copy;
@@ -80,14 +81,14 @@ TEST(vector_output, takes_bytes_texts_and_blocks) {
 }
 
 TEST(memory_input, skips_no_more_than_thirty_two_bits) {
-    stream::array_input none(nullptr, 0);
-    EXPECT_EQ(raised([&] { none.skip(too_much); }),
-              "stream::array_input: cannot skip more than the maximum array size");
-    EXPECT_EQ(none.skip(too_much - 1), 0u);
     byte_vector const vector(5);
+    stream::array_input array(nullptr, 0);
     stream::vector_input in(vector, 2);
+    EXPECT_EQ(raised([&] { array.skip(too_much); }),
+              "stream::array_input: cannot skip more than the maximum array size");
     EXPECT_EQ(raised([&] { in.skip(too_much); }),
               "stream::vector_input: cannot skip more than the maximum vector size");
+    EXPECT_EQ(array.skip(too_much - 1), 0u);
     EXPECT_EQ(in.skip(too_much - 1), 3u);
 }
 
@@ -190,39 +191,30 @@ TEST(array_output, copies_a_source_that_fits) {
 }
 
 TEST(vector_output, overwrites_then_grows) {
-    byte_vector vector = bytes("abcde");
-    stream::vector_output out(vector);
-    out.write('0');
-    out.write("1", 1);
-    EXPECT_EQ(text(vector), "01cde");
-    out.write("234567", 6);
-    EXPECT_EQ(text(vector), "01234567");
-    out.write('8');
-    out.write(nullptr, 0);
-    EXPECT_EQ(text(vector), "012345678");
-    EXPECT_EQ(out.size(), 9u);
-    vector.resize(3);
-    out.write("9", 1);
-    EXPECT_EQ(text(vector), std::string("012\0\0\0\0\0\0"
-                                        "9",
-                                        10));
-}
-
-TEST(vector_output, starts_past_the_end) {
-    byte_vector vector = bytes("ab");
-    stream::vector_output block(vector, 4);
-    block.write("xy", 2);
-    EXPECT_EQ(text(vector), std::string("ab\0\0xy", 6));
-    stream::vector_output single(vector, 9);
-    single.write('z');
-    EXPECT_EQ(text(vector), std::string("ab\0\0xyz", 7));
-    EXPECT_EQ(single.tell(), 10u);
-    byte_vector const data = bytes("123");
-    stream::vector_input in(data);
-    single.copy_from(in);
-    EXPECT_EQ(text(vector), std::string("ab\0\0xyz\0\0\0"
-                                        "123",
-                                        13));
+    struct {
+        std::string initial;
+        uint32 start;
+        std::vector<std::string> writes;
+        std::string result;
+    } const table[] = {
+        {"abcde", 0, {"0", "12", "", "34567", "8"}, "012345678"},
+        {"ab", 4, {"xy", "z"}, "ab\0\0xyz"s},
+    };
+    for (auto const & c : table) {
+        byte_vector vector = bytes(c.initial);
+        stream::vector_output out(vector, c.start);
+        for (auto const & piece : c.writes)
+            if (piece.size() == 1)
+                out.write(piece[0]);
+            else
+                out.write(piece.data(), static_cast<uint32>(piece.size()));
+        EXPECT_EQ(text(vector), c.result);
+        EXPECT_EQ(out.size(), c.result.size());
+        // The same once more, where the vector has become shorter.
+        vector.resize(1);
+        out.write("9", 1);
+        EXPECT_EQ(text(vector), c.result.substr(0, 1) + std::string(c.result.size() - 1, '\0') + "9");
+    }
 }
 
 TEST(vector_output, copy_grows_from_the_end) {
@@ -231,13 +223,25 @@ TEST(vector_output, copy_grows_from_the_end) {
     byte_vector const data = bytes("123");
     stream::vector_input in(data);
     out.copy_from(in);
-    EXPECT_EQ(text(vector), std::string("ab123f\0\0\0", 9));
+    EXPECT_EQ(text(vector), "ab123f\0\0\0"s);
     EXPECT_EQ(out.tell(), 5u);
     std::string const too_large = "stream::vector_output: input stream is too large to copy into the vector";
     support::huge_source just_too_much(0xFFFFFFFF - 8), huge;
     EXPECT_EQ(raised([&] { out.copy_from(just_too_much); }), too_large);
     EXPECT_EQ(raised([&] { out.copy_from(huge); }), too_large);
     EXPECT_EQ(vector.size(), 9u);
+    stream::vector_output beyond(vector, 11);
+    stream::vector_input again(data);
+    beyond.copy_from(again);
+    EXPECT_EQ(text(vector), "ab123f\0\0\0\0\0"s + "123");
+}
+
+TEST(vector_output, appends_a_single_byte_past_the_end) {
+    byte_vector vector = bytes("ab");
+    stream::vector_output out(vector, 9);
+    out.write('z');
+    EXPECT_EQ(text(vector), "abz");
+    EXPECT_EQ(out.tell(), 10u);
 }
 
 TEST(vector_output, takes_blocks_from_its_own_vector) {
@@ -292,7 +296,7 @@ TEST(vector_output, resizes_the_vector_but_not_below_the_position) {
     out.resize(6);
     EXPECT_EQ(vector.size(), 6u);
     out.resize(8);
-    EXPECT_EQ(text(vector), std::string("xxxxxx\0\0", 8));
+    EXPECT_EQ(text(vector), "xxxxxx\0\0"s);
     EXPECT_EQ(out.tell(), 4u);
     EXPECT_THROW(out.resize(uint64(1) << 63), std::length_error);
     if constexpr (sizeof(std::size_t) == 4)

@@ -18,7 +18,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <array>
 #include <cstdlib>
 
 namespace {
@@ -63,15 +62,15 @@ struct records {
         folder.extended.extended_flags = 0x8002;
         folder.extended.put_away_folder_id = 0x12345678;
     }
-    std::array<un::structure *, 4> in_order() { return {&file.info, &file.extended, &folder.info, &folder.extended}; }
 
     io::mac::file_attributes file;
     io::mac::folder_attributes folder;
 };
 
 void write_records(stream::output & out) {
-    records all;
-    for (un::structure const * record : all.in_order())
+    records const all;
+    for (un::structure const * record : std::initializer_list<un::structure const *>{
+             &all.file.info, &all.file.extended, &all.folder.info, &all.folder.extended})
         record->write(out);
 }
 

@@ -61,16 +61,12 @@ TEST(path, leaf) {
 TEST(path, adds_and_drops) {
     any::path path;
     path.add_leaf(u"");
-    EXPECT_EQ(of(path), elements{u""});
     EXPECT_EQ(path.full_string(), u"");
-    path += u"";
-    EXPECT_EQ(path.size(), 1u);
     path += u"a";
     EXPECT_EQ(path.full_string(), u"\\a");
     path.push_back(u"");
     EXPECT_EQ(path.full_string(), u"\\a\\");
     path.set_parent(any::path(u"p/q", true));
-    EXPECT_EQ(of(path), (elements{u"p", u"q"}));
     any::path into(u"x", u":", true);
     path.get_parent(into);
     into += u"y";
