@@ -1,38 +1,11 @@
 /// The filter of a file's streams in a backup.
 
 #include "fuzz/support/feed.h"
-#include "socle/nio/backup_filter_internal.h"
-
-#include <algorithm>
-#include <cstring>
-#include <stdexcept>
+#include "tests/support/record_sequence.h"
 
 namespace {
 
 using fuzz::check;
-
-/// A sequence in memory. What is read as a record's head tells where its data ends, at the latest with the sequence.
-class sequence : public nio::record_source {
-public:
-    explicit sequence(std::string_view bytes) : bytes_(bytes) {}
-
-    bool read(char * buffer, uint32 size, uint32 & done) override {
-        done = static_cast<uint32>(std::min<std::size_t>(size, bytes_.size() - at_));
-        std::memcpy(buffer, bytes_.data() + at_, done);
-        if (at_ == data_end_ && done == 20)
-            data_end_ = at_ + 20 + fuzz::number_at(bytes_, at_ + 16, 4)
-                        + std::min<uint64>(fuzz::number_at(bytes_, at_ + 8, 8), bytes_.size());
-        at_ += done;
-        return true;
-    }
-    void skip_data() override { at_ = static_cast<std::size_t>(std::min<uint64>(data_end_, bytes_.size())); }
-    [[noreturn]] void fail(char const * message) override { throw std::runtime_error(message); }
-
-private:
-    std::string_view bytes_;
-    std::size_t at_ = 0;
-    uint64 data_end_ = 0;
-};
 
 /// What comes through, and why it ended, read in blocks of the sizes given in turn.
 struct outcome {
@@ -40,7 +13,7 @@ struct outcome {
 };
 
 outcome filtered(std::string_view bytes, std::string_view sizes) {
-    sequence source(bytes);
+    support::record_sequence source(bytes);
     nio::backup_filter filter;
     outcome result;
     try {

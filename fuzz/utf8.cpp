@@ -37,6 +37,9 @@ void fuzz::run(std::string_view input) {
     nio::_utf8_decode(bytes, lax, false);
     check(strict == plain_decode(bytes, true) && lax == plain_decode(bytes, false));
     check(nio::decode(bytes, -3) == strict);
+    // The same in the midst of text that can be taken in words.
+    narrow_string const words(40, 'x');
+    check(nio::decode(words + bytes + words, -3) == plain_decode(words + bytes + words, true));
 
     // Text that is strictly decoded comes back.
     narrow_string out = "old";

@@ -36,18 +36,6 @@ TEST(line_input, reads_nothing_where_nothing_fits) {
     EXPECT_TRUE(source.asked.empty());
 }
 
-TEST(line_input, stands_between_the_two_bytes_of_a_pair) {
-    byte_vector const data = bytes("ab\r\ncd");
-    stream::vector_input memory(data);
-    stream::line_input in(memory);
-    EXPECT_EQ(in.read_line(), "ab");
-    EXPECT_EQ(in.tell(), 3u);
-    EXPECT_EQ(in.read(), '\n');
-    in.unread("x\n", 2);
-    EXPECT_EQ(in.read_line(), "x");
-    EXPECT_EQ(in.read_line(), "cd");
-}
-
 TEST(text_output, turns_line_ends) {
     struct {
         int mode;

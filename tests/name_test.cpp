@@ -7,33 +7,10 @@
 
 namespace {
 
-using fragments = std::vector<wide_string>;
-
 any::name named(wide_string const & text, char16_t separator = u'/') {
     any::name name(separator);
     name.set_ucs2(text);
     return name;
-}
-
-TEST(name, fragments) {
-    struct row {
-        wide_string text;
-        fragments pieces;
-    };
-    for (auto const & [text, pieces] : {
-             row{u"a/./b/", {u"a", u"b"}},
-             row{u"/a//b", {u"", u"a", u"", u"b"}},
-             row{u"./", {u""}},
-             row{u".", {}},
-         }) {
-        any::name const name = named(text);
-        EXPECT_EQ(fragments(name.fragment_begin(), name.fragment_end()), pieces) << testing::PrintToString(text);
-        EXPECT_EQ(name.fragment_begin() == name.fragment_end(), pieces.empty());
-        any::name sized = name;
-        EXPECT_EQ(sized.fragment_size(), pieces.size());
-        EXPECT_EQ(name.leaf(), pieces.empty() ? u"" : pieces.back());
-    }
-    EXPECT_EQ(named(u"a\\b/c", any::name::default_separator).leaf(), u"b/c");
 }
 
 TEST(name, iterators_step) {
@@ -71,6 +48,7 @@ TEST(name, add_leaf) {
     EXPECT_EQ((empty = name).get_ucs2(), u"a/b/c");
     empty.add_leaf(u"d");
     EXPECT_EQ(empty.leaf(), u"d") << "the separator came along";
+    EXPECT_EQ(named(u"a\\b/c", any::name::default_separator).leaf(), u"b/c");
 }
 
 TEST(name, encodings) {

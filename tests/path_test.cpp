@@ -45,19 +45,6 @@ TEST(path, cuts_at_the_separators_given) {
     EXPECT_EQ((path + any::path(u"r/s", true)).full_string(), u"p:q:r:s");
 }
 
-TEST(path, leaf) {
-    struct row {
-        char16_t const * leaf;
-        char16_t const * name;
-        char16_t const * ext;
-    };
-    for (auto const & [leaf, name, ext] : {row{u"a.b.c", u"a.b", u".c"}, row{u"abc", u"abc", u""},
-                                           row{u".profile", u"", u".profile"}, row{u"a.", u"a", u"."}}) {
-        EXPECT_EQ(any::path(leaf, true).leaf_name(), name);
-        EXPECT_EQ(any::path(leaf, true).leaf_ext(), ext);
-    }
-}
-
 TEST(path, adds_and_drops) {
     any::path path;
     path.add_leaf(u"");
@@ -124,21 +111,6 @@ TEST(path, order) {
     for (std::size_t i = 0; i < sorted.size(); ++i)
         for (std::size_t k = 0; k < sorted.size(); ++k)
             EXPECT_EQ(any::path(sorted[i], true) < any::path(sorted[k], u":/", true), i < k) << i << " " << k;
-}
-
-TEST(nio_path, splits) {
-    struct row {
-        wide_string path, name, ext;
-    };
-    for (row const & r : {
-             row{u"d\\a.tar.gz", u"a.tar", u".gz"},
-             row{u".profile", u"", u".profile"},
-             row{u"a.", u"a", u"."},
-             row{u"dir.x\\a", u"a", u""},
-         }) {
-        EXPECT_EQ(nio::leaf_name(r.path, u'\\'), r.name);
-        EXPECT_EQ(nio::leaf_ext(r.path, u'\\'), r.ext);
-    }
 }
 
 TEST(nio_path, normalizes_all_but_a_drive) {
