@@ -42,6 +42,10 @@ std::string parent_of(std::string const & path) {
 }
 std::string leaf_of(std::string const & path) { return path.substr(path.rfind('/') + 1); }
 std::string sidecar_of(std::string const & path) { return join(parent_of(path), "._" + leaf_of(path)); }
+void require(bool possible) {
+    if (!possible)
+        throw refusal();
+}
 std::string normal(std::string path) {
     std::replace(path.begin(), path.end(), '?', '_');
     return path;
@@ -136,8 +140,7 @@ public:
             path = exists(safe + suffix) ? unique(safe) : safe;
         else
             throw refusal();
-        if (!make_file(path + suffix, false))
-            throw refusal();
+        require(make_file(path + suffix, false));
         return path;
     }
     std::string create_folder(std::string const & path) {
@@ -145,16 +148,21 @@ public:
             return path;
         auto const safe = normal(path);
         auto const changed = safe != path ? unique(safe) : path;
-        if (!make_folder(changed))
-            throw refusal();
+        require(make_folder(changed));
         return changed;
     }
-    void create_all_parents(std::string const & path) {
+    void create_with_parent(std::string const & path) {
+        if (!exists(path))
+            create_folder(parent_of(path));
+        create_folder(path);
+    }
+    void create_with_all_parents(std::string const & path, bool overwrite) {
         std::vector<std::string> missing(1, parent_of(path));
         for (auto above = parent_of(missing.back()); !exists(above); above = parent_of(above))
             missing.push_back(above);
         for (; !missing.empty(); missing.pop_back())
             create_folder(missing.back());
+        create_fork(path, "", overwrite);
     }
     bool shows(std::string const & path) const {
         auto const base = path.substr(0, path.size() - std::min<std::size_t>(5, path.size()));
@@ -183,8 +191,7 @@ public:
     void make_directory(std::string const & path) {
         if (exists(path) || make_folder(path) || normal(path) == path)
             return;
-        if (!make_folder(normal(path)))
-            throw refusal();
+        require(make_folder(normal(path)));
     }
     void create_parents(std::string const & path) {
         std::vector<std::string> missing;
@@ -192,6 +199,12 @@ public:
             missing.push_back(above);
         for (; !missing.empty(); missing.pop_back())
             make_directory(missing.back());
+    }
+    void create_directory(std::string const & path) {
+        if (exists(path))
+            return;
+        create_parents(path);
+        make_directory(path);
     }
     /// Gives the path of the file afterwards, of which the fork is made; none if it is closed.
     template <class Name>
@@ -235,23 +248,24 @@ public:
     void unlink_file(std::string const & path, bool must) {
         if (exists(sidecar_of(path)))
             unlink_file(sidecar_of(path), must);
-        if (!delete_file(path) && must)
-            throw refusal();
+        require(delete_file(path) || !must);
     }
     void unlink_folder(std::string const & path, bool must) {
-        if (!delete_folder(path) && must)
-            throw refusal();
+        require(delete_folder(path) || !must);
+    }
+    void unlink(std::string const & path, bool must) {
+        if (looks_like_folder(path))
+            unlink_folder(path, must);
+        else
+            unlink_file(path, must);
     }
     void unlink_children(std::string const & path, bool must) {
         for (auto const & each : children(path)) {
             if (leaf_of(each).starts_with("._"))
                 continue;
-            if (looks_like_folder(each)) {
+            if (looks_like_folder(each))
                 unlink_children(each, must);
-                unlink_folder(each, must);
-            } else {
-                unlink_file(each, must);
-            }
+            unlink(each, must);
         }
     }
 
@@ -277,6 +291,10 @@ public:
         bool const flag = in.flag();
         if (through_link(path))
             return;
+        auto file = file_of(path);
+        io::directory folder(io_path(path));
+        nio::directory wide(wide_path(path));
+        auto after = path;
         switch (choice) {
         case 0: link(path); break;
         case 1:
@@ -284,10 +302,11 @@ public:
         case 3: create_fork(path, in.below(3), flag, in.text()); break;
         case 4:
         case 5: change(path, in); break;
-        case 6: same([&] { file_of(path).unlink(flag); }, [&] { model_.delete_file(path); }); break;
-        case 7:
-            same([&] { file_of(path).data_fork().unlink(flag); }, [&] { require(model_.delete_file(path) || !flag); });
+        case 6:
+            model_.delete_file(path);
+            attempt(true, [&] { file.unlink(flag); });
             break;
+        case 7: attempt(model_.delete_file(path) || !flag, [&] { file.data_fork().unlink(flag); }); break;
         case 8:
         case 9: {
             auto const to = take_path(in);
@@ -295,46 +314,23 @@ public:
                 move(path, to, in.below(3));
             break;
         }
-        case 10: {
-            io::directory folder(io_path(path));
-            std::string after = path;
+        case 10:
             same([&] { folder.create(flag); }, [&] { after = model_.create_folder(path); });
             check(wide_string(folder.path().full_string()) == wide_path(after));
             break;
-        }
-        case 11:
-            same([&] { io::directory(io_path(path)).create_with_parents(flag); },
-                 [&] {
-                     if (!model_.exists(path))
-                         model_.create_folder(parent_of(path));
-                     model_.create_folder(path);
-                 });
-            break;
+        case 11: same([&] { folder.create_with_parents(flag); }, [&] { model_.create_with_parent(path); }); break;
         case 12:
-            same(
-                [&] {
-                    auto file = file_of(path);
-                    file.create_with_parents(flag);
-                    file.data_fork().close(true);
-                },
-                [&] {
-                    model_.create_all_parents(path);
-                    model_.create_fork(path, "", flag);
-                });
+            same([&] { file.create_with_parents(flag); }, [&] { model_.create_with_all_parents(path, flag); });
+            file.data_fork().close(true);
             break;
-        case 13:
-            same([&] { io::directory(io_path(path)).unlink(flag); },
-                 [&] { require(model_.delete_folder(path) || !flag); });
-            break;
+        case 13: attempt(model_.delete_folder(path) || !flag, [&] { folder.unlink(flag); }); break;
         case 14:
-            same([&] { io::directory(io_path(path)).unlink_children(flag); }, [&] { model_.erase_below(path); });
+            model_.erase_below(path);
+            attempt(true, [&] { folder.unlink_children(flag); });
             break;
         case 15:
-            same([&] { io::directory(io_path(path)).unlink_with_children(flag); },
-                 [&] {
-                     model_.erase_below(path);
-                     require(model_.delete_folder(path) || !flag);
-                 });
+            model_.erase_below(path);
+            attempt(model_.delete_folder(path) || !flag, [&] { folder.unlink_with_children(flag); });
             break;
         case 16: list(flag ? path : parent_of(path)); break;
         case 17: scan(flag ? path : parent_of(path)); break;
@@ -345,30 +341,11 @@ public:
             if (auto const to = take_path(in); !through_link(to))
                 move_wide(path, to, flag);
             break;
-        case 22:
-            same([&] { nio::unlink(wide_path(path), flag); },
-                 [&] {
-                     if (model_.looks_like_folder(path))
-                         model_.unlink_folder(path, flag);
-                     else
-                         model_.unlink_file(path, flag);
-                 });
-            break;
-        case 23:
-            same([&] { nio::directory(wide_path(path)).create(); },
-                 [&] {
-                     if (model_.exists(path))
-                         return;
-                     model_.create_parents(path);
-                     model_.make_directory(path);
-                 });
-            break;
-        case 24:
-            same([&] { nio::directory(wide_path(path)).unlink_children(flag); },
-                 [&] { model_.unlink_children(path, flag); });
-            break;
+        case 22: same([&] { nio::unlink(wide_path(path), flag); }, [&] { model_.unlink(path, flag); }); break;
+        case 23: same([&] { wide.create(); }, [&] { model_.create_directory(path); }); break;
+        case 24: same([&] { wide.unlink_children(flag); }, [&] { model_.unlink_children(path, flag); }); break;
         default:
-            same([&] { nio::directory(wide_path(path)).unlink_with_children(flag); },
+            same([&] { wide.unlink_with_children(flag); },
                  [&] {
                      model_.unlink_children(path, flag);
                      model_.unlink_folder(path, flag);
@@ -378,11 +355,6 @@ public:
     }
 
 private:
-    static void require(bool possible) {
-        if (!possible)
-            throw refusal();
-    }
-
     /// One to three names.
     static std::string take_path(fuzz::feed & in) {
         static char const * const names[] = {"a",     "b",     "a.rsrc", "a.info", "._a",  "d",      "q?",     "q_",
@@ -424,6 +396,10 @@ private:
         check((by_io || by_nio) == wanted_refused);
     }
 
+    static void attempt(bool possible, auto act) {
+        same(act, [&] { require(possible); });
+    }
+
     void link(std::string const & path) {
         auto const place = join(parent_of(path), "link");
         if (!model_.can_make(place) || !support::limit_of_links().empty())
@@ -456,7 +432,7 @@ private:
         auto file = file_of(path);
         io::fork & fork = file.data_fork();
         bool const write = in.flag();
-        same([&] { write ? fork.open_rw() : fork.open(); }, [&] { require(model_.is(path, kind::file)); });
+        attempt(model_.is(path, kind::file), [&] { write ? fork.open_rw() : fork.open(); });
         if (!fork.descriptor().valid())
             return;
         auto & bytes = model_.nodes[path].bytes;
@@ -501,16 +477,14 @@ private:
         auto const target = how == 0   ? to
                             : how == 1 ? join(parent_of(path), leaf_of(to))
                                        : join(parent_of(to), leaf_of(path));
-        same(
-            [&] {
-                if (how == 0)
-                    item.move(io_path(to));
-                else if (how == 1)
-                    item.rename(io_path(to).leaf());
-                else
-                    item.move(io::directory(io_path(parent_of(to))));
-            },
-            [&] { require(model_.move(path, target)); });
+        attempt(model_.move(path, target), [&] {
+            if (how == 0)
+                item.move(io_path(to));
+            else if (how == 1)
+                item.rename(io_path(to).leaf());
+            else
+                item.move(io::directory(io_path(parent_of(to))));
+        });
         check(wide_string(item.path().full_string()) == wide_path(target));
     }
 
