@@ -2,6 +2,7 @@
 #include "socle/platform/errors.h"
 #include "socle/platform/file_times.h"
 #include "socle/platform/files.h"
+#include "socle/platform/folders.h"
 #include "socle/platform/host.h"
 #include "socle/platform/paths.h"
 #include "tests/support/handles.h"
@@ -244,6 +245,39 @@ TEST_F(platform_contract, folders_are_made_moved_and_removed) {
     EXPECT_EQ(code(MoveFileW(scratch_.path("file"), scratch_.path("none/file"))), 3u);
     EXPECT_EQ(code(MoveFileW(scratch_.path("full"), scratch_.path("moved"))), 0u);
     EXPECT_TRUE(scratch_.exists("moved/x") && !scratch_.exists("full"));
+}
+
+TEST_F(platform_contract, folders_are_held_open_and_take_one_name) {
+    fs::create_directories(scratch_.host("folder/sub"));
+    scratch_.write("folder/file", "bytes");
+    open_folder folder, sub;
+    EXPECT_EQ(code(folder.open(scratch_.path("folder/file"))), 267u);
+    EXPECT_EQ(code(DeleteFileW(folder, u"file")), 6u);
+    ASSERT_TRUE(folder.open(scratch_.path("folder")));
+    struct {
+        wide_string name;
+        uint32 code;
+    } const table[] = {{u"file", 267}, {u"none", 2},   {u"", 123},          {u".", 123},  {u"..", 123},
+                       {u"a\\b", 123}, {u"sub/", 123}, {u"file:note", 123}, {u"C:", 123}, {u"sub", 0}};
+    for (auto const & c : table)
+        EXPECT_EQ(code(sub.open(folder, c.name)), c.code) << narrow_string(c.name.begin(), c.name.end());
+
+    EXPECT_EQ(code(MoveFileW(folder, u"file", sub, u"moved")), 0u);
+    EXPECT_EQ(scratch_.read("folder/sub/moved"), "bytes");
+    EXPECT_EQ(code_of(CreateFileW(folder, u"new", GENERIC_WRITE, FILE_SHARE_READ, CREATE_NEW, 0)), 0u);
+    EXPECT_EQ(code(CreateDirectoryW(folder, u"new")), 183u);
+    EXPECT_EQ(GetFileKindW(folder, u"sub"), FILE_ATTRIBUTE_DIRECTORY);
+    std::vector<wide_string> names;
+    WIN32_FIND_DATAW data;
+    file_search * const search = FindFirstFileW(folder, data);
+    for (bool more = search != nullptr; more; more = FindNextFileW(search, data))
+        names.push_back(data.cFileName);
+    FindClose(search);
+    EXPECT_EQ(names, (std::vector<wide_string>{u"new", u"sub"}));
+    EXPECT_EQ(code(DeleteFileW(sub, u"moved")), 0u);
+    sub.close();
+    EXPECT_EQ(code(RemoveDirectoryW(folder, u"sub")), 0u);
+    EXPECT_FALSE(scratch_.exists("folder/sub"));
 }
 
 TEST_F(platform_contract, volumes_are_folders_with_a_letter) {

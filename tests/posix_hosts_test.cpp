@@ -5,8 +5,11 @@
 #include "socle/nio/exception.h"
 #include "socle/nio/file.h"
 #include "socle/platform/code_pages.h"
+#include "socle/platform/error_text.h"
+#include "socle/platform/errors.h"
 #include "socle/platform/host.h"
 #include "socle/platform/posix/host/host_calls.h"
+#include "socle/platform/posix/host/host_error.h"
 #include "tests/support/ntfs_folder.h"
 #include "tests/support/scratch.h"
 
@@ -53,6 +56,21 @@ TEST(code_pages, are_those_that_are_listed) {
         EXPECT_EQ(platform::WideCharToMultiByte(page, u"a", 1, &byte, 1, nullptr, nullptr), 0u);
         EXPECT_EQ(platform::last_error(), 87u);
     }
+}
+
+TEST(system_error, every_failure_of_the_host_has_a_text) {
+    using namespace platform;
+    EXPECT_EQ(posix::code_of(posix::host_error()), 0u);
+    SetLastError(77);
+    for (int error = 1; error < 140; ++error) {
+        uint32 const code = posix::code_of(posix::host_error(error)).value();
+        EXPECT_NE(code, 0u) << error;
+        narrow_string const text = system_error_text(code);
+        EXPECT_NE(text, "unknown error") << error;
+        EXPECT_TRUE(!text.empty() && std::string_view("\r\n.").find(text.back()) == std::string_view::npos) << text;
+    }
+    EXPECT_EQ(system_error_text(0xFFFFFFFF), "unknown error");
+    EXPECT_EQ(GetLastError(), 77u);
 }
 
 TEST(io_attributes, are_no_guess_where_the_host_fails) {

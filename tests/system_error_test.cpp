@@ -3,27 +3,12 @@
 #include "socle/nio/filesystem_exception.h"
 #include "socle/platform/error_text.h"
 #include "socle/platform/errors.h"
-#include "socle/platform/posix/host/host_error.h"
 
 #include <gtest/gtest.h>
 
 namespace {
 
 using namespace platform;
-
-TEST(system_error, every_failure_of_the_host_has_a_text) {
-    EXPECT_EQ(posix::code_of(posix::host_error()), 0u);
-    SetLastError(77);
-    for (int error = 1; error < 140; ++error) {
-        uint32 const code = posix::code_of(posix::host_error(error)).value();
-        EXPECT_NE(code, 0u) << error;
-        narrow_string const text = system_error_text(code);
-        EXPECT_NE(text, "unknown error") << error;
-        EXPECT_TRUE(!text.empty() && std::string_view("\r\n.").find(text.back()) == std::string_view::npos) << text;
-    }
-    EXPECT_EQ(system_error_text(0xFFFFFFFF), "unknown error");
-    EXPECT_EQ(GetLastError(), 77u);
-}
 
 TEST(system_error, text_in_a_buffer) {
     char buffer[256];
