@@ -9,6 +9,16 @@ typedef unsigned char byte_block __attribute__((vector_size(16)));
 typedef uint16 block_of_16 __attribute__((vector_size(16)));
 typedef uint32 block_of_32 __attribute__((vector_size(16)));
 typedef uint64 block_of_64 __attribute__((vector_size(16)));
+typedef unsigned char half_byte_block __attribute__((vector_size(8)));
+typedef uint16 half_block_of_16 __attribute__((vector_size(8)));
+
+/// Whether a comparison holds for all numbers of a block.
+template <class Comparison>
+bool all_of(Comparison const & holds) {
+    char lanes[sizeof holds];
+    std::memcpy(lanes, &holds, sizeof lanes);
+    return (load<uint64>(lanes, false) & load<uint64>(lanes + 8, false)) == ~uint64();
+}
 
 /// The index of the first byte that is `a` or `b`, or `count`.
 inline std::size_t find_either(char const * bytes, std::size_t count, char a, char b) {

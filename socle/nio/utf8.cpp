@@ -1,7 +1,7 @@
 #include "socle/nio/utf8.h"
 
 #include "socle/basic/ascii_internal.h"
-#include "socle/basic/internal/byte_order.h"
+#include "socle/basic/byte_blocks_internal.h"
 
 #include <algorithm>
 #include <bit>
@@ -10,6 +10,11 @@ namespace nio {
 
 namespace {
 
+using basic::all_of;
+using basic::block_of_16;
+using basic::block_of_32;
+using basic::half_block_of_16;
+using basic::half_byte_block;
 using basic::ascii::copy_ascii;
 using basic::ascii::is_ascii;
 using basic::ascii::step;
@@ -21,15 +26,12 @@ unsigned char value(char byte) { return static_cast<unsigned char>(byte); }
 
 bool continues(char byte) { return (value(byte) & 0xC0) == 0x80; }
 
-/// The bytes of a word, the lowest first, as units.
-void spread(uint64 word, char16_t * to) {
-    constexpr int low_byte = std::endian::native == std::endian::big ? 8 : 0;
-    for (uint64 units : {word & 0xFFFFFFFF, word >> 32}) {
-        units = (units | units << 16) & 0x0000FFFF0000FFFF;
-        units = (units | units << 8) & 0x00FF00FF00FF00FF;
-        basic::store<uint64>(reinterpret_cast<char *>(to), units << low_byte, false);
-        to += 4;
-    }
+/// Eight bytes as units.
+void spread(char const * from, char16_t * to) {
+    half_byte_block bytes;
+    std::memcpy(&bytes, from, sizeof bytes);
+    auto const units = __builtin_convertvector(bytes, block_of_16);
+    std::memcpy(to, &units, sizeof units);
 }
 
 /// Collects output in a block and appends it, so that the string is not zero-filled first.
@@ -76,7 +78,7 @@ char16_t decode_any(char const *& at, char const * end, bool validate) {
 }
 
 // A sequence of three bytes at the low end of a word.
-constexpr uint64 three_mask = 0xC0C0F0, three_bytes = 0x8080E0;
+constexpr uint32 three_mask = 0xC0C0F0, three_bytes = 0x8080E0;
 
 uint32 three(uint64 word) {
     return static_cast<uint32>((word & 0xF) << 12 | (word >> 2 & 0xFC0) | (word >> 16 & 0x3F));
@@ -84,6 +86,20 @@ uint32 three(uint64 word) {
 
 /// All from 0x800 on but surrogates and the two that are no characters.
 bool is_plain_three(uint32 u) { return u - 0x800 < 0xD000 || u - 0xE000 < 0x1FFE; }
+
+/// Decodes four sequences of three bytes at once. False, with nothing done, where one is not plain; looks at 13 bytes.
+bool decode_threes(char const * from, char16_t * to) {
+    auto const at = [from](int i) { return basic::load<uint32>(from + 3 * i, false); };
+    block_of_32 const triples = {at(0), at(1), at(2), at(3)};
+    block_of_32 const units = (triples & 0xF) << 12 | (triples >> 2 & 0xFC0) | (triples >> 16 & 0x3F);
+    auto const high = units & 0xF800;
+    if (!all_of(((triples & three_mask) == three_bytes) & (high != 0) & (high != 0xD800)
+                & ((units & 0xFFFE) != 0xFFFE)))
+        return false;
+    auto const narrow = __builtin_convertvector(units, half_block_of_16);
+    std::memcpy(to, &narrow, sizeof narrow);
+    return true;
+}
 
 /// Decodes a word at a time, until a whole word is ASCII, `8 * step` units are there, or less than a word is left.
 /// Returns the end of the units.
@@ -93,7 +109,7 @@ char16_t * decode_words(char const *& from, char const * end, char16_t * to, boo
         auto const plain = std::size_t(std::countr_zero(word & 0x8080808080808080)) / 8;
         if (plain != 0) {
             // All of the word, and what is not ASCII is written over.
-            spread(word, to);
+            spread(from, to);
             from += plain;
             to += plain;
             if (plain == word_size)
@@ -106,24 +122,36 @@ char16_t * decode_words(char const *& from, char const * end, char16_t * to, boo
             continue;
         }
         if ((word & three_mask) == three_bytes) {
+            auto const * const start = from;
+            for (; to < stop && end - from >= 16 && decode_threes(from, to); from += 12)
+                to += 4;
             uint32 const u = three(word);
-            if (is_plain_three(u)) {
+            if (from == start && is_plain_three(u)) {
                 *to++ = static_cast<char16_t>(u);
                 from += 3;
-                word >>= 24;
-                uint32 const next = three(word);
-                if ((word & three_mask) == three_bytes && is_plain_three(next)) {
-                    *to++ = static_cast<char16_t>(next);
-                    from += 3;
-                }
-                continue;
             }
+            if (from != start)
+                continue;
         }
         if (plain != 0)
             continue; // the rest of the sequence may lie behind the word
         *to++ = decode_any(from, end, validate);
     }
     return to;
+}
+
+/// Encodes four units of three bytes at once. False, with nothing done, where one is of another size; writes 14 bytes,
+/// of which 12 count.
+bool encode_threes(char16_t const * from, char * to) {
+    half_block_of_16 narrow;
+    std::memcpy(&narrow, from, sizeof narrow);
+    auto const units = __builtin_convertvector(narrow, block_of_32);
+    if (!all_of((units & 0xF800) != 0))
+        return false;
+    auto const triples = 0x8080E0 | units >> 12 | (units << 2 & 0x3F00) | (units << 16 & 0x3F0000);
+    for (int const i : {0, 2})
+        basic::store<uint64>(to + 3 * i, triples[i] | uint64(triples[i + 1]) << 24, false);
+    return true;
 }
 
 } // namespace
@@ -164,6 +192,9 @@ void _utf8_encode(wide_string const & text, narrow_string & out) {
                 to[0] = static_cast<char>(0xC0 | unit >> 6);
                 to[1] = static_cast<char>(0x80 | (unit & 0x3F));
                 to += 2;
+            } else if (stop - from >= 3 && encode_threes(from - 1, to)) {
+                from += 3;
+                to += 12;
             } else {
                 // Four bytes at once cost less than three; the last is written over.
                 basic::store<uint32>(to, 0x008080E0 | unit >> 12 | (unit << 2 & 0x3F00) | (unit << 16 & 0x3F0000),
