@@ -34,6 +34,11 @@ std::string raised(auto && call) {
     return "nothing";
 }
 
+wide_string text_of(io::item const & item) { return item.path().full_string(); }
+wide_string text_of(nio::item const & item) { return item.path(); }
+wide_string text_of(wide_string const & path) { return path; }
+wide_string leaf_of(wide_string const & path) { return path.substr(path.rfind(u'\\') + 1); }
+
 template <bool wide>
 struct io_family {
     using item = io::item;
@@ -44,12 +49,11 @@ struct io_family {
     ~io_family() { io::wide_calls = true; }
 
     static any::path path(wide_string const & text) { return {text, true}; }
-    static wide_string text(io::item const & item) { return item.path().full_string(); }
     static wide_string unique(wide_string const & from, int tries) {
         io::item item(path(from));
         bool const changed = item.make_unique(tries);
-        EXPECT_EQ(changed, text(item) != from);
-        return text(item);
+        EXPECT_EQ(changed, text_of(item) != from);
+        return text_of(item);
     }
 };
 
@@ -59,8 +63,6 @@ struct nio_family {
     using refusal = nio::filesystem_exception;
 
     static wide_string path(wide_string const & text) { return text; }
-    static wide_string text(wide_string const & path) { return path; }
-    static wide_string text(nio::item const & item) { return item.path(); }
     static wide_string unique(wide_string const & from, int tries) {
         return nio::make_unique(from, static_cast<uint32>(tries));
     }
@@ -77,12 +79,8 @@ struct families : testing::Test {
         std::string names;
         folder_type const walked = folder(name);
         for (auto const & entry : walked)
-            names += platform::to_host(leaf(entry)) + ' ';
+            names += platform::to_host(leaf_of(text_of(entry))) + ' ';
         return names;
-    }
-    static wide_string leaf(auto const & entry) {
-        wide_string const text = Family::text(entry);
-        return text.substr(text.rfind(u'\\') + 1);
     }
     scratch here_;
     Family family_;
@@ -132,23 +130,25 @@ TYPED_TEST(families, walks_hide_sidecars) {
 }
 
 TYPED_TEST(families, copies_of_iterators_go_on_from_the_start) {
-    for (char const * name : {"a", "b", "c"})
+    for (char const * name : {"a", "b"})
         this->here_.write(name, "");
+    fs::create_directory(this->here_.host("c"));
     auto const folder = this->folder("");
     auto entry = std::ranges::next(folder.begin(), 2);
     auto copy = entry;
-    EXPECT_EQ(this->leaf(*copy), u"c");
-    EXPECT_EQ(this->leaf(*++copy), u"b");
+    EXPECT_EQ(leaf_of(text_of(*copy)), u"c");
+    EXPECT_TRUE(copy.is_directory());
+    EXPECT_EQ(leaf_of(text_of(*++copy)), u"b");
     EXPECT_TRUE(++entry == typename TypeParam::directory().end());
     decltype(entry) assigned;
     assigned = copy;
-    EXPECT_EQ(this->leaf(*assigned), u"b");
-    EXPECT_EQ(this->leaf(*assigned++), u"b");
+    EXPECT_EQ(leaf_of(text_of(*assigned)), u"b");
+    EXPECT_EQ(leaf_of(text_of(*assigned++)), u"b");
     assigned = entry;
     EXPECT_FALSE(assigned == entry); // a search of its own, from the start
     // Moving goes on in the same search.
     auto moved = std::ranges::next(folder.begin(), 1);
-    EXPECT_EQ(this->leaf(*std::ranges::next(std::move(moved), 1)), u"c");
+    EXPECT_EQ(leaf_of(text_of(*std::ranges::next(std::move(moved), 1))), u"c");
 }
 
 TYPED_TEST(families, unique_names_count_before_the_ending) {
@@ -277,6 +277,44 @@ TYPED_TEST(families, are_named_absolutely_and_by_links) {
     }
 }
 
+/// The leaf name of an object after something was made of it, or was not.
+wide_string leaf_after(auto object, auto make) {
+    raised([&] { make(object); });
+    return leaf_of(text_of(object));
+}
+
+TEST(both_families, mend_names_that_cannot_be_made) {
+    scratch const here;
+    for (char const * taken : {"x_y", "s_t.rsrc", "d_", "n_", "._r_", "from"})
+        here.write(taken, "old");
+    wide_string const in = here.path("");
+    auto const io_file = [](io::file & file) { EXPECT_TRUE(file.create(true)); };
+    auto const io_rsrc = [](io::file & file) { file.rsrc_fork().create(true); };
+    auto const io_folder = [](io::directory & folder) { EXPECT_TRUE(folder.create(false)); };
+    auto const nio_file = [](nio::file & file) { EXPECT_TRUE(file.create(false)); };
+    auto const nio_rsrc = [](nio::file & file) { EXPECT_TRUE(file.create_rsrc(false, true)); };
+    auto const nio_folder = [](nio::directory & folder) { EXPECT_TRUE(folder.create()); };
+    EXPECT_EQ(leaf_after(io::file(any::path(in + u"x?y", true)), io_file), u"x_y_1"); // never over another file
+    EXPECT_EQ(leaf_after(io::file(any::path(in + u"no\\a?", true)), io_file), u"a?");
+    EXPECT_EQ(leaf_after(io::file(any::path(in + u"s?t", true)), io_rsrc), u"s?t");
+    EXPECT_EQ(leaf_after(io::directory(any::path(in + u"d?", true)), io_folder), u"d__1");
+    EXPECT_EQ(leaf_after(io::directory(any::path(in + u"x_y\\b?", true)), io_folder), u"b?");
+    EXPECT_EQ(leaf_after(nio::file(in + u"f?", nio::file::mode_closed), nio_file), u"f_");
+    EXPECT_EQ(leaf_after(nio::file(in + u"n?", nio::file::mode_closed), nio_file), u"n?");
+    EXPECT_EQ(leaf_after(nio::file(in + u"q?", nio::file::mode_closed), nio_rsrc), u"q_");
+    EXPECT_EQ(leaf_after(nio::file(in + u"r?", nio::file::mode_closed), nio_rsrc), u"r?");
+    EXPECT_EQ(leaf_after(nio::directory(in + u"g?"), nio_folder), u"g_");
+    EXPECT_EQ(leaf_after(nio::directory(in + u"d?"), nio_folder), u"d?");
+    for (auto const & [name, after] : {std::pair("n?", "n_"), std::pair("c?", "c_")}) {
+        wide_string to = here.path(name);
+        raised([&] { EXPECT_TRUE(nio::move(here.path("from"), to, false)); });
+        EXPECT_EQ(to, here.path(after));
+    }
+    for (char const * taken : {"x_y", "s_t.rsrc", "d_", "n_", "._r_", "c_"})
+        EXPECT_EQ(here.read(taken), "old");
+    EXPECT_TRUE(here.exists("d__1") && here.exists("f_") && here.exists("._q_") && here.exists("g_"));
+}
+
 TEST(both_families, say_what_could_not_be_done) {
     scratch const here;
     for (char const * file : {"a", "b", "s_t.rsrc", "._c", "._a", "n_"})
@@ -312,6 +350,7 @@ TEST(both_families, say_what_could_not_be_done) {
         {"cannot create: 80", [&] { nio::file(here.path("") + u"n?", nio::file::mode_closed).create(false); }},
         {"cannot delete: 2", [&] { nio::unlink(here.path("none"), true); }},
         {"cannot delete: 2", [&] { nio::directory(here.path("none")).unlink(true); }},
+        {"cannot create: 183", [&] { nio::directory(here.path("") + u"n?").create(); }},
         {"nothing", [&] { nio::directory(here.path("a/b/c")).create(); }},
     };
     for (auto const & [words, act] : table)

@@ -129,6 +129,7 @@ TEST(nio_file, keeps_its_fork_in_a_sidecar) {
     EXPECT_FALSE(file.create_rsrc(true, false)); // one is there
     EXPECT_FALSE(file.is_open());
     file.open();
+    EXPECT_EQ(file.size(), 4u);
     EXPECT_EQ(rest(file), "data");
     file.close();
 
