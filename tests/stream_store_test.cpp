@@ -40,9 +40,7 @@ protected:
     }
 
     fs::path store() const { return fs::path(volume_.folder()) / ".socle_streams"; }
-    std::size_t folders() const {
-        return static_cast<std::size_t>(std::distance(fs::directory_iterator(store()), fs::directory_iterator()));
-    }
+    std::size_t folders() const { return volume_.entries(".socle_streams"); }
     void attach() const { EXPECT_EQ(attach(volume_.folder()), 0u); }
     static uint32 attach(std::string const & folder) {
         detach_volume('N');

@@ -389,31 +389,21 @@ std::string name_of(testing::TestParamInfo<std::tuple<scenario, int>> const & in
                                  : strerrorname_np(fault));
 }
 
+auto each(std::span<scenario const> scenarios, auto faults) {
+    return testing::Combine(testing::ValuesIn(scenarios.begin(), scenarios.end()), faults);
+}
+
 auto const all_faults =
     testing::Values(EINTR, EROFS, ENOTSUP, EIO, EPERM, ENOSPC, EMFILE, int(halved), int(no_memory), int(killed));
 
-INSTANTIATE_TEST_SUITE_P(files, each_fault,
-                         testing::Combine(testing::ValuesIn(file_scenarios().begin(), file_scenarios().end()),
-                                          all_faults),
-                         name_of);
-INSTANTIATE_TEST_SUITE_P(folders, each_fault,
-                         testing::Combine(testing::ValuesIn(folder_scenarios().begin(), folder_scenarios().end()),
-                                          all_faults),
-                         name_of);
-
-INSTANTIATE_TEST_SUITE_P(examples, each_fault,
-                         testing::Combine(testing::ValuesIn(example_scenarios().begin(), example_scenarios().end()),
-                                          all_faults),
-                         name_of);
+INSTANTIATE_TEST_SUITE_P(files, each_fault, each(file_scenarios(), all_faults), name_of);
+INSTANTIATE_TEST_SUITE_P(folders, each_fault, each(folder_scenarios(), all_faults), name_of);
+INSTANTIATE_TEST_SUITE_P(examples, each_fault, each(example_scenarios(), all_faults), name_of);
 // As long as all others together, and so not tried in each way.
 INSTANTIATE_TEST_SUITE_P(catalog, each_fault,
-                         testing::Combine(testing::ValuesIn(catalog_scenarios().begin(), catalog_scenarios().end()),
-                                          testing::Values(EIO, ENOSPC, EMFILE, int(halved), int(killed))),
+                         each(catalog_scenarios(), testing::Values(EIO, ENOSPC, EMFILE, int(halved), int(killed))),
                          name_of);
-INSTANTIATE_TEST_SUITE_P(memory, each_fault,
-                         testing::Combine(testing::ValuesIn(memory_scenarios().begin(), memory_scenarios().end()),
-                                          testing::Values(int(no_memory))),
-                         name_of);
+INSTANTIATE_TEST_SUITE_P(memory, each_fault, each(memory_scenarios(), testing::Values(int(no_memory))), name_of);
 
 TEST(faults, codes_tell_what_the_host_said) {
     scratch const folder;

@@ -124,12 +124,6 @@ void prepare_streams(place const & where) {
     put_stream(u"N:\\f:AFP_Resource", "resource");
 }
 
-std::size_t entries(std::string const & folder) {
-    uncounted const work;
-    return static_cast<std::size_t>(
-        std::distance(std::filesystem::directory_iterator(folder), std::filesystem::directory_iterator()));
-}
-
 void prepare_orphans(place const & where) {
     prepare_streams(where);
     where.here.write("n/gone", "");
@@ -162,7 +156,9 @@ scenario const table[] = {
      [](place const &, report &) { return move_streams(u"M:\\g"); }, scenario::named_streams, false, true},
     {"a_store_is_swept", promise::whole, prepare_orphans,
      [](place const & where, report &) {
-         return platform::sweep_volume('N') == 0 && entries(where.here.host("n/.socle_streams")) == 1;
+         bool const swept = platform::sweep_volume('N') == 0;
+         uncounted const work;
+         return swept && where.here.entries("n/.socle_streams") == 1;
      },
      scenario::named_streams},
     {"streams_go_with_their_file", promise::stepwise, prepare_streams,

@@ -15,8 +15,4 @@ public:
         return stat(folder().c_str(), &here) == 0 && stat(other.folder().c_str(), &there) == 0
                && here.st_dev != there.st_dev;
     }
-    std::size_t entries() const {
-        return static_cast<std::size_t>(
-            std::distance(std::filesystem::directory_iterator(folder()), std::filesystem::directory_iterator()));
-    }
 };

@@ -32,6 +32,11 @@ public:
         return in ? std::string(std::istreambuf_iterator<char>(in), {}) : "(none)";
     }
     bool exists(std::string const & name) const { return support::is_there(host(name)); }
+    /// The number of entries of a folder in it, or of its own.
+    std::size_t entries(std::string const & name = "") const {
+        using std::filesystem::directory_iterator;
+        return static_cast<std::size_t>(std::distance(directory_iterator(host(name)), directory_iterator()));
+    }
 
 private:
     std::filesystem::path folder_;
