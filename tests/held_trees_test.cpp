@@ -8,6 +8,7 @@
 #include "socle/platform/posix/host/host_calls.h"
 #include "tests/support/elsewhere.h"
 #include "tests/support/ntfs_folder.h"
+#include "tests/support/system.h"
 
 #include <gtest/gtest.h>
 
@@ -136,6 +137,8 @@ TEST(held_trees, are_no_links) {
 TEST(held_trees, go_on_behind_a_mount_point) {
     if (geteuid() != 0)
         GTEST_SKIP() << "only root may mount";
+    if (auto const limit = support::limit_of_processes(); !limit.empty())
+        GTEST_SKIP() << limit;
     elsewhere const here;
     for (operation const & each : operations) {
         make(here);

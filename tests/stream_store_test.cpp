@@ -6,6 +6,7 @@
 #include "tests/support/handles.h"
 #include "tests/support/ntfs_folder.h"
 #include "tests/support/other_user.h"
+#include "tests/support/system.h"
 
 #include <gtest/gtest.h>
 
@@ -162,6 +163,8 @@ TEST_F(stream_store_test, takes_a_thousand_streams_and_long_names) {
 }
 
 TEST_F(stream_store_test, no_file_leaves_while_a_stream_is_written) {
+    if (auto const limit = support::limit_of_processes(); !limit.empty())
+        GTEST_SKIP() << limit;
     volume_.write("f", "data");
     fs::create_directory(volume_.host("m"));
     ASSERT_EQ(attach_volume('M', volume_.host("m"), "NTFS"), 0u);
@@ -196,6 +199,8 @@ protected:
         stream_store_test::SetUp();
         if (geteuid() != 0)
             GTEST_SKIP() << "only root can act as two users";
+        if (auto const limit = support::limit_of_processes(); !limit.empty())
+            GTEST_SKIP() << limit;
         fs::permissions(volume_.folder(), fs::perms(01777));
         give("f", anna, 0644);
         EXPECT_EQ(put(u"N:\\f:a", ""), 0u);
