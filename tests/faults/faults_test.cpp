@@ -8,6 +8,7 @@
 #include "socle/platform/files.h"
 #include "socle/platform/posix/host/host_calls.h"
 #include "socle/un/exception.h"
+#include "tests/support/handles.h"
 
 #include <gtest/gtest.h>
 
@@ -169,17 +170,6 @@ std::size_t open_descriptors() {
     return static_cast<std::size_t>(std::distance(fs::directory_iterator("/proc/self/fd"), fs::directory_iterator()));
 }
 
-std::string bytes_of(wide_string const & path) {
-    int const file = CreateFileW(path, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, OPEN_EXISTING, 0);
-    uint32 done = 0;
-    std::string bytes(1 << 16, '\0');
-    bool const read = file != INVALID_HANDLE_VALUE && ReadFile(file, bytes.data(), 1 << 16, done);
-    EXPECT_TRUE(read) << to_host(path);
-    CloseHandle(file);
-    bytes.resize(done);
-    return bytes;
-}
-
 using contents = std::map<std::string, std::string>;
 
 /// All files below the place, with their streams.
@@ -194,11 +184,11 @@ contents all_in(place const & where) {
                 continue;
             std::string const name = (top == where.here.folder() ? "" : "there/") + fs::relative(*at, top).string();
             wide_string const path = from_host(at->path().string());
-            found[name] = bytes_of(path);
+            found[name] = get(path);
             for (char const * const stream : {":note", ":AFP_Resource", ":AFP_AfpInfo"}) {
                 wide_string const whole = path + wide_string(stream, stream + std::strlen(stream));
                 if (GetFileAttributesW(whole) != INVALID_FILE_ATTRIBUTES)
-                    found[name + stream] = bytes_of(whole);
+                    found[name + stream] = get(whole);
             }
         }
     }
@@ -302,11 +292,6 @@ void check_contents(promise kept, contents const & before, contents const & afte
     }
 }
 
-bool write_file(wide_string const & path) {
-    int const file = CreateFileW(path, GENERIC_WRITE, FILE_SHARE_READ, CREATE_ALWAYS, 0);
-    return file != INVALID_HANDLE_VALUE && CloseHandle(file);
-}
-
 /// The number of streams that are kept, with files or without.
 std::size_t streams_in(place const & where) {
     std::size_t found = 0;
@@ -367,7 +352,7 @@ TEST_P(each_fault, keeps_the_promise) {
             attempt(s, where, unread, false); // may tell of a date that the first one could not give
             EXPECT_EQ(all_in(where), after);
         }
-        EXPECT_TRUE(usable && (s.needed != scenario::named_streams || write_file(u"N:\\f:later")));
+        EXPECT_TRUE(usable && (s.needed != scenario::named_streams || put(u"N:\\f:later", "") == 0));
         if (through && !result.leaked) {
             EXPECT_TRUE(result.done);
             EXPECT_TRUE(n > 1 || is_rare(fault)) << "no call was counted";
@@ -417,10 +402,8 @@ TEST(faults, codes_tell_what_the_host_said) {
         posix::host::fault = [](char const * call) {
             return std::string_view(call) == "open" || std::string_view(call) == "mkdir" ? instead : 0;
         };
-        EXPECT_FALSE(write_file(folder.path("file")));
-        EXPECT_EQ(GetLastError(), c.code);
-        EXPECT_FALSE(CreateDirectoryW(folder.path("new")));
-        EXPECT_EQ(GetLastError(), c.code);
+        EXPECT_EQ(put(folder.path("file"), ""), c.code);
+        EXPECT_EQ(code(CreateDirectoryW(folder.path("new"))), c.code);
         posix::host::fault = nullptr;
     }
     EXPECT_EQ(folder.read("file"), "old");

@@ -13,16 +13,16 @@ constexpr uint32 share_all = platform::FILE_SHARE_READ | platform::FILE_SHARE_WR
 /// 0 if a call has succeeded, else its code.
 inline uint32 code(bool done) { return done ? 0 : platform::GetLastError(); }
 
-/// What the stream, or file, holds; the code in digits if it cannot be read.
+/// What the stream, or file, holds, 64 KiB at most; the code in digits if it cannot be read.
 inline std::string get(wide_string const & path) {
     using namespace platform;
     int const file = CreateFileW(path, GENERIC_READ, share_all, OPEN_EXISTING, 0);
     if (file == INVALID_HANDLE_VALUE)
         return std::to_string(GetLastError());
-    char bytes[100];
+    std::string bytes(1 << 16, '\0');
     uint32 done = 0;
-    EXPECT_TRUE(ReadFile(file, bytes, sizeof bytes, done) && CloseHandle(file));
-    return std::string(bytes, done);
+    EXPECT_TRUE(ReadFile(file, bytes.data(), 1 << 16, done) && CloseHandle(file));
+    return bytes.substr(0, done);
 }
 
 /// Makes it hold this; 0 or the code.
