@@ -111,7 +111,6 @@ std::string limit_of_links() { return {}; }
 std::string limit_of_creation_times() { return {}; }
 std::string limit_of_times() { return {}; }
 std::string limit_of_resizing() { return {}; }
-std::string limit_of_attributes() { return {}; }
 
 /// Some emulators do not get past the first atomic operation where there is more than one process or thread.
 std::string limit_of_processes() {

@@ -81,8 +81,6 @@ std::string limit_of_creation_times();
 std::string limit_of_times();
 /// Of the code for setting the end of a file that is open for reading.
 std::string limit_of_resizing();
-/// Of the bits for archived and temporary files.
-std::string limit_of_attributes();
 /// Of processes made by fork(2), and of threads.
 std::string limit_of_processes();
 

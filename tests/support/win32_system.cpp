@@ -49,46 +49,6 @@ std::string probe_links() {
     return known ? "" : "the system does not tell links from what they lead to";
 }
 
-std::string probe_creation_times() {
-    probe const made;
-    FILETIME const set = {0x1C5D8000, 0x01C073BA};
-    FILETIME got{};
-    bool const kept = SetFileTime(made.handle(), &set, nullptr, nullptr)
-                      && GetFileTime(made.handle(), &got, nullptr, nullptr) && CompareFileTime(&set, &got) == 0;
-    return kept ? "" : "the system keeps no creation times";
-}
-
-std::string probe_resizing() {
-    probe const made;
-    HANDLE const reader = CreateFileW(made.file().c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                                      OPEN_EXISTING, 0, nullptr);
-    bool const told = !SetEndOfFile(reader) && GetLastError() == ERROR_ACCESS_DENIED;
-    CloseHandle(reader);
-    return told ? "" : "the system does not say that access is denied where the end of a file cannot be set";
-}
-
-std::string probe_times() {
-    fs::path const folder = make_folder();
-    fs::path const file = folder / "locked";
-    CloseHandle(CreateFileW(file.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, 0, nullptr));
-    make_read_only(file);
-    HANDLE const handle = CreateFileW(file.c_str(), FILE_WRITE_ATTRIBUTES, 0, nullptr, OPEN_EXISTING, 0, nullptr);
-    bool const opened = handle != INVALID_HANDLE_VALUE;
-    if (opened)
-        CloseHandle(handle);
-    SetFileAttributesW(file.c_str(), FILE_ATTRIBUTE_NORMAL);
-    remove_folder(folder);
-    return opened ? "" : "the system opens a file that cannot be written for its times neither";
-}
-
-std::string probe_attributes() {
-    probe const made;
-    for (DWORD const bits : {DWORD{FILE_ATTRIBUTE_NORMAL}, DWORD{FILE_ATTRIBUTE_TEMPORARY}})
-        if (!SetFileAttributesW(made.file().c_str(), bits) || GetFileAttributesW(made.file().c_str()) != bits)
-            return "the system does not keep the archive and temporary bits as they were set";
-    return {};
-}
-
 } // namespace
 
 fs::path path_of(std::string const & text) { return std::u8string(text.begin(), text.end()); }
@@ -187,23 +147,35 @@ std::string limit_of_links() {
 }
 
 std::string limit_of_creation_times() {
-    static std::string const limit = probe_creation_times();
-    return limit;
-}
-
-std::string limit_of_times() {
-    static std::string const limit = probe_times();
-    return limit;
+    probe const made;
+    FILETIME const set = {0x1C5D8000, 0x01C073BA};
+    FILETIME got{};
+    bool const kept = SetFileTime(made.handle(), &set, nullptr, nullptr)
+                      && GetFileTime(made.handle(), &got, nullptr, nullptr) && CompareFileTime(&set, &got) == 0;
+    return kept ? "" : "the system keeps no creation times";
 }
 
 std::string limit_of_resizing() {
-    static std::string const limit = probe_resizing();
-    return limit;
+    probe const made;
+    HANDLE const reader = CreateFileW(made.file().c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                                      OPEN_EXISTING, 0, nullptr);
+    bool const told = !SetEndOfFile(reader) && GetLastError() == ERROR_ACCESS_DENIED;
+    CloseHandle(reader);
+    return told ? "" : "the system does not say that access is denied where the end of a file cannot be set";
 }
 
-std::string limit_of_attributes() {
-    static std::string const limit = probe_attributes();
-    return limit;
+std::string limit_of_times() {
+    fs::path const folder = make_folder();
+    fs::path const file = folder / "locked";
+    CloseHandle(CreateFileW(file.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, 0, nullptr));
+    make_read_only(file);
+    HANDLE const handle = CreateFileW(file.c_str(), FILE_WRITE_ATTRIBUTES, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+    bool const opened = handle != INVALID_HANDLE_VALUE;
+    if (opened)
+        CloseHandle(handle);
+    SetFileAttributesW(file.c_str(), FILE_ATTRIBUTE_NORMAL);
+    remove_folder(folder);
+    return opened ? "" : "the system opens a file that cannot be written for its times neither";
 }
 
 std::string limit_of_processes() { return {}; }
