@@ -10,7 +10,6 @@
 #include <bit>
 #include <cstring>
 #include <deque>
-#include <numeric>
 #include <string>
 #include <type_traits>
 #include <vector>
@@ -54,15 +53,17 @@ inline std::string rest(stream::input & source) {
 /// smaller than it says.
 class fragment_source : public stream::input {
 public:
-    explicit fragment_source(std::vector<std::string> fragments) : fragments_(std::move(fragments)) {}
+    explicit fragment_source(std::vector<std::string> const & fragments) {
+        for (auto const & fragment : fragments) {
+            data_ += fragment;
+            ends_.push_back(data_.size());
+        }
+    }
 
     /// The block sizes asked for; 0 stands for a single byte.
     std::vector<uint32> asked;
 
-    uint64 size() const override {
-        return std::accumulate(fragments_.begin(), fragments_.end(), uint64(0),
-                               [](uint64 sum, std::string const & fragment) { return sum + fragment.size(); });
-    }
+    uint64 size() const override { return data_.size(); }
 
 protected:
     uint32 _read(char * buffer, uint32 count) override {
@@ -83,22 +84,15 @@ protected:
 
 private:
     std::string take(uint32 count) {
-        while (at_ < fragments_.size() && offset_ == fragments_[at_].size()) {
-            ++at_;
-            offset_ = 0;
-        }
-        if (at_ == fragments_.size())
-            return {};
-        std::string piece = fragments_[at_].substr(offset_, count);
-        offset_ += piece.size();
+        auto const end = std::upper_bound(ends_.begin(), ends_.end(), given_);
+        auto const piece = data_.substr(given_, end == ends_.end() ? 0 : std::min<std::size_t>(count, *end - given_));
         given_ += piece.size();
         return piece;
     }
 
-    std::vector<std::string> fragments_;
-    std::size_t at_ = 0;
-    std::size_t offset_ = 0;
-    uint64 given_ = 0;
+    std::string data_;
+    std::vector<std::size_t> ends_;
+    std::size_t given_ = 0;
 };
 
 /// What each target has, behind each a bar.
