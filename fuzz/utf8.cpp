@@ -1,10 +1,14 @@
-/// UTF-8 of single units, in and out, and by its selector.
+/// UTF-8 of single units: the codec, and the coder of names.
 
 #include "socle/nio/utf8.h"
 #include "fuzz/support/feed.h"
+#include "socle/any/name.h"
+#include "socle/any/utf8_coder.h"
 #include "socle/nio/encoding.h"
 
 namespace {
+
+using fuzz::check;
 
 /// As strict decoding gives a text that was encoded from `unit`.
 char16_t valid(char16_t unit) {
@@ -28,9 +32,8 @@ wide_string plain_decode(narrow_string const & bytes, bool validate) {
     return out;
 }
 
-} // namespace
-
-void fuzz::run(std::string_view input) {
+/// Single units, in and out, and by their selector.
+void codec(std::string_view input) {
     narrow_string const bytes(input);
     wide_string strict = u"old", lax = u"old";
     nio::_utf8_decode(bytes, strict, true);
@@ -49,7 +52,7 @@ void fuzz::run(std::string_view input) {
     check(again == strict);
 
     // Any units: the sizes told are those written, and lax decoding gives them back.
-    wide_string const text = feed::units(input);
+    wide_string const text = fuzz::feed::units(input);
     nio::_utf8_encode(text, out);
     std::size_t at = 0;
     for (char16_t const unit : text) {
@@ -66,4 +69,37 @@ void fuzz::run(std::string_view input) {
     nio::_utf8_decode(out, again, true);
     check(again == expected);
     check(nio::encode(text, -3) == out);
+}
+
+/// The coder of names as 8-bit text without a code page.
+void coder(std::string_view input) {
+    // Any units come back, and their bytes hold no zero.
+    wide_string const text = fuzz::feed::units(input);
+    narrow_string const encoded = any::utf8_coder::encode(text);
+    check(encoded.size() == any::utf8_coder::encoded_size(text) && encoded.find('\0') == encoded.npos);
+    check(any::utf8_coder::decode(encoded) == text);
+    any::name name;
+    name.set_utf8(encoded);
+    check(name.get_ucs2() == text && name.get_utf8() == encoded);
+
+    // Any bytes give a text, which then comes back.
+    narrow_string const bytes(input);
+    wide_string decoded = u"old";
+    any::utf8_coder::decode(bytes, decoded);
+    check(decoded.size() <= bytes.size() && decoded.empty() == bytes.empty());
+    check(any::utf8_coder::decode(any::utf8_coder::encode(decoded)) == decoded);
+
+    // Behind a sequence that is malformed, each byte is a unit. One that the bytes begin is at its end by then.
+    narrow_string const broken = bytes + "\xFF\xFF\xFF";
+    wide_string const behind = any::utf8_coder::decode(broken + bytes);
+    check(behind.size() >= bytes.size());
+    for (std::size_t i = 0; i < bytes.size(); ++i)
+        check(behind[behind.size() - bytes.size() + i] == static_cast<unsigned char>(bytes[i]));
+}
+
+} // namespace
+
+void fuzz::run(std::string_view input) {
+    codec(input);
+    coder(input);
 }

@@ -194,7 +194,7 @@ phase_abi() {
 
 # The whole of it: scripts/portability.sh s390x.
 phase_s390x() {
-    local families='stream memory filter buffered bounding chained lines transform codec command algorithm string code_pages
+    local families='stream memory filter buffered chained lines transform codec command algorithm string code_pages
         integer_codes backup_filter mac_records io_attributes nio_file orders'
     local programs
     read -rd "" -a programs <<<"$families" || true
