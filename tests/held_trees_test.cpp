@@ -5,15 +5,14 @@
 #include "socle/nio/directory.h"
 #include "socle/nio/file.h"
 #include "socle/nio/filesystem_exception.h"
-#include "socle/platform/posix/host/host_calls.h"
 #include "tests/support/elsewhere.h"
 #include "tests/support/ntfs_folder.h"
 #include "tests/support/system.h"
+#include "tests/support/watched_calls.h"
 
 #include <gtest/gtest.h>
 
 #include <fcntl.h>
-#include <functional>
 #include <sched.h>
 #include <sys/mount.h>
 #include <sys/resource.h>
@@ -22,7 +21,6 @@
 namespace {
 
 namespace fs = std::filesystem;
-namespace host = platform::posix::host;
 
 any::path as_path(wide_string const & text) { return any::path(any::string(text), true); }
 
@@ -81,20 +79,6 @@ void carry_out(scratch const & here, swap const & s) {
         here.write(s.name, "y");
 }
 
-std::function<int(char const *)> at_call;
-
-/// Does something at each host call while this lives.
-class watched_calls {
-public:
-    explicit watched_calls(std::function<int(char const *)> then) {
-        at_call = std::move(then);
-        host::fault = [](char const * call) { return at_call(call); };
-    }
-    watched_calls(watched_calls const &) = delete;
-    watched_calls & operator=(watched_calls const &) = delete;
-    ~watched_calls() { host::fault = nullptr; }
-};
-
 TEST(held_trees, are_never_left_whatever_is_swapped_at_any_call) {
     elsewhere const here;
     for (operation const & each : operations)
@@ -105,7 +89,7 @@ TEST(held_trees, are_never_left_whatever_is_swapped_at_any_call) {
                 make(here);
                 int calls = 0;
                 {
-                    watched_calls const watch([&](char const *) {
+                    watched_calls const watch([&](std::string const &) {
                         if (++calls == n)
                             carry_out(here, s);
                         return 0;

@@ -2,11 +2,11 @@
 
 #include "socle/nio/file.h"
 #include "socle/platform/directories.h"
-#include "socle/platform/posix/host/host_calls.h"
 #include "socle/platform/posix/paths/volumes.h"
 #include "socle/platform/stream_names.h"
 #include "tests/support/handles.h"
 #include "tests/support/ntfs_image.h"
+#include "tests/support/watched_calls.h"
 
 #include <gtest/gtest.h>
 
@@ -17,7 +17,6 @@
 namespace {
 
 using namespace platform;
-using posix::host::fault;
 namespace fs = std::filesystem;
 using names = std::vector<wide_string>;
 
@@ -182,10 +181,9 @@ TEST_F(named_streams_test, what_cannot_have_them) {
     EXPECT_NE(put(u"N:\\pipe:s", ""), 0u);
     EXPECT_EQ(here_.entries("volume/.socle_streams"), 0u);
     EXPECT_EQ(list(u"N:\\pipe"), names{});
-    fault = [](char const * call) { return std::string_view(call).ends_with("xattr") ? ENOTSUP : 0; };
-    EXPECT_EQ(list(u"N:\\"), names{}) << "where another file system is mounted";
-    fault = nullptr;
     EXPECT_EQ(attach_volume('M', "/proc/self", "NTFS"), ERROR_NOT_SUPPORTED);
+    watched_calls const none("getxattr lgetxattr setxattr removexattr listxattr", ENOTSUP);
+    EXPECT_EQ(list(u"N:\\"), names{}) << "where another file system is mounted";
 }
 
 TEST_F(named_streams_test, made_by_many_at_once) {
@@ -263,15 +261,11 @@ TEST_F(named_streams_test, a_copied_or_moved_volume_keeps_them) {
 TEST_F(named_streams_test, a_read_only_copy_shows_them) {
     make("a");
     copy_all("volume", "copy");
-    fault = [](char const * call) {
-        return std::string_view("setxattr removexattr chmod chown mkdir").find(call) != std::string_view::npos ? EROFS
-                                                                                                               : 0;
-    };
+    watched_calls const refused("setxattr removexattr chmod chown mkdir", EROFS);
     attach("copy");
     fs::permissions(here_.host("copy/a"), fs::perms::owner_all);
     EXPECT_EQ(get(u"N:\\a:note"), "mine");
     EXPECT_EQ(put(u"N:\\a:note", ""), ERROR_WRITE_PROTECT);
-    fault = nullptr;
 }
 
 } // namespace

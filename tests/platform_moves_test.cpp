@@ -1,13 +1,11 @@
 #include "socle/platform/file_times.h"
-#include "socle/platform/posix/host/host_calls.h"
 #include "tests/support/elsewhere.h"
 #include "tests/support/handles.h"
+#include "tests/support/watched_calls.h"
 
 #include <gtest/gtest.h>
 
 #include <cerrno>
-#include <optional>
-#include <string_view>
 #include <sys/stat.h>
 #include <sys/xattr.h>
 #include <unistd.h>
@@ -112,20 +110,14 @@ TEST(platform_moves, take_streams_to_another_volume) {
 
 TEST(platform_moves, hold_where_the_host_promises_less) {
     scratch const folder;
-    for (bool const links : {true, false}) {
-        static bool refuse_links;
-        refuse_links = !links;
-        posix::host::fault = [](char const * name) {
-            std::string_view const call = name;
-            return call == "rename_no_replace" || (refuse_links && call == "link") ? EPERM : 0;
-        };
+    for (char const * calls : {"rename_no_replace", "rename_no_replace link"}) {
+        watched_calls const refused(calls, EPERM);
         folder.write("file", "bytes");
         folder.write("there", "there");
         fs::create_directories(folder.host("tree/sub"));
         EXPECT_EQ(code(MoveFileW(folder.path("file"), folder.path("there"))), 183u);
         EXPECT_EQ(code(MoveFileW(folder.path("file"), folder.path("moved"))), 0u);
         EXPECT_EQ(code(MoveFileW(folder.path("tree"), folder.path("branch"))), 0u);
-        posix::host::fault = nullptr;
         EXPECT_EQ(folder.read("moved"), "bytes");
         EXPECT_EQ(folder.read("there"), "there");
         EXPECT_TRUE(folder.exists("branch/sub"));
@@ -140,15 +132,12 @@ TEST(platform_moves, leave_a_file_that_changes_meanwhile) {
     if (!other.differs_from(folder))
         GTEST_SKIP() << "there is one file system only";
     folder.write("file", "bytes");
-    static scratch const * where;
-    where = &folder;
-    posix::host::fault = [](char const * call) {
-        if (std::string_view(call) == "chown")
-            std::ofstream(where->host("file"), std::ios::app) << " and more";
+    watched_calls const watched([&](std::string const & call) {
+        if (call == "chown")
+            std::ofstream(folder.host("file"), std::ios::app) << " and more";
         return 0;
-    };
+    });
     EXPECT_EQ(code(MoveFileW(folder.path("file"), other.path("file"))), ERROR_SHARING_VIOLATION);
-    posix::host::fault = nullptr;
     EXPECT_EQ(folder.read("file"), "bytes and more");
     EXPECT_EQ(other.entries(), 0u);
 }

@@ -8,10 +8,9 @@
 #include "socle/platform/error_text.h"
 #include "socle/platform/errors.h"
 #include "socle/platform/host.h"
-#include "socle/platform/posix/host/host_calls.h"
 #include "socle/platform/posix/host/host_error.h"
 #include "tests/support/ntfs_folder.h"
-#include "tests/support/scratch.h"
+#include "tests/support/watched_calls.h"
 
 #include <gtest/gtest.h>
 
@@ -80,11 +79,8 @@ TEST(io_attributes, are_no_guess_where_the_host_fails) {
     set.created = any::time(126227808000000000, nio::time::format_file_time);
     set.apply(path_in(folder, "file"), 0);
     for (char const * const failing : {"getxattr", "listxattr"}) {
-        static std::string_view failed;
-        failed = failing;
-        platform::posix::host::fault = [](char const * call) { return failed == call ? EIO : 0; };
+        watched_calls const refused(failing, EIO);
         EXPECT_THROW(io::attributes().load(path_in(folder, "file"), 0), io::exception) << failing;
-        platform::posix::host::fault = nullptr;
     }
 }
 
@@ -92,9 +88,7 @@ TEST(io_attributes, keep_what_a_host_without_extended_attributes_can) {
     scratch const folder;
     folder.write("from", "x");
     folder.write("to", "y");
-    platform::posix::host::fault = [](char const * call) {
-        return std::string_view(call).find("xattr") != std::string_view::npos ? ENOTSUP : 0;
-    };
+    watched_calls const refused("getxattr lgetxattr setxattr removexattr listxattr", ENOTSUP);
     io::attributes set, got;
     set.load(path_in(folder, "from"), 0);
     set.modified = any::time(126227808000000000, nio::time::format_file_time);
@@ -104,7 +98,6 @@ TEST(io_attributes, keep_what_a_host_without_extended_attributes_can) {
     set.win32 = bits;
     set.apply(path_in(folder, "to"), 0);
     got.load(path_in(folder, "to"), 0);
-    platform::posix::host::fault = nullptr;
     EXPECT_EQ(got.modified.value().file_time(), set.modified.value().file_time());
     EXPECT_TRUE(got.read_only.value());
     EXPECT_EQ(got.win32.value().flags, 0x21u); // what is hidden cannot be kept
@@ -120,12 +113,9 @@ TEST(nio_attributes, tell_why_the_stream_of_the_information_cannot_be_opened) {
     file.close();
     nio::attributes set(file);
     set.finder_info.fill('f');
-    platform::posix::host::fault = [](char const * call) {
-        return std::string_view(call) == "flock" ? EWOULDBLOCK : 0;
-    };
+    watched_calls const held("flock", EWOULDBLOCK);
     EXPECT_THROW(set.apply(file, true, true), nio::exception);
     EXPECT_EQ(platform::last_error(), 32u);
-    platform::posix::host::fault = nullptr;
 }
 
 } // namespace

@@ -2,10 +2,10 @@
 
 #include "socle/nio/file.h"
 #include "socle/nio/filesystem_exception.h"
-#include "socle/platform/posix/host/host_calls.h"
 #include "tests/support/handles.h"
 #include "tests/support/ntfs_folder.h"
 #include "tests/support/system.h"
+#include "tests/support/watched_calls.h"
 
 #include <gtest/gtest.h>
 
@@ -111,9 +111,8 @@ TEST_F(stream_store_test, a_sweep_removes_only_what_no_file_claims) {
               "keptcopieddeep/er/belowof a folder");
     // What cannot be looked at may claim anything.
     fs::remove(volume_.host("copy"));
-    posix::host::fault = [](char const * call) { return std::string_view(call) == "listxattr" ? EIO : 0; };
+    watched_calls const refused("listxattr", EIO);
     EXPECT_EQ(sweep_volume('N'), ERROR_IO_DEVICE);
-    posix::host::fault = nullptr;
     EXPECT_EQ(folders(), 4u);
 }
 
@@ -153,14 +152,10 @@ TEST_F(stream_store_test, stands_what_is_done_to_a_whole_volume) {
     // A medium that has turned read-only.
     chmod(store().c_str(), 0755);
     chmod(volume_.host("f").c_str(), 0600);
-    posix::host::fault = [](char const * call) {
-        std::string_view const changing = "chmod chown mkdir setxattr removexattr rename unlink";
-        return changing.find(call) != changing.npos ? EROFS : 0;
-    };
+    watched_calls const refused("chmod chown mkdir setxattr removexattr rename unlink", EROFS);
     attach();
     EXPECT_EQ(get(u"N:\\f:a"), "kept");
     EXPECT_EQ(put(u"N:\\g:a", "no"), ERROR_WRITE_PROTECT);
-    posix::host::fault = nullptr;
 }
 
 TEST_F(stream_store_test, takes_a_thousand_streams_and_long_names) {
