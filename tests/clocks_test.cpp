@@ -273,40 +273,36 @@ TEST(time, moves_the_macintosh_value_by_standard_time) {
 TEST(timer, sums_up_the_stretches_in_which_it_runs) {
     host_clocks const clocks;
     host_clocks::counter = 1000;
-    un::timer timer;
+    un::timer timer, stopped(false);
     EXPECT_EQ(timer.units(), 0u);
-    host_clocks::counter += 50;
-    timer.start();
-    EXPECT_EQ(timer.units(), 50u) << "start on a running timer goes on";
-    host_clocks::counter += 7;
-    timer.stop();
-    host_clocks::counter += 1000;
-    timer.stop();
-    EXPECT_EQ(timer.units(), 57u);
-    timer.start();
-    host_clocks::counter += 3;
-    timer.stop();
-    EXPECT_EQ(timer.units(), 60u);
-    timer.reset();
-    EXPECT_EQ(timer.units(), 0u);
-
-    timer.start();
-    host_clocks::counter += 20;
-    timer.reset();
-    host_clocks::counter += 5;
-    EXPECT_EQ(timer.units(), 25u) << "reset leaves the stretch that runs";
-    host_clocks::counter += 100;
-    timer.mark();
-    EXPECT_EQ(timer.units(), 25u) << "mark throws the stretch away";
+    constexpr uint64 unasked = all_ones; // as asking ends a stretch
+    struct {
+        int64 wait;
+        void (*then)(un::timer &);
+        uint64 units;
+    } const table[] = {
+        {50, [](auto & t) { t.start(); }, 50}, // a running timer goes on
+        {7, [](auto & t) { t.stop(); }, unasked},
+        {1000, [](auto & t) { t.stop(); }, 57},
+        {0, [](auto & t) { t.start(); }, unasked},
+        {3, [](auto & t) { t.stop(); }, 60},
+        {0, [](auto & t) { t.reset(); }, 0},
+        {0, [](auto & t) { t.start(); }, unasked},
+        {20, [](auto & t) { t.reset(); }, unasked}, // leaves the stretch that runs
+        {5, [](auto &) {}, 25},
+        {100, [](auto & t) { t.mark(); }, 25}, // throws the stretch away
+    };
+    for (auto const & [wait, then, units] : table) {
+        host_clocks::counter += wait;
+        then(timer);
+        if (units != unasked)
+            EXPECT_EQ(timer.units(), units) << host_clocks::counter;
+    }
     host_clocks::counter += 3'999'999;
     un::timer copy = timer;
     EXPECT_EQ(copy.ms(), 4u);
     EXPECT_EQ(un::timer::resolution(), nio::timer::resolution());
-
-    un::timer stopped(false);
-    host_clocks::counter += 100;
-    EXPECT_EQ(stopped.units(), 0u);
-    EXPECT_EQ(stopped.ms(), 0u);
+    EXPECT_EQ(stopped.units() + stopped.ms(), 0u);
 }
 
 TEST(timer, leaves_out_the_time_between_its_two_readings) {
