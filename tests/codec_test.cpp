@@ -80,13 +80,6 @@ TEST(fields, are_written_in_one_block_each) {
     EXPECT_EQ(empty.data, "\xE2\x82\xAC\0"s);
 }
 
-TEST(fields, may_end_with_their_source) {
-    fragment_source in({"ab\0\xC3\xA9"s});
-    EXPECT_EQ(nio::read_c(in, -3), u"ab");
-    EXPECT_EQ(nio::read_c(in, -3), u"\xE9");
-    EXPECT_EQ(nio::read_c(in, -3), u"");
-}
-
 TEST(fields, need_room_for_their_bytes) {
     fragment_source in({"ab\ncd"});
     char storage[8];

@@ -75,14 +75,6 @@ TEST(command_line, further_kinds) {
     EXPECT_EQ(run.size(), 0xFFFFFFFFu);
 }
 
-TEST(command_line, refuses_what_is_not_declared) {
-    for (char const * argument : {"-", "--", "-5", "--INT=1", "--in", "-x=y=z", "-=1"}) {
-        program run({"-i=4", argument, "-i=5"});
-        EXPECT_EQ(refusal(run.line), "unknown parameter \"" + narrow_string(argument) + '"');
-        EXPECT_EQ(run.count(), 4) << "what stood before it holds";
-    }
-}
-
 TEST(command_line, required_options_of_the_programs_own) {
     struct flag : command::element {
         using element::element;
@@ -165,9 +157,7 @@ TEST(digits, read_takes_hexadecimal_digits_in_any_radix) {
         uint64 value;
     };
     for (auto const & [text, radix, value] :
-         {row{"12 3", 10, 12}, row{"1f", 10, 25}, row{"123abc", 10, 124122}, row{"abc", 10, 1122}, row{"", 10, 0},
-          row{"-5", 10, 0}, row{"\xB1", 10, 0}, row{"fFg", 16, 255}, row{"0x10", 16, 0}, row{"9", 2, 9},
-          row{"18446744073709551617", 10, 1}, row{"77", 1, 0}, row{"77", 0, 0}, row{"77", -3, 0}, row{"1g", 37, 1}})
+         {row{"123abc", 10, 124122}, row{"77", 1, 0}, row{"77", 0, 0}, row{"77", -3, 0}, row{"1g", 37, 1}})
         EXPECT_EQ(un::read(text, radix), value) << text << " in " << radix;
 }
 

@@ -93,15 +93,13 @@ TEST(copier, stops_where_a_stream_fails) {
             stream::vector_input memory(data);
             support::failing_source source(memory, source_fails ? n : 0);
             recording_target target(source_fails ? 0 : n);
-            stream::copier copier(10);
-            EXPECT_EQ(raised([&] {
-                          try {
-                              copier.process(source, target);
-                          } catch (failure const &) {
-                              throw stream::exception("failed", "test");
-                          }
-                      }),
-                      n <= 6 ? "test: failed" : "nothing");
+            bool failed = false;
+            try {
+                stream::copier(10).process(source, target);
+            } catch (failure const &) {
+                failed = true;
+            }
+            EXPECT_EQ(failed, n <= 6);
             auto const moved = std::min<std::size_t>(static_cast<std::size_t>(n - 1) * 10, 50);
             EXPECT_EQ(target.data, text({data.begin(), data.begin() + long(moved)}));
             EXPECT_EQ(target.drift(), moved);
