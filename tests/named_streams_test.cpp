@@ -165,17 +165,24 @@ TEST_P(both_stores_test, folders_have_them_too) {
     EXPECT_EQ(get(u"N:\\folder:s") + get(u"N:\\:s"), "of a folderof the volume");
     EXPECT_EQ(list(u"N:\\"), (names{u"s"}));
     EXPECT_TRUE(RemoveDirectoryW(u"N:\\folder") && DeleteFileW(u"N:\\:s"));
+    EXPECT_TRUE(CreateDirectoryW(u"N:\\folder"));
+    EXPECT_EQ(get(u"N:\\folder:s"), "2");
     EXPECT_EQ(list(u"N:\\"), names{});
 }
 
-TEST_P(both_stores_test, move_to_another_volume) {
+TEST_P(both_stores_test, move_with_their_file) {
     make("file", std::string(1'000'000, 'x'));
     EXPECT_EQ(put(u"N:\\file:empty", ""), 0u);
     fs::create_directory(here_.host("other"));
     ASSERT_EQ(attach_volume('M', here_.host("other"), "NTFS"), 0u);
-    EXPECT_EQ(code(MoveFileW(u"N:\\file", u"M:\\file")), 0u);
+    EXPECT_EQ(code(MoveFileW(u"N:\\file", u"N:\\moved")), 0u);
+    EXPECT_EQ(code(MoveFileW(u"N:\\moved", here_.path("plain"))), ERROR_NOT_SUPPORTED) << "they would be lost";
+    EXPECT_EQ(list(u"N:\\moved"), (names{u"empty", u"note"}));
+    EXPECT_EQ(code(MoveFileW(u"N:\\moved", u"M:\\file")), 0u);
     EXPECT_EQ(list(u"M:\\file"), (names{u"empty", u"note"}));
+    EXPECT_EQ(get(u"M:\\file") + get(u"N:\\moved"), "data2");
     EXPECT_EQ(nio::file(u"M:\\file:note", nio::file::mode_read).size(), 1'000'000u);
+    EXPECT_EQ(code(MoveFileW(u"M:\\file:note", u"M:\\file:other")), ERROR_INVALID_NAME);
 }
 
 TEST_F(named_streams_test, what_cannot_have_them) {

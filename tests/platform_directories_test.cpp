@@ -107,18 +107,6 @@ TEST(platform_directories, are_made_and_removed) {
     EXPECT_EQ(code(CreateDirectoryW(u"")), 3u);
 }
 
-TEST(platform_directories, take_their_streams_along) {
-    ntfs_folder const folder;
-    if (!folder.attached())
-        GTEST_SKIP() << "no extended attributes in the folder for tests";
-    ASSERT_EQ(code(CreateDirectoryW(u"N:\\d")), 0u);
-    ASSERT_EQ(put(u"N:\\d:note", ""), 0u);
-    EXPECT_EQ(search(u"N:\\*"), (std::vector<wide_string>{u".", u"..", u"d"}));
-    EXPECT_EQ(code(RemoveDirectoryW(u"N:\\d")), 0u);
-    ASSERT_EQ(code(CreateDirectoryW(u"N:\\d")), 0u);
-    EXPECT_EQ(get(u"N:\\d:note"), "2");
-}
-
 TEST(platform_directories, reach_what_the_host_calls_as_it_likes) {
     scratch const folder;
     fs::create_directory(folder.host("f"));
@@ -295,26 +283,6 @@ TEST(platform_moves, go_between_file_systems_with_all_that_belongs_to_a_file) {
     EXPECT_EQ(code(MoveFileW(other.path("file"), folder.path("file"))), 0u);
     EXPECT_EQ(times_of(folder.path("file")).second, time);
     EXPECT_EQ(other.entries(), 1u);
-}
-
-TEST(platform_moves, take_streams_to_another_volume) {
-    scratch const folder;
-    fs::create_directory(folder.host("n"));
-    if (attach_volume('N', folder.host("n"), "NTFS") != 0)
-        GTEST_SKIP() << "no extended attributes in the folder for tests";
-    fs::create_directory(folder.host("m"));
-    ASSERT_EQ(attach_volume('M', folder.host("m"), "NTFS"), 0u);
-    EXPECT_EQ(put(u"N:\\f", "data") + put(u"N:\\f:note", "remember"), 0u);
-    EXPECT_EQ(code(MoveFileW(u"N:\\f", u"N:\\g")), 0u);
-    EXPECT_EQ(get(u"N:\\g:note"), "remember");
-    EXPECT_EQ(code(MoveFileW(u"N:\\g", folder.path("plain"))), ERROR_NOT_SUPPORTED); // it would lose the stream
-    EXPECT_EQ(get(u"N:\\g:note"), "remember");
-    EXPECT_EQ(code(MoveFileW(u"N:\\g", u"M:\\h")), 0u);
-    EXPECT_EQ(get(u"M:\\h") + get(u"M:\\h:note"), "dataremember");
-    EXPECT_EQ(get(u"N:\\g"), "2");
-    EXPECT_EQ(code(MoveFileW(u"M:\\h:note", u"M:\\h:other")), ERROR_INVALID_NAME);
-    detach_volume('N');
-    detach_volume('M');
 }
 
 TEST(platform_moves, hold_where_the_host_promises_less) {
