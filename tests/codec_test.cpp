@@ -99,12 +99,9 @@ TEST(utf8_coder, encodes) {
         narrow_string bytes;
     };
     for (auto const & [text, bytes] : {
-             row{u"", ""},
-             row{u"A\x7F", "A\x7F"},
              row{{u'a', u'\0', u'b'},
                  "a\xC0\x80"
                  "b"},
-             row{u"\x80\xE9\x7FF", "\xC2\x80\xC3\xA9\xDF\xBF"},
              row{u"\x800\x20AC\xFFFF", "\xE0\xA0\x80\xE2\x82\xAC\xEF\xBF\xBF"},
              row{{0xD83D, 0xDE00}, "\xED\xA0\xBD\xED\xB8\x80"},
          }) {
