@@ -346,18 +346,9 @@ private:
     }
 
     void unread(narrow_string const & data) {
-        same(
-            [&] {
-                if (data.size() == 1)
-                    top().unread(data[0]);
-                else
-                    top().unread(data.data(), static_cast<uint32>(data.size()));
-                return 0;
-            },
-            [&] {
-                model_.unread(height(), data);
-                return 0;
-            });
+        auto const count = static_cast<uint32>(data.size());
+        same([&] { return count == 1 ? top().unread(data[0]) : top().unread(data.data(), count), 0; },
+             [&] { return model_.unread(height(), data), 0; });
     }
 
     /// Four bytes, if the top layer reads numbers.
@@ -368,18 +359,18 @@ private:
         bool const big = model_.layers.back().kind == layer::big;
         same([&] { return reader->read32(); },
              [&] {
-                 uint32 value = 0;
-                 if (big != (std::endian::native == std::endian::big)) {
+                 narrow_string bytes;
+                 if (big == (std::endian::native == std::endian::big))
+                     bytes = model_.block(height(), 4);
+                 else
                      for (int i = 0; i < 4; ++i)
-                         value |= static_cast<uint32>(model_.one(height())) << 8 * (big ? 3 - i : i);
-                     return value;
-                 }
-                 narrow_string bytes = model_.block(height(), 4);
-                 if (big && bytes.size() < 4)
-                     bytes.clear(); // what is missing below fills the whole value
-                 bytes.resize(4, '\xFF');
-                 for (int i = 0; i < 4; ++i)
-                     value |= uint32(static_cast<unsigned char>(bytes[std::size_t(i)])) << 8 * (big ? 3 - i : i);
+                         if (int const byte = model_.one(height()); byte != -1)
+                             bytes += static_cast<char>(byte);
+                 // A byte that is missing sets every bit from its place upward.
+                 uint32 value = 0;
+                 for (std::size_t i = 0; i < 4; ++i)
+                     value |= (i < bytes.size() ? static_cast<unsigned char>(bytes[i]) : 0xFFFFFFFF)
+                              << 8 * (big ? 3 - i : i);
                  return value;
              });
     }
@@ -426,13 +417,7 @@ private:
         // A limited layer asks beneath, where a random source would go.
         if (height() == 0 || model_.layers.back().kind == layer::limited)
             return;
-        bool moved = true;
-        try {
-            top().seek(where);
-        } catch (stream::exception const &) {
-            moved = false;
-        }
-        check(!moved);
+        check(refuses<stream::exception>([&] { top().seek(where); }));
     }
 
     narrow_string bytes_;
