@@ -65,6 +65,7 @@ TYPED_TEST(buffers, do_not_believe_a_liar) {
     char block[20];
     EXPECT_EQ(in.read(block, 3), 3u);
     EXPECT_EQ(in.read(block, 20), 20u);
+    EXPECT_EQ(std::string(block, 20), std::string(20, 'l'));
     EXPECT_EQ(in.tell(), 23u);
 }
 

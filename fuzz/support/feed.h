@@ -73,7 +73,6 @@ public:
     }
 
     wide_string wide_text() { return units(bytes(byte())); }
-    wide_string wide_rest() { return units(rest()); }
 
 private:
     std::string_view left_;
