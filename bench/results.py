@@ -121,8 +121,6 @@ def main():
     print("`scripts/bench.sh` wrote this page: do not edit it, but `bench/aims.txt`.\n")
     print(f"- {datetime.date.today().isoformat()}; {processor()}; {compiler}; optimised as by the preset `bench`.")
     print(f"- The machine's load was {before} before the run and {after} after it, the run itself being 1.")
-    if float(before) > 1:
-        print("  Other programs ran at the same time: small differences say little.")
     print("- Times are processor time, for loading that of the process that is started: medians of interleaved runs.")
     print("- \"× at a tenth\" sets the time of an item beside that in a second run, with a tenth of every size: 1 is a cost")
     print("  that grows with the size, 10 one that grows with its square. \"Bytes allocated\" is what was asked of the heap")

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Measures the library beside its peers and the limit of each row, and writes bench/RESULTS.md. It takes some minutes,
-# and 2 GiB of disk for the time. A quiet machine is up to the caller: the load before and after is told in the result.
+# Measures the library beside its peers and the limit of each row, writes bench/RESULTS.md, and draws its rows in
+# bench/ratios.svg. It takes some minutes, and 2 GiB of disk for the time. It waits until the load of its own build has
+# gone, and refuses to measure where other programs run.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 . scripts/packages.sh
@@ -9,7 +10,7 @@ need cmake=cmake ninja-build=ninja g++=g++ pkg-config=pkg-config python3=python3
     libbenchmark-dev=/usr/include/benchmark/benchmark.h libboost-dev=/usr/include/boost/crc.hpp \
     libprotobuf-dev=/usr/include/google/protobuf/io/coded_stream.h libabsl-dev=/usr/include/absl/strings/str_split.h \
     libicu-dev=/usr/include/unicode/ucnv.h libpoco-dev=/usr/include/Poco/BinaryReader.h \
-    libcapnp-dev=/usr/include/kj/io.h qtbase5-dev=/usr/include/x86_64-linux-gnu/qt5/QtCore/QDataStream
+    python3-matplotlib=/usr/lib/python3/dist-packages/matplotlib libcapnp-dev=/usr/include/kj/io.h qtbase5-dev=/usr/include/x86_64-linux-gnu/qt5/QtCore/QDataStream
 
 cmake --preset bench
 cmake --build --preset bench
@@ -19,6 +20,12 @@ scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
 
 load() { cut -d' ' -f1 /proc/loadavg; }
+is_quiet() { awk '{ exit $1 > 0.5 }' /proc/loadavg; }
+for ((waits = 0; waits < 30; ++waits)); do
+    ! is_quiet || break
+    sleep 10
+done
+is_quiet || stop "the machine's load is $(load), so other programs would be measured, too"
 before=$(load)
 "$programs/socle_bench" --benchmark_out="$scratch/full.json" "$@"
 after=$(load)
@@ -47,5 +54,8 @@ END
     done
 done
 
+cp bench/RESULTS.md "$scratch/before.md"
 python3 bench/results.py "$scratch" "$before" "$after" "$(g++ --version | head -1)" >bench/RESULTS.md
-echo 'written: bench/RESULTS.md'
+# The distribution's own, which has the package.
+/usr/bin/python3 bench/picture.py bench/RESULTS.md "$scratch/before.md" >bench/ratios.svg
+echo 'written: bench/RESULTS.md and bench/ratios.svg'
