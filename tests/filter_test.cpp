@@ -313,7 +313,20 @@ TEST(limited_input, counts_what_was_asked_for) {
     EXPECT_EQ(in.skip(9), 4u); // up to the limit, as far as that counts
     EXPECT_EQ(in.consumed(), 9u);
     EXPECT_EQ(in.read(), -1);
-    EXPECT_EQ(rest(source), "h");
+    stream::limited_input endless(source, all_ones);
+    EXPECT_EQ(endless.skip(9), 1u); // here what was there counts
+    EXPECT_EQ(endless.consumed(), 1u);
+    endless.unread("xyz", 3);
+    EXPECT_EQ(endless.consumed(), 0u);
+    EXPECT_EQ(rest(endless), "xyz");
+
+    byte_vector const data = bytes("abcdef");
+    stream::vector_input memory(data);
+    stream::limited_input three(memory, 3);
+    stream::big_endian_input numbers(three);
+    EXPECT_EQ(numbers.read16(), 0x6162);
+    EXPECT_EQ(numbers.read16(), 0xFFFF); // the second byte lies in memory, but behind the limit
+    EXPECT_EQ(memory.tell(), 3u);
 }
 
 TEST(limited_input, seeks_within_its_limit) {
