@@ -250,9 +250,7 @@ public:
             unlink_file(sidecar_of(path), must);
         require(delete_file(path) || !must);
     }
-    void unlink_folder(std::string const & path, bool must) {
-        require(delete_folder(path) || !must);
-    }
+    void unlink_folder(std::string const & path, bool must) { require(delete_folder(path) || !must); }
     void unlink(std::string const & path, bool must) {
         if (looks_like_folder(path))
             unlink_folder(path, must);
@@ -334,9 +332,9 @@ public:
             break;
         case 16: list(flag ? path : parent_of(path)); break;
         case 17: scan(flag ? path : parent_of(path)); break;
-        case 18: create_wide(path, flag, in.text()); break;
+        case 18:
         case 19:
-        case 20: create_rsrc(path, flag, in.text()); break;
+        case 20: create_wide(path, choice > 18, flag, in.text()); break;
         case 21:
             if (auto const to = take_path(in); !through_link(to))
                 move_wide(path, to, flag);
@@ -516,45 +514,30 @@ private:
               && found.missing == wanted.missing && found.bytes == wanted.bytes);
     }
 
-    void create_wide(std::string const & path, bool overwrite, std::string const & bytes) {
+    /// A file, or its resource fork, which goes into a sidecar.
+    void create_wide(std::string const & path, bool rsrc, bool overwrite, std::string const & bytes) {
         nio::file file(wide_path(path), nio::file::mode_closed);
         std::string after;
         same(
             [&] {
-                file.create(overwrite);
+                rsrc ? file.create_rsrc(true, overwrite) : file.create(overwrite);
                 if (file.is_open())
                     file.write(bytes.data(), static_cast<uint32>(bytes.size()));
             },
             [&] {
-                auto const name = [](std::string const & each) { return each; };
-                after = model_.create_wide(path, name, overwrite, overwrite);
-                if (!after.empty())
-                    model_.nodes[after].bytes = bytes;
-            });
-        check(file.is_open() != after.empty());
-        check(file.path() == wide_path(after.empty() ? path : after));
-    }
-
-    void create_rsrc(std::string const & path, bool overwrite, std::string const & bytes) {
-        nio::file file(wide_path(path), nio::file::mode_closed);
-        std::string after;
-        same(
-            [&] {
-                file.create_rsrc(true, overwrite);
-                if (file.is_open())
-                    file.write(bytes.data(), static_cast<uint32>(bytes.size()));
-            },
-            [&] {
-                after = model_.create_wide(path, sidecar_of, overwrite, false);
+                auto const name = [&](std::string const & each) { return rsrc ? sidecar_of(each) : each; };
+                after = model_.create_wide(path, name, overwrite, overwrite && !rsrc);
                 if (after.empty())
                     return;
                 auto const head = nio::apple_double::head({});
-                model_.nodes[sidecar_of(after)].bytes = std::string(head.begin(), head.end()) + bytes;
+                model_.nodes[name(after)].bytes = std::string(head.begin(), rsrc ? head.end() : head.begin()) + bytes;
             });
         check(file.is_open() != after.empty());
-        if (!file.is_open())
+        if (!rsrc || file.is_open())
+            check(file.path() == wide_path(after.empty() ? path : after));
+        if (!rsrc || !file.is_open())
             return;
-        check(file.path() == wide_path(after) && file.tell() == bytes.size() && file.size() == bytes.size());
+        check(file.tell() == bytes.size() && file.size() == bytes.size());
         file.close();
         file.open_rsrc();
         char block[256];
