@@ -13,7 +13,7 @@ wine=/usr/lib/wine/wine64
 export HOME=$folder WINEPREFIX=$folder/prefix WINEDEBUG=${WINEDEBUG:--all} WINEDLLOVERRIDES='mscoree,mshtml='
 export LC_ALL=${LC_ALL:-C.UTF-8} # the encoding of the host's names
 unset DISPLAY WAYLAND_DISPLAY XDG_RUNTIME_DIR
-mkdir -p "$folder"
+mkdir -p "$folder/prefix"
 
 # Whoever comes first makes what Wine keeps. The lock is not for its server, which stays a while.
 exec {lock}>"$folder/lock"

@@ -23,6 +23,33 @@ TEST(win32_files, take_minus_one_for_no_handle_of_the_system) {
     EXPECT_EQ(GetFileType(INVALID_HANDLE_VALUE), FILE_TYPE_UNKNOWN);
 }
 
+// The codes that differ from those on other systems.
+TEST(win32_files, answer_with_codes_of_the_system) {
+    scratch const folder;
+    folder.write("file", "");
+    std::filesystem::create_directory(folder.host("folder"));
+    auto const path = [&](std::string const & name) { return folder.path(name); };
+    auto const open = [](wide_string const & whole) {
+        int const file = CreateFileW(whole, GENERIC_READ, FILE_SHARE_READ, OPEN_EXISTING, 0);
+        return code(file != INVALID_HANDLE_VALUE && CloseHandle(file));
+    };
+    EXPECT_EQ(open(path("a?")), 123u);
+    EXPECT_EQ(open(path("") + u"file\\"), 123u);
+    uint32 const too_long = open(path(std::string(256, 'x')));
+    EXPECT_TRUE(too_long == 123 || too_long == 2) << too_long;
+    WIN32_FIND_DATAW data;
+    EXPECT_EQ(FindFirstFileW(path("file/*"), data), nullptr);
+    EXPECT_TRUE(GetLastError() == 267 || GetLastError() == 123) << GetLastError();
+    uint32 const into_itself = code(MoveFileW(path("folder"), path("folder/below")));
+    EXPECT_TRUE(into_itself == 32 || into_itself == 87) << into_itself;
+    int const held = CreateFileW(path("file"), GENERIC_READ, FILE_SHARE_READ, OPEN_EXISTING, 0);
+    EXPECT_EQ(code(MoveFileW(path("file"), path("moved"))), 32u);
+    EXPECT_EQ(code(DeleteFileW(path("file"))), 32u);
+    EXPECT_TRUE(CloseHandle(held));
+    EXPECT_EQ(open(path("file. ")), 0u);
+    EXPECT_EQ(open(path("FILE")), 0u);
+}
+
 TEST(win32_files, live_at_paths_of_any_length) {
     scratch const folder;
     wide_string path = folder.path("");
