@@ -24,7 +24,7 @@ class plain_codes {
 public:
     explicit plain_codes(std::string_view bytes) : bytes_(bytes) {}
 
-    std::size_t at() const { return at_; }
+    uint64 at() const { return at_; }
     int count() const { return count_; }
 
     int64 wz() {
