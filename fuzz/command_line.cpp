@@ -8,22 +8,9 @@
 #include "socle/un/parser.h"
 #include "socle/un/tokenizer.h"
 
-#include <vector>
-
 namespace {
 
 using fuzz::check;
-
-/// The pieces between delimiters.
-std::vector<narrow_string> plain_tokens(narrow_string const & text, narrow_string const & delimiters) {
-    std::vector<narrow_string> tokens(1);
-    for (char const c : text)
-        if (delimiters.find(c) == delimiters.npos)
-            tokens.back() += c;
-        else
-            tokens.emplace_back();
-    return tokens;
-}
 
 int plain_digit(char c) {
     if (c >= '0' && c <= '9')
@@ -57,7 +44,7 @@ void arguments(std::vector<narrow_string> const & given) {
     narrow_string bad;
     for (auto const & argument : given) {
         narrow_string const seen = argument.c_str();
-        auto const pieces = plain_tokens(seen, "=");
+        auto const pieces = fuzz::pieces_of(seen, "=");
         narrow_string const value = pieces.size() > 1 ? pieces[1] : "";
         auto const & name = pieces[0];
         if (!seen.starts_with('-')) {
@@ -88,7 +75,7 @@ void arguments(std::vector<narrow_string> const & given) {
 
 void scan(narrow_string const & text, narrow_string const & delimiters) {
     char const * const set = delimiters.c_str();
-    check(un::tokenizer(text, set) == plain_tokens(text, set));
+    check(un::tokenizer(text, set) == fuzz::pieces_of(text, set));
 
     // A parser comes to the same pieces.
     un::parser parser(text, 0);
@@ -100,7 +87,7 @@ void scan(narrow_string const & text, narrow_string const & delimiters) {
         check(parser.position() < text.size());
         parser = un::parser(text, parser.position() + 1);
     }
-    check(pieces == plain_tokens(text, set));
+    check(pieces == fuzz::pieces_of(text, set));
 
     for (un::parser numbers(text, 0); !numbers.eos();) {
         uint32 const before = numbers.position();
@@ -142,5 +129,5 @@ void fuzz::run(std::string_view input) {
     narrow_string const text(in.rest());
     scan(text, delimiters);
     digits(text, value, radix, width);
-    arguments(plain_tokens(text, "\n"));
+    arguments(fuzz::pieces_of(text, "\n"));
 }

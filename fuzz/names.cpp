@@ -5,8 +5,6 @@
 #include "socle/any/name.h"
 #include "socle/any/string.h"
 
-#include <vector>
-
 namespace {
 
 using fuzz::check;
@@ -14,13 +12,10 @@ using fuzz::check;
 void fragments(wide_string const & text, char16_t separator) {
     any::name name(separator);
     name.set_ucs2(text);
-    std::vector<wide_string> wanted;
-    for (std::size_t start = 0; start <= text.size() && !text.empty();) {
-        std::size_t const end = std::min(text.find(separator, start), text.size());
-        if (text.substr(start, end - start) != u".")
-            wanted.push_back(text.substr(start, end - start));
-        start = end + 1;
-    }
+    auto wanted = fuzz::pieces_of(text, wide_string(1, separator));
+    std::erase(wanted, u".");
+    if (text.empty())
+        wanted.clear();
     while (wanted.size() > 1 && wanted.back().empty())
         wanted.pop_back();
     std::vector<wide_string> found;

@@ -4,21 +4,10 @@
 #include "socle/any/path.h"
 #include "socle/nio/path.h"
 
-#include <vector>
-
 namespace {
 
 using fuzz::check;
-
-std::vector<wide_string> pieces_of(wide_string const & text, wide_string const & separators) {
-    std::vector<wide_string> pieces(1);
-    for (char16_t const unit : text)
-        if (separators.find(unit) == separators.npos)
-            pieces.back() += unit;
-        else
-            pieces.emplace_back();
-    return pieces;
-}
+using fuzz::pieces_of;
 
 std::vector<wide_string> elements_of(any::path const & path) { return {path.begin(), path.end()}; }
 

@@ -8,6 +8,8 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <type_traits>
+#include <vector>
 
 /// What every target is made of. A target defines `run`.
 namespace fuzz {
@@ -84,6 +86,18 @@ inline uint64 number_at(std::string_view bytes, std::size_t at, std::size_t size
     for (std::size_t i = 0; i < size; ++i)
         value = value << 8 | static_cast<unsigned char>(bytes[at + (big ? i : size - 1 - i)]);
     return value;
+}
+
+/// The pieces between separators.
+template <class Text>
+std::vector<Text> pieces_of(Text const & text, std::type_identity_t<Text> const & separators) {
+    std::vector<Text> pieces(1);
+    for (auto const unit : text)
+        if (separators.find(unit) == separators.npos)
+            pieces.back() += unit;
+        else
+            pieces.emplace_back();
+    return pieces;
 }
 
 /// What a model throws where the library has to refuse.
