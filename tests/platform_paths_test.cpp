@@ -102,6 +102,9 @@ TEST_F(platform_paths, on_a_volume_get_its_letter_however_they_are_spelled) {
     EXPECT_EQ(resolved.real, scratch_.host("vol/sub/deep/f"));
     EXPECT_EQ(resolved.stream, u"note");
     EXPECT_EQ(posix::resolve(u"M:\\.socle_streams\\x", resolved), 5u);
+    EXPECT_EQ(posix::resolve(u"M:\\.socle_streams", resolved), 5u);
+    for (wide_string const path : {u"M:\\.socle_streams2", u"M:\\deep\\.socle_streams"})
+        EXPECT_EQ(posix::resolve(path, resolved), 0u);
     EXPECT_EQ(posix::resolve(u"N:\\f:note", resolved), 123u);
 }
 
