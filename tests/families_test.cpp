@@ -166,10 +166,12 @@ TYPED_TEST(families, unique_names_count_before_the_ending) {
     };
     for (auto const & [name, tries, by_io, by_nio] : table)
         EXPECT_EQ(TypeParam::unique(this->here_.path(name), tries), this->here_.path(this->io ? by_io : by_nio));
-    for (auto const & [name, tries] : {std::pair("plain", 0), std::pair("a.b.c", 1)})
-        EXPECT_TRUE(raised([&] { TypeParam::unique(this->here_.path(name), tries); })
-                        .starts_with(this->io ? "io::item: cannot resolve name conflict for "
-                                              : "cannot resolve a name conflict: "));
+    std::string const words =
+        this->io ? "io::item: cannot resolve name conflict for " : "cannot resolve a name conflict: ";
+    for (std::pair<char const *, int> const & each : {std::pair("plain", 0), std::pair("a.b.c", 1)}) {
+        wide_string const path = this->here_.path(each.first);
+        EXPECT_TRUE(raised([&] { TypeParam::unique(path, each.second); }).starts_with(words));
+    }
 }
 
 TYPED_TEST(families, emptying_takes_all_but_what_lies_behind_links) {
