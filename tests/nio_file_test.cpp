@@ -8,7 +8,6 @@
 #include "socle/platform/file_times.h"
 #include "socle/platform/files.h"
 #include "socle/platform/host.h"
-#include "socle/un/digits.h"
 #include "tests/support/ntfs_folder.h"
 
 #include <gtest/gtest.h>
@@ -239,24 +238,6 @@ TEST(nio_attributes, go_from_one_file_to_another) {
     plain.apply(directory, false, false);
     nio::item none(folder.path("none"));
     EXPECT_EQ(raised([&] { nio::attributes missing(none); }), "cannot access timestamps");
-}
-
-TEST(nio_attributes, come_from_sidecars_of_other_programs) {
-    std::string const nothing = un::hex(narrow_string(32, '\0'));
-    std::pair<char const *, std::string> const table[] = {
-        {"Both Forks", "4150504c536f436c200000000000000000000000000000000000000000000000"},
-        {"Bundle Flags", "7273726352534544640000000000000000000000000000000000000000000000"},
-        {"Placed Icon", "5445585443574945004400000000000000000000000000000000000000000000"},
-        {"five_entries", "5445585443574945000000000000000000000000000000000000000000000000"},
-        {"moved_entry", "504446204341524f01020102030405060708090a0b0c0d0e0f10111213141516"},
-        {"no_entry_nine", nothing},
-        {"version_one", nothing},
-    };
-    for (auto const & [name, finder] : table) {
-        nio::item item(platform::from_host(std::string(TEST_SAMPLES "/appledouble/") + name));
-        auto const found = nio::attributes(item).finder_info;
-        EXPECT_EQ(un::hex(byte_vector(found.begin(), found.end())), finder) << name;
-    }
 }
 
 TEST(nio_attributes, leave_what_is_no_sidecar) {

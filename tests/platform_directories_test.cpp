@@ -19,27 +19,9 @@ using namespace platform;
 namespace fs = std::filesystem;
 using namespace std::string_literals;
 
-std::vector<wide_string> search(wide_string const & pattern) {
-    std::vector<wide_string> names;
-    WIN32_FIND_DATAW data;
-    file_search * const found = FindFirstFileW(pattern, data);
-    if (found == nullptr)
-        return names;
-    do
-        names.push_back(data.cFileName);
-    while (FindNextFileW(found, data));
-    EXPECT_EQ(GetLastError(), ERROR_NO_MORE_FILES);
-    FindClose(found);
-    return names;
-}
-
 uint32 search_code(wide_string const & pattern) {
     WIN32_FIND_DATAW data;
-    file_search * const found = FindFirstFileW(pattern, data);
-    if (found == nullptr)
-        return GetLastError();
-    FindClose(found);
-    return 0;
+    return code(search_handle(FindFirstFileW(pattern, data)) != nullptr);
 }
 
 TEST(platform_directories, are_searched_in_the_native_order) {

@@ -49,34 +49,28 @@ refused() {
 expect 0 "$expected" nothing both_forks.bin bundle_flags.bin empty.bin placed_icon.bin read_me.bin version_one.bin
 
 # Every damaged file gets its line, and the good ones between them are shown all the same.
-head -c 127 both_forks.bin >short
-: >void
-cp both_forks.bin crc && patch crc 91 '\0'
-cp both_forks.bin stored_crc && patch stored_crc 125 '\1'
-cp both_forks.bin third && patch third 122 '\202'
-cp version_one.bin no_name && patch no_name 1 '\0'
-cp version_one.bin long_name && patch long_name 1 '\100'
-cp version_one.bin zero_in_name && patch zero_in_name 3 '\0'
-for at in 0 74 82; do cp version_one.bin not_zero_$at && patch not_zero_$at $at '\1'; done
-cp version_one.bin negative_fork && patch negative_fork 87 '\200'
+changed() { cp "$1" "$name" && patch "$name" "$2" "$3"; }
 mkdir folder
 mkfifo pipe
-cat >errors <<'END'
-macbinary: short is too short for a MacBinary header: 127 of 128 bytes
-macbinary: void is too short for a MacBinary header: 0 of 128 bytes
-macbinary: crc has a damaged MacBinary header: its CRC is 0xf104, but it says 0x7ce0
-macbinary: stored_crc has a damaged MacBinary header: its CRC is 0x7ce0, but it says 0x7c01
-macbinary: third has a damaged MacBinary header: its CRC is 0x29b3, but it says 0x7ce0
-macbinary: no_name does not begin with a MacBinary header
-macbinary: long_name does not begin with a MacBinary header
-macbinary: zero_in_name does not begin with a MacBinary header
-macbinary: not_zero_0 does not begin with a MacBinary header
-macbinary: not_zero_74 does not begin with a MacBinary header
-macbinary: not_zero_82 does not begin with a MacBinary header
-macbinary: negative_fork does not begin with a MacBinary header
-macbinary: folder is no file
-macbinary: pipe is no file
-macbinary: missing cannot open file: No such file or directory
+while IFS='|' read -r name make words; do
+    eval "$make"
+    echo "macbinary: $name $words"
+done >errors <<'END'
+short|head -c 127 both_forks.bin >short|is too short for a MacBinary header: 127 of 128 bytes
+void|: >void|is too short for a MacBinary header: 0 of 128 bytes
+crc|changed both_forks.bin 91 '\0'|has a damaged MacBinary header: its CRC is 0xf104, but it says 0x7ce0
+stored_crc|changed both_forks.bin 125 '\1'|has a damaged MacBinary header: its CRC is 0x7ce0, but it says 0x7c01
+third|changed both_forks.bin 122 '\202'|has a damaged MacBinary header: its CRC is 0x29b3, but it says 0x7ce0
+no_name|changed version_one.bin 1 '\0'|does not begin with a MacBinary header
+long_name|changed version_one.bin 1 '\100'|does not begin with a MacBinary header
+zero_in_name|changed version_one.bin 3 '\0'|does not begin with a MacBinary header
+not_zero_0|changed version_one.bin 0 '\1'|does not begin with a MacBinary header
+not_zero_74|changed version_one.bin 74 '\1'|does not begin with a MacBinary header
+not_zero_82|changed version_one.bin 82 '\1'|does not begin with a MacBinary header
+negative_fork|changed version_one.bin 87 '\200'|does not begin with a MacBinary header
+folder||is no file
+pipe||is no file
+missing||cannot open file: No such file or directory
 END
 expect 1 "$expected" errors both_forks.bin short void bundle_flags.bin crc stored_crc third empty.bin placed_icon.bin \
     no_name long_name zero_in_name not_zero_0 not_zero_74 not_zero_82 negative_fork folder pipe read_me.bin missing \

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "socle/platform/directories.h"
 #include "socle/platform/errors.h"
 #include "socle/platform/files.h"
 #include "socle/platform/host.h"
@@ -32,6 +33,17 @@ inline uint32 put(wide_string const & path, std::string const & bytes) {
     uint32 done = 0;
     bool const written = file != INVALID_HANDLE_VALUE && WriteFile(file, bytes.data(), uint32(bytes.size()), done);
     return code(written && CloseHandle(file));
+}
+
+/// The names that a search finds, to its end.
+inline std::vector<wide_string> search(wide_string const & pattern) {
+    std::vector<wide_string> names;
+    platform::WIN32_FIND_DATAW data;
+    platform::search_handle const found(platform::FindFirstFileW(pattern, data));
+    for (bool more = found != nullptr; more; more = platform::FindNextFileW(found.get(), data))
+        names.push_back(data.cFileName);
+    EXPECT_EQ(platform::GetLastError(), platform::ERROR_NO_MORE_FILES);
+    return names;
 }
 
 /// Handles of files in a scratch folder.
