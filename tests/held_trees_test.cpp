@@ -5,6 +5,7 @@
 #include "socle/nio/directory.h"
 #include "socle/nio/file.h"
 #include "socle/nio/filesystem_exception.h"
+#include "tests/support/deep_folders.h"
 #include "tests/support/elsewhere.h"
 #include "tests/support/ntfs_folder.h"
 #include "tests/support/system.h"
@@ -12,10 +13,8 @@
 
 #include <gtest/gtest.h>
 
-#include <fcntl.h>
 #include <sched.h>
 #include <sys/mount.h>
-#include <sys/resource.h>
 #include <sys/wait.h>
 
 namespace {
@@ -215,33 +214,16 @@ TEST(held_trees, tell_the_attributes_of_their_entries) {
     }
 }
 
-/// Makes folders in each other, deeper than the host has paths for.
-void make_chain(scratch const & here, int depth) {
-    std::string const name(40, 'd');
-    int at = open(here.folder().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    for (int i = 0; i < depth; ++i) {
-        ASSERT_EQ(mkdirat(at, name.c_str(), 0777), 0);
-        int const below = openat(at, name.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-        close(at);
-        at = below;
-    }
-    close(at);
-}
-
 TEST(held_trees, are_deeper_than_descriptors_and_paths_go) {
-    constexpr int depth = 1200;
+    constexpr std::size_t depth = 1200;
     elsewhere const here;
-    rlimit before{};
-    getrlimit(RLIMIT_NOFILE, &before);
     for (auto const & empty : {empty_with_nio, empty_with_io}) {
-        make_chain(here, depth);
-        rlimit const few{64, before.rlim_max};
-        setrlimit(RLIMIT_NOFILE, &few);
+        make_chain(here, wide_string(40, u'd'), depth);
+        few_descriptors const limit(64);
         io::item::summary sum;
         io::item(as_path(here.path(""))).scan(sum);
         empty(here.path(""));
-        setrlimit(RLIMIT_NOFILE, &before);
-        EXPECT_EQ(sum.directories, depth + 1u);
+        EXPECT_EQ(sum.directories, depth + 1);
         EXPECT_TRUE(fs::is_empty(here.folder()));
     }
 }

@@ -1,12 +1,12 @@
 // Folders that are held open: what is done in them is done nowhere else.
 
-#include "socle/platform/errors.h"
 #include "socle/platform/folders.h"
+#include "tests/support/deep_folders.h"
+#include "tests/support/handles.h"
 #include "tests/support/ntfs_folder.h"
 
 #include <gtest/gtest.h>
 
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <vector>
 
@@ -14,8 +14,6 @@ namespace {
 
 using namespace platform;
 namespace fs = std::filesystem;
-
-uint32 code(bool done) { return done ? 0 : GetLastError(); }
 
 struct entry {
     wide_string name;
@@ -186,45 +184,13 @@ TEST(platform_folders, links_to_them_are_not_gone_through) {
     }
 }
 
-/// No more than `count` descriptors while this lives.
-class few_descriptors {
-public:
-    explicit few_descriptors(rlim_t count) {
-        getrlimit(RLIMIT_NOFILE, &before_);
-        rlimit const now{count, before_.rlim_max};
-        setrlimit(RLIMIT_NOFILE, &now);
-    }
-    few_descriptors(few_descriptors const &) = delete;
-    few_descriptors & operator=(few_descriptors const &) = delete;
-    ~few_descriptors() { setrlimit(RLIMIT_NOFILE, &before_); }
-
-private:
-    rlimit before_{};
-};
-
-/// Makes a chain of folders in each other, of one name.
-void make_chain(scratch const & here, wide_string const & name, int depth) {
-    open_folder top;
-    ASSERT_TRUE(top.open(here.path("")));
-    std::vector<open_folder> chain(static_cast<std::size_t>(depth));
-    open_folder * above = &top;
-    for (open_folder & each : chain) {
-        ASSERT_TRUE(CreateDirectoryW(*above, name));
-        ASSERT_TRUE(each.open(*above, name));
-        above = &each;
-    }
-    EXPECT_TRUE(CreateDirectoryW(*above, u"leaf"));
-    while (!chain.empty())
-        chain.pop_back();
-}
-
 TEST(platform_folders, are_deeper_than_descriptors_and_paths_go) {
     scratch const here;
     open_folder top;
     ASSERT_TRUE(top.open(here.path("")));
     for (rlim_t const descriptors : {rlim_t{64}, rlim_t{12}}) {
         few_descriptors const limit(descriptors);
-        make_chain(here, wide_string(100, u'd'), 200);
+        make_chain(here, wide_string(100, u'd'), 201);
         EXPECT_EQ(remove_all(top), 201);
         EXPECT_TRUE(entries(top).empty());
     }
