@@ -92,7 +92,7 @@ void write(int failing, uint32 size, fuzz::feed steps) {
 
 void fuzz::run(std::string_view input) {
     feed in(input);
-    int const failing = in.below(40);
+    int const failing = static_cast<int>(in.below(40));
     uint32 const size = in.below(13);
     feed const steps(in.rest());
     read<stream::buffered_input>(failing, size, steps);

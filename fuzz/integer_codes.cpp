@@ -122,7 +122,8 @@ void encode(std::string_view input) {
         if (value == all_ones)
             continue;
         nio::write_p2(values.back(), bits);
-        p2_length += static_cast<std::size_t>(std::popcount(value + 1) + std::bit_width(value + 1));
+        p2_length +=
+            static_cast<std::size_t>(std::popcount(value + 1)) + static_cast<std::size_t>(std::bit_width(value + 1));
     }
     bits.finish();
     lent_out.flush();

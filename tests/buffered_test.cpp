@@ -76,8 +76,8 @@ TYPED_TEST(buffers, hold_small_writes_and_pass_large_ones) {
         for (std::string const piece : {"ab", "cd", "efg", "hi", "jk", "lmno"}) // the second fits exactly
             out.write(piece.data(), static_cast<uint32>(piece.size()));
         EXPECT_EQ(target.writes, (std::vector<uint32>{4, 3, 4, 4}));
-        for (unsigned char const byte : {'p', 'q', 'r', 's', 't'})
-            out.write(byte);
+        for (char const byte : {'p', 'q', 'r', 's', 't'})
+            out.write(static_cast<unsigned char>(byte));
         EXPECT_EQ(target.writes.size(), 5u);
         EXPECT_EQ(out.tell(), 20u);
         EXPECT_EQ(out.size(), 20u);
