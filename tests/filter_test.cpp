@@ -211,6 +211,9 @@ TEST(endian, a_value_that_does_not_fit_goes_as_far_as_single_bytes_go) {
     stream::array_output small(three, 3);
     EXPECT_THROW(stream::big_endian_output(small).write32(0x61626364), stream::exception);
     EXPECT_EQ(std::string(three, 3), "abc");
+    stream::array_output smaller(three, 2);
+    EXPECT_THROW(stream::big_endian_output(smaller).write24(0x646566), stream::exception);
+    EXPECT_EQ(std::string(three, 3), "dec");
 }
 
 /// Both classes of each side, one value at a time or in runs.
