@@ -6,6 +6,8 @@
 #include "socle/any/utf8_coder.h"
 #include "socle/nio/encoding.h"
 
+#include <bit>
+
 namespace {
 
 using fuzz::check;
@@ -20,7 +22,9 @@ char16_t valid(char16_t unit) {
 wide_string plain_decode(narrow_string const & bytes, bool validate) {
     wide_string out;
     for (std::size_t i = 0; i < bytes.size();) {
-        uint32 const n = nio::_utf8_size(bytes[i]);
+        auto const ones = static_cast<uint32>(std::countl_one(static_cast<unsigned char>(bytes[i])));
+        uint32 const n = ones == 0 ? 1 : ones == 1 || ones > 6 ? 0 : ones;
+        check(nio::_utf8_size(bytes[i]) == n);
         uint32 u = static_cast<unsigned char>(bytes[i]) & (n <= 1 ? 0x7F : 0x7F >> n), k = 1;
         for (; k < n && i + k < bytes.size() && (bytes[i + k] & 0xC0) == 0x80; ++k)
             u = u << 6 | (bytes[i + k] & 0x3F);

@@ -14,6 +14,19 @@ using support::fragment_source;
 using support::recording_target;
 using support::text;
 
+TEST(line_input, takes_each_byte_through_a_callers_class) {
+    struct counting : stream::line_input {
+        using line_input::line_input;
+        int _read() override { return ++reads, line_input::_read(); }
+        int reads = 0;
+    };
+    byte_vector const data = bytes("ab\n");
+    stream::vector_input memory(data);
+    counting in(memory);
+    EXPECT_EQ(in.read_line(), "ab");
+    EXPECT_EQ(in.reads, 3);
+}
+
 TEST(line_input, finds_the_end_in_windows_of_every_size) {
     for (std::size_t size = 0; size <= 100; ++size)
         for (std::size_t end = 0; end <= size; ++end) {
