@@ -127,6 +127,9 @@ TEST(nio_file, keeps_its_fork_in_a_sidecar) {
     file.close();
     EXPECT_FALSE(file.create_rsrc(true, false)); // one is there
     EXPECT_FALSE(file.is_open());
+    file.open_rw();
+    EXPECT_EQ(file.size(), 4u);
+    file.close();
     file.open();
     EXPECT_EQ(file.size(), 4u);
     EXPECT_EQ(rest(file), "data");
