@@ -1,4 +1,5 @@
 #include "socle/nio/blocks.h"
+#include "socle/nio/buffered_input.h"
 #include "socle/stream/array_input.h"
 #include "socle/stream/array_output.h"
 #include "socle/stream/copier.h"
@@ -172,6 +173,11 @@ TEST(blocks, a_lying_source_is_not_believed) {
     support::recording_target to;
     EXPECT_EQ(nio::copy(from, to, 20, 8), 20u);
     EXPECT_EQ(to.data, std::string(20, 'l'));
+    nio::buffered_input in(from, 8);
+    char block[20];
+    EXPECT_EQ(in.read(block, 3), 3u);
+    EXPECT_EQ(in.read(block, 20), 20u);
+    EXPECT_EQ(std::string(block, 20), std::string(20, 'l'));
 }
 
 } // namespace
