@@ -1,4 +1,3 @@
-#include "socle/platform/code_pages.h"
 #include "socle/platform/directories.h"
 #include "socle/platform/file_times.h"
 #include "tests/support/elsewhere.h"
@@ -11,7 +10,6 @@
 #include <cerrno>
 #include <sys/stat.h>
 #include <sys/xattr.h>
-#include <unistd.h>
 
 namespace {
 

@@ -1,14 +1,10 @@
-#include "socle/platform/errors.h"
 #include "socle/platform/file_times.h"
-#include "socle/platform/files.h"
-#include "socle/platform/host.h"
 #include "tests/support/handles.h"
 
 #include <gtest/gtest.h>
 
 #include <csignal>
 #include <fcntl.h>
-#include <filesystem>
 #include <functional>
 #include <sys/socket.h>
 #include <sys/un.h>

@@ -15,7 +15,6 @@
 #include <gtest/gtest.h>
 
 #include <cerrno>
-#include <string_view>
 #include <unistd.h>
 
 namespace {

@@ -4,7 +4,6 @@
 #include "socle/nio/filesystem_exception.h"
 #include "tests/support/handles.h"
 #include "tests/support/ntfs_folder.h"
-#include "tests/support/system.h"
 #include "tests/support/watched_calls.h"
 
 #include <gtest/gtest.h>
