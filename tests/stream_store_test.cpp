@@ -2,6 +2,7 @@
 
 #include "socle/nio/file.h"
 #include "socle/nio/filesystem_exception.h"
+#include "socle/platform/directories.h"
 #include "tests/support/handles.h"
 #include "tests/support/ntfs_folder.h"
 #include "tests/support/watched_calls.h"
@@ -155,6 +156,33 @@ TEST_F(stream_store_test, stands_what_is_done_to_a_whole_volume) {
     attach();
     EXPECT_EQ(get(u"N:\\f:a"), "kept");
     EXPECT_EQ(put(u"N:\\g:a", "no"), ERROR_WRITE_PROTECT);
+}
+
+TEST_F(stream_store_test, stays_with_the_folder_that_was_attached) {
+    EXPECT_FALSE(RemoveDirectoryW(u"N:\\"));
+    EXPECT_EQ(GetLastError(), ERROR_SHARING_VIOLATION);
+    volume_.write("f", "data");
+    EXPECT_EQ(put(u"N:\\f:a", "kept"), 0u);
+    std::string const folder = volume_.folder(), away = folder + ".away";
+    for (bool const link : {false, true}) {
+        fs::rename(folder, away);
+        EXPECT_EQ(link ? symlink(away.c_str(), folder.c_str()) : mkdir(folder.c_str(), 0700), 0);
+        for (wide_string const path : {u"N:\\f", u"N:\\f:a", u"N:\\:a"})
+            EXPECT_EQ(put(path, "no"), ERROR_PATH_NOT_FOUND);
+        EXPECT_EQ(GetFileAttributesW(u"N:\\"), INVALID_FILE_ATTRIBUTES);
+        WIN32_FIND_DATAW found;
+        EXPECT_EQ(FindFirstFileW(u"N:\\*", found), nullptr);
+        EXPECT_EQ(GetLastError(), ERROR_PATH_NOT_FOUND);
+        if (!link) {
+            volume_.write("f", "other");
+            EXPECT_EQ(put(volume_.path("f") + u":a", "no"), ERROR_FILE_CORRUPT);
+        }
+        EXPECT_EQ(volume_.exists(".socle_streams"), link);
+        fs::remove_all(folder);
+        fs::rename(away, folder);
+        EXPECT_EQ(folders(), 1u);
+        EXPECT_EQ(get(u"N:\\f:a"), "kept");
+    }
 }
 
 TEST_F(stream_store_test, takes_a_thousand_streams_and_long_names) {

@@ -43,9 +43,9 @@ uint64 seconds(uint64 file_time) { return file_time / 10'000'000; }
 
 } // namespace
 
-carrier::volume::volume(narrow_string const & folder, bool attach) : attached(attach) {
-    if (attach && platform::attach_volume('T', folder, "NTFS") != 0)
-        fail("cannot keep streams of files: " + readable_path(folder));
+carrier::volume::volume(target_folder const & top, bool attach) : attached(attach) {
+    if (attach && platform::attach_volume('T', top.held()->path(), "NTFS") != 0)
+        fail("cannot keep streams of files: " + top.typed());
 }
 
 carrier::volume::~volume() {
@@ -56,7 +56,7 @@ carrier::volume::~volume() {
 carrier::carrier(narrow_string const & folder, carrying const & how, report & report)
     : how_(how), report_(report),
       top_(std::make_shared<target_folder>(top_folder(folder, how.dry), readable_path(folder))),
-      volume_(folder, in_streams() && (!how.dry || top_->listed(".socle_streams") != nullptr)) {
+      volume_(*top_, in_streams() && (!how.dry || top_->listed(".socle_streams") != nullptr)) {
     if (!how_.dry)
         work_.emplace(*top_, how_.form);
 }

@@ -36,7 +36,7 @@ public:
 
 private:
     struct volume {
-        volume(narrow_string const & folder, bool attach);
+        volume(target_folder const & top, bool attach);
         ~volume();
         bool attached;
     };

@@ -10,6 +10,9 @@ namespace platform {
 /// such folder, 5 if something else is in the place of the hidden folder below, 50 if it cannot keep named streams, 87
 /// for what is no letter, 183 for `C` and letters in use.
 ///
+/// On Linux the folder stays open until it is detached, so that its disk cannot be unmounted; where it has been moved
+/// or removed, paths on the drive fail with 3, whatever has taken its place.
+///
 /// Where the host's disk has no streams of its own, the first one makes a hidden folder, `.socle_streams`, at the top
 /// of `folder`, which keeps them all, and marks its file with an extended attribute.
 SOCLE_API uint32 attach_volume(char letter, narrow_string const & folder, narrow_string const & file_system);

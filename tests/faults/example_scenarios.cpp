@@ -230,6 +230,7 @@ struct target {
     {"from", "to", fork_form::sidecar, "to/sub"},
     {"from", "to", fork_form::sidecar, "to/.catalog.part"},
     {"from", "to", fork_form::apple_double, "to/sub"},
+    {"n", "m", fork_form::stream, "m"},
     {"n", "m", fork_form::stream, "m/sub"},
     {"n", "m", fork_form::stream, "m/.catalog.part"},
 };

@@ -44,6 +44,8 @@ system_code remove_folder_at(resolved_path const & at) {
         at.stream.empty() ? remove_with_streams(at.on->streams.get(), at.at(), host::rmdir) : host_error(ENOTDIR);
     if (error == EEXIST)
         return ERROR_DIR_NOT_EMPTY;
+    if (error == EINVAL) // a volume's own
+        return ERROR_SHARING_VIOLATION;
     if (error != ENOTDIR)
         return code_at(at, error);
     // A file, or a link.

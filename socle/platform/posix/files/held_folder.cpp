@@ -8,18 +8,6 @@ namespace platform::posix {
 
 namespace {
 
-/// Where a path to a folder leads, which need not be told from the folder above.
-system_code host_path_of(std::u16string_view path, narrow_string & host) {
-    host_text text;
-    if (system_code const code = to_host_text(path, text))
-        return code;
-    if (text.has_stream)
-        return ERROR_DIRECTORY;
-    host = text.leaf.empty() ? text.folder : text.folder + '/' + text.leaf;
-    host = host.empty() ? "/" : host;
-    return {};
-}
-
 /// The kind of an entry, looked at only where the listing does not tell it.
 uint32 entry_kind(int folder, dirent64 const & entry) {
     host::at const at(folder, entry.d_name);
@@ -35,17 +23,25 @@ uint32 entry_kind(int folder, dirent64 const & entry) {
 } // namespace
 
 system_code listed_folder::open(std::u16string_view path, bool follow_link) {
-    narrow_string host;
-    if (system_code const code = host_path_of(path, host))
+    host_text text;
+    if (system_code const code = to_host_text(path, text))
         return code;
-    file_ = open_descriptor(host, O_RDONLY | O_DIRECTORY | (follow_link ? 0 : O_NOFOLLOW));
+    if (text.has_stream)
+        return ERROR_DIRECTORY;
+    // It need not be told from the folder above.
+    narrow_string const host = text.leaf.empty() ? text.folder : text.folder + '/' + text.leaf;
+    file_ = open_descriptor(text.on->at(host), O_RDONLY | O_DIRECTORY | (follow_link ? 0 : O_NOFOLLOW));
     if (file_.get() < 0) {
         // What is missing in front of the search's last name is a path.
         host_error const error = host_error::last();
         return error == ENOENT ? ERROR_PATH_NOT_FOUND : error == ENOTDIR ? ERROR_DIRECTORY : code_of(error);
     }
-    on_ = &volume_at({});
-    return any_attached() ? find_volume() : system_code();
+    on_ = text.on;
+    if (system_code const code = any_attached() ? find_volume() : system_code())
+        return code;
+    bool const left = on_ != text.on && text.on->top.get() >= 0; // by a link, or as its folder has been moved
+    host_error const error = left ? text.on->place().check() : host_error();
+    return error == ENOENT ? ERROR_PATH_NOT_FOUND : code_of(error);
 }
 
 system_code listed_folder::open(listed_folder const & above, narrow_string const & name) {

@@ -5,6 +5,14 @@
 
 namespace platform::posix {
 
+host_error held_place::check() const {
+    struct stat held {};
+    struct stat there {};
+    if (host::fstat(folder, &held) != 0 || host::lstat(path.empty() ? "/" : path, &there) != 0)
+        return host_error::last();
+    return host_error(held.st_dev == there.st_dev && held.st_ino == there.st_ino ? 0 : ENOENT);
+}
+
 host_error path_of(int file, narrow_string & path) {
     char text[PATH_MAX];
     ssize_t const size = host::readlink("/proc/self/fd/" + std::to_string(file), text, sizeof text);

@@ -37,6 +37,15 @@ inline descriptor_guard open_descriptor(host::at const & file, int flags, mode_t
     return descriptor_guard(host::open(file, flags | O_NOCTTY | O_CLOEXEC, mode));
 }
 
+/// A folder that somebody holds open, and where it was then.
+struct held_place {
+    int folder;
+    narrow_string path; // absolute and free of links; empty for the host's root
+
+    /// ENOENT if its place has been taken by something else, a link to it say, or by nothing.
+    host_error check() const;
+};
+
 /// Where an open file lies now, as the host tells it: absolute and free of links.
 host_error path_of(int file, narrow_string & path);
 

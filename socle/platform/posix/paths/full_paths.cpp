@@ -11,11 +11,11 @@ namespace posix {
 
 namespace {
 
-/// A folder without the links in it, as far as it exists; "" for the host's root.
-narrow_string real_folder(narrow_string const & folder) {
+/// A folder of a volume without the links in it, as far as it exists; "" for the host's root.
+narrow_string real_folder(volume const & on, narrow_string const & folder) {
     std::shared_ptr<found_folder const> found;
-    for (std::size_t end = folder.size(); end != 0 && end != narrow_string::npos; end = folder.rfind('/', end - 1))
-        if (!find_folder(folder.substr(0, end), found))
+    for (std::size_t end = folder.size(); end > on.folder.size(); end = folder.rfind('/', end - 1))
+        if (!find_folder(on, folder.substr(0, end), found))
             return found->real + folder.substr(end);
     return folder;
 }
@@ -25,7 +25,7 @@ void set_volume(path_text & path) {
     host_text text;
     if (to_host_text(path, text))
         return;
-    narrow_string host = real_folder(text.folder);
+    narrow_string host = real_folder(*text.on, text.folder);
     if (!text.leaf.empty())
         host.append("/").append(text.leaf);
     volume const & on = volume_at(host);

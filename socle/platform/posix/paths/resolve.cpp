@@ -27,8 +27,8 @@ bool is_about_path(host_error error) {
 }
 
 /// Goes on from the folder to the name that was resolved so far.
-system_code go_on_from(narrow_string const & folder, resolved_path & resolved) {
-    if (host_error const error = find_folder(folder, resolved.found))
+system_code go_on_from(host_text const & text, resolved_path & resolved) {
+    if (host_error const error = find_folder(*text.on, text.folder, resolved.found))
         return error == ENOENT || error == ELOOP ? ERROR_PATH_NOT_FOUND : code_of(error);
     bool const open = resolved.found->file.get() >= 0;
     resolved.folder = open ? resolved.found->file.get() : AT_FDCWD;
@@ -45,17 +45,23 @@ system_code place(host_text const & text, resolved_path & resolved) {
     resolved.safe = text.safe;
     bool const attached = any_attached();
     if (text.leaf.empty()) {
-        resolved.name = text.folder.empty() ? "/" : text.folder;
-        resolved.real = attached ? text.folder : narrow_string();
+        resolved.real = text.folder;
         resolved.on = &volume_at(text.folder);
-        return {};
+        if (text.on->top.get() < 0) {
+            resolved.name = "/";
+            return {};
+        }
+        resolved.folder = text.on->top.get();
+        resolved.name = ".";
+        host_error const error = text.on->place().check();
+        return error == ENOENT ? ERROR_PATH_NOT_FOUND : code_of(error);
     }
     if (!attached) {
         resolved.name = text.folder + '/' + text.leaf;
         return {};
     }
     resolved.name = text.leaf;
-    system_code const code = go_on_from(text.folder, resolved);
+    system_code const code = go_on_from(text, resolved);
     if (code == ERROR_PATH_NOT_FOUND && !text.safe)
         return ERROR_INVALID_NAME;
     // The place of the streams is hidden before it is there as well.
@@ -79,14 +85,14 @@ system_code go_on_to_file(resolved_path & resolved) {
 
 } // namespace
 
-host_error find_folder(narrow_string const & folder, std::shared_ptr<found_folder const> & found) {
+host_error find_folder(volume const & on, narrow_string const & folder, std::shared_ptr<found_folder const> & found) {
     if (held != nullptr)
         for (auto const & each : held->last)
             if (each && each->spelled == folder) {
                 found = each;
                 return {};
             }
-    narrow_string const path = folder.empty() ? "/" : folder;
+    host::at const path = on.at(folder);
     auto opened = std::make_shared<found_folder>();
     opened->spelled = folder;
     opened->file = open_descriptor(path, O_PATH | O_DIRECTORY);
@@ -100,6 +106,10 @@ host_error find_folder(narrow_string const & folder, std::shared_ptr<found_folde
         return error;
     if (opened->real == "/")
         opened->real.clear();
+    if (!is_inside(opened->real, on.folder))
+        error = on.place().check();
+    if (error)
+        return error;
     if (held != nullptr)
         held->last[held->next++ % std::size(held->last)] = opened;
     found = std::move(opened);
@@ -218,7 +228,7 @@ bool IsParentThere(wide_string const & path) {
         return false;
     std::shared_ptr<posix::found_folder const> found;
     if (posix::any_attached())
-        return !posix::find_folder(text.folder, found);
+        return !posix::find_folder(*text.on, text.folder, found);
     struct stat status {};
     return posix::host::stat(text.folder.empty() ? "/" : text.folder, &status) == 0 && S_ISDIR(status.st_mode);
 }

@@ -17,8 +17,9 @@ struct found_folder {
     narrow_string real;    // free of links; "" for the host's root
 };
 
-/// Opens a folder and asks it where it lies: the volume may be another than the text tells, if there are links in it.
-host_error find_folder(narrow_string const & folder, std::shared_ptr<found_folder const> & found);
+/// Opens a folder of a volume and asks it where it lies: it may be on another than the text tells, if there are links
+/// in it. ENOENT as well where the volume's own folder has been moved or removed.
+host_error find_folder(volume const & on, narrow_string const & folder, std::shared_ptr<found_folder const> & found);
 
 /// A name in an open folder, and the volume that it is on. Without attached volumes nothing is opened: it is the whole
 /// path, absolute, and each call resolves it.

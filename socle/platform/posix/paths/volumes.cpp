@@ -14,7 +14,7 @@ namespace {
 std::vector<volume> & table() {
     static std::vector<volume> volumes = [] {
         std::vector<volume> start;
-        start.push_back({'C', {}, {}, nullptr, false});
+        start.push_back({'C', {}, {}, descriptor_guard(), nullptr, false});
         return start;
     }();
     return volumes;
@@ -27,11 +27,17 @@ char letter_of(char16_t unit) {
     return unit >= u'A' && unit <= u'Z' ? static_cast<char>(unit) : '\0';
 }
 
+} // namespace
+
 bool is_inside(std::string_view host, std::string_view folder) {
     return host.starts_with(folder) && (host.size() == folder.size() || host[folder.size()] == '/');
 }
 
-} // namespace
+host::at volume::at(narrow_string const & path) const {
+    if (top.get() < 0)
+        return path.empty() ? host::at("/") : host::at(path);
+    return {top.get(), path.size() > folder.size() ? path.c_str() + folder.size() + 1 : "."};
+}
 
 system_code attach(char letter, narrow_string const & folder, narrow_string const & file_system) {
     char const capital = letter_of(static_cast<unsigned char>(letter));
@@ -44,12 +50,16 @@ system_code attach(char letter, narrow_string const & folder, narrow_string cons
         folder.find('\0') == narrow_string::npos ? open_descriptor(folder, O_PATH | O_DIRECTORY) : descriptor_guard();
     if (opened.get() < 0 || path_of(opened.get(), top))
         return ERROR_PATH_NOT_FOUND;
-    volume added{capital, top == "/" ? narrow_string() : top, file_system, nullptr, false};
+    // The standard streams keep their numbers.
+    descriptor_guard held(host::duplicate(opened.get(), STDERR_FILENO + 1));
+    if (held.get() < 0)
+        return last_code();
+    volume added{capital, top == "/" ? narrow_string() : top, file_system, std::move(held), nullptr, false};
     if (file_system == "NTFS") {
-        if (system_code const code = make_named_streams(top, added.streams))
+        if (system_code const code = make_named_streams(added.place(), added.streams))
             return code;
         narrow_string value;
-        added.ntfs_disk = !get_attribute(top, ntfs_bits_attribute, true, value);
+        added.ntfs_disk = !get_attribute(host::at(added.top.get()), ntfs_bits_attribute, true, value);
     }
     table().push_back(std::move(added));
     return {};

@@ -12,13 +12,21 @@ struct volume {
     char letter;
     narrow_string folder; // absolute, free of links, without a separator at its end: empty for the host's root
     narrow_string file_system;
+    descriptor_guard top;                   // that folder, held; none for `C:`
     std::unique_ptr<named_streams> streams; // none where files have no named streams
     bool ntfs_disk;                         // whether it gives a file's NTFS attributes as extended ones
+
+    held_place place() const { return {top.get(), folder}; }
+    /// The path of something in the folder, or of itself, as the calls take it.
+    host::at at(narrow_string const & path) const;
 
     /// See named_streams; the path is the host's, absolute.
     bool hides(std::string_view name, bool at_top) const { return streams && streams->hides(name, at_top); }
     bool hides_path(std::string_view host) const { return streams && streams->hides_path(host.substr(folder.size())); }
 };
+
+/// Whether a path is that of the folder, or of something in it, by their text.
+bool is_inside(std::string_view host, std::string_view folder);
 
 /// What the volume's file system is called.
 wide_string file_system_of(volume const & on);

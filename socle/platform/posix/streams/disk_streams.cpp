@@ -8,10 +8,11 @@
 
 namespace platform::posix {
 
-bool disk_streams::found_at(narrow_string const & volume) {
+bool disk_streams::found_at(held_place const & volume) {
     narrow_string value;
-    return !get_attribute(volume, ntfs_bits_attribute, true, value)
-           && !get_attribute(volume, ntfs_streams_attribute, true, value);
+    host::at const top(volume.folder);
+    return !get_attribute(top, ntfs_bits_attribute, true, value)
+           && !get_attribute(top, ntfs_streams_attribute, true, value);
 }
 
 system_code disk_streams::locate(host::at const & file, wide_string const & name, purpose, stream_place & place) const {
@@ -23,7 +24,7 @@ system_code disk_streams::locate(host::at const & file, wide_string const & name
     if (host_error const error = real_path(file, host))
         return code_of(error);
     // Behind the mount point's own name, the colon would be part of a name in the folder above it.
-    host += host == volume_ ? "/.:" : ":";
+    host += host == volume_ || host == "/" ? "/.:" : ":";
     host += leaf;
     return {};
 }

@@ -7,11 +7,10 @@ namespace platform::posix {
 /// The streams of a mounted NTFS disk whose driver gives stream `name` of a file `f` as `f:name`.
 class disk_streams final : public named_streams {
 public:
-    /// `volume` is absolute and free of links.
-    explicit disk_streams(narrow_string const & volume) : volume_(volume) {}
+    explicit disk_streams(held_place const & volume) : volume_(volume.path) {}
 
     /// Whether the disk at `volume` is of this kind.
-    static bool found_at(narrow_string const & volume);
+    static bool found_at(held_place const & volume);
 
     system_code locate(host::at const & file, wide_string const & name, purpose wanted,
                        stream_place & place) const override;
@@ -23,7 +22,7 @@ public:
     system_code sweep() const override { return {}; }
 
 private:
-    narrow_string volume_;
+    narrow_string volume_; // absolute and free of links; empty for the host's root
 };
 
 } // namespace platform::posix

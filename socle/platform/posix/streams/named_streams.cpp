@@ -15,9 +15,9 @@ namespace platform::posix {
 namespace {
 
 /// Why files at `volume` can have no user attributes.
-host_error keeps_no_attributes(narrow_string const & volume) {
+host_error keeps_no_attributes(held_place const & volume) {
     narrow_string value;
-    host_error const error = get_attribute(volume, note_attribute, true, value);
+    host_error const error = get_attribute(host::at(volume.folder), note_attribute, true, value);
     return error == ENODATA ? host_error() : error;
 }
 
@@ -90,17 +90,13 @@ bool named_streams::hides_path(std::string_view below) const {
     return false;
 }
 
-system_code make_named_streams(narrow_string const & folder, std::unique_ptr<named_streams> & streams) {
-    narrow_string volume;
-    if (host_error const error = real_path(folder, volume))
-        return code_of(error);
+system_code make_named_streams(held_place const & volume, std::unique_ptr<named_streams> & streams) {
     if (disk_streams::found_at(volume)) {
         streams = std::make_unique<disk_streams>(volume);
         return {};
     }
     if (host_error const error = keeps_no_attributes(volume))
         return code_of(error);
-    volume = volume == "/" ? narrow_string() : volume;
     try {
         stream_store::open(volume);
     } catch (host_error const & error) {

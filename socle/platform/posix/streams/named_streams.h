@@ -36,8 +36,8 @@ constexpr mode_t new_stream_mode = S_IRUSR | S_IWUSR;
 
 /// How one volume keeps the streams of its files and directories.
 ///
-/// A file is inside the volume, and links are followed. The last error is left alone. Objects hold no descriptor and no
-/// state but the volume's folder, so any thread may use one at any time.
+/// A file is inside the volume, and links are followed. The last error is left alone. Objects have no state
+/// but the volume's folder, which somebody else keeps open, so any thread may use one at any time.
 class named_streams {
 public:
     enum class purpose {
@@ -86,9 +86,10 @@ public:
 /// Removes the streams, as far as that goes.
 host_error remove_belongings(named_streams::belongings const & gone);
 
-/// Chooses the store for the volume at `folder`: the disk's own streams where its driver gives them, else a hidden
-/// folder at its top. 50 if the file system can do neither, 5 for something else in the place of that folder.
-system_code make_named_streams(narrow_string const & folder, std::unique_ptr<named_streams> & streams);
+/// Chooses the store for a volume, whose folder must stay open as long: the disk's own streams where its driver gives
+/// them, else a hidden folder at its top. 50 if the file system can do neither, 5 for something else in the place of
+/// that folder.
+system_code make_named_streams(held_place const & volume, std::unique_ptr<named_streams> & streams);
 
 /// Opens a stream; `access` is O_RDONLY, O_WRONLY or O_RDWR. One to be written is made if it is missing, and
 /// locked: 32.

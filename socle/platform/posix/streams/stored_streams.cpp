@@ -26,7 +26,7 @@ system_code told(Step step) {
 }
 
 /// The folder that a file claims.
-streams_folder look(narrow_string const & volume, host::at const & file) {
+streams_folder look(held_place const & volume, host::at const & file) {
     streams_folder found = find_streams(volume, file, claimant_at(file));
     if (!found.is_open() && found.lost)
         throw host_error(EUCLEAN);
@@ -55,7 +55,7 @@ bool must_be_own(streams_folder const & found, file_rights const & rights, narro
 }
 
 /// The folder in which a file's streams can be looked at or changed; none, and `again`, if it changed meanwhile.
-streams_folder settle(narrow_string const & volume, host::at const & file, claimant const & owner,
+streams_folder settle(held_place const & volume, host::at const & file, claimant const & owner,
                       narrow_string const & stored, purpose wanted, bool & again) {
     bool const changes = wanted != purpose::look;
     streams_folder found = find_streams(volume, file, owner);

@@ -8,8 +8,7 @@ namespace platform::posix {
 /// See docs/formats.md for who owns a folder, stream_names.h for the names.
 class stored_streams final : public named_streams {
 public:
-    /// `volume` is absolute and free of links; empty for the host's root.
-    explicit stored_streams(narrow_string const & volume) : volume_(volume) {}
+    explicit stored_streams(held_place const & volume) : volume_(volume) {}
 
     system_code locate(host::at const & file, wide_string const & name, purpose wanted,
                        stream_place & place) const override;
@@ -21,7 +20,7 @@ public:
     system_code sweep() const override;
 
 private:
-    narrow_string volume_;
+    held_place volume_;
 };
 
 } // namespace platform::posix

@@ -110,14 +110,33 @@ void open_claimed(streams_folder & streams, stream_store && store, stream_claim 
         streams.status = status_of(streams.folder.get());
 }
 
+/// The folder above a path free of links; none if the file has moved meanwhile.
+descriptor_guard open_above(narrow_string const & path) {
+    narrow_string const above = path.substr(0, std::max<std::size_t>(path.rfind('/'), 1));
+    descriptor_guard folder = open_descriptor(above, O_PATH | O_DIRECTORY);
+    narrow_string there;
+    if (folder.get() < 0)
+        throw host_error::last();
+    if (host_error const error = path_of(folder.get(), there))
+        throw error;
+    return there == above ? std::move(folder) : descriptor_guard();
+}
+
 /// The same, looked for where the file is, and further up.
 void look_upwards(streams_folder & streams, host::at const & file, stream_claim const & claim) {
     narrow_string path;
     if (host_error const error = real_path(file, path))
         throw error;
-    while (!streams.is_open() && !path.empty() && path != "/") {
+    descriptor_guard & folder = streams.above;
+    folder = path == "/" ? descriptor_guard() : open_above(path);
+    while (folder.get() >= 0) {
         path.resize(path.rfind('/'));
-        open_claimed(streams, stream_store::open(path), claim);
+        open_claimed(streams, stream_store::open({folder.get(), path}), claim);
+        if (streams.is_open())
+            return;
+        folder = path.empty() ? descriptor_guard() : open_descriptor({folder.get(), ".."}, O_PATH | O_DIRECTORY);
+        if (folder.get() < 0 && !path.empty())
+            throw host_error::last();
     }
 }
 
@@ -202,7 +221,7 @@ bool is_stream(struct stat const & status, uid_t owner, file_rights const & righ
            && (status.st_uid == owner || status.st_uid == rights.owner || begun);
 }
 
-streams_folder find_streams(narrow_string const & volume, host::at const & file, claimant const & owner) {
+streams_folder find_streams(held_place const & volume, host::at const & file, claimant const & owner) {
     streams_folder found;
     std::vector<stream_claim> useless;
     bool lost = false;
@@ -245,7 +264,7 @@ streams_folder find_streams(narrow_string const & volume, host::at const & file,
     return found;
 }
 
-bool make_streams(narrow_string const & volume, host::at const & file, claimant const & owner,
+bool make_streams(held_place const & volume, host::at const & file, claimant const & owner,
                   streams_folder const & from) {
     stream_store own_store;
     if (!from.is_open())

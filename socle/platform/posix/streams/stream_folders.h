@@ -10,6 +10,7 @@ namespace platform::posix {
 
 /// An open folder of streams; none if it is not open.
 struct streams_folder {
+    descriptor_guard above; // the folder of the store, if that is not the volume's
     stream_store store;
     descriptor_guard folder;
     struct stat status {};
@@ -28,11 +29,11 @@ struct streams_folder {
 
 /// The folder that a file claims; none if it claims none of its own. It is looked for at the top of `volume`, and from
 /// the file upwards.
-streams_folder find_streams(narrow_string const & volume, host::at const & file, claimant const & owner);
+streams_folder find_streams(held_place const & volume, host::at const & file, claimant const & owner);
 
 /// Makes a folder for the file's streams, with copies of those in `from`, if that is open, and lets the file claim it.
 /// EWOULDBLOCK while somebody writes there. False if another process was faster.
-bool make_streams(narrow_string const & volume, host::at const & file, claimant const & owner,
+bool make_streams(held_place const & volume, host::at const & file, claimant const & owner,
                   streams_folder const & from);
 
 /// Lets all in the folder follow the file, see `let_follow`.

@@ -66,20 +66,19 @@ void finish(int store) {
 
 } // namespace
 
-stream_store stream_store::open(narrow_string const & volume) {
+stream_store stream_store::open(held_place const & volume) {
     stream_store store;
     store.volume_ = volume;
-    store.top_ = open_descriptor(volume.empty() ? "/" : volume, O_PATH | O_DIRECTORY);
-    if (store.top_.get() < 0)
-        throw host_error::last();
+    if (host_error const error = volume.check())
+        throw error == ENOENT || error == ENOTDIR ? host_error(EUCLEAN) : error;
     try {
-        store.folder_ = open_folder({store.top_.get(), store_leaf}, O_PATH);
+        store.folder_ = open_folder({volume.folder, store_leaf}, O_PATH);
     } catch (host_error const & error) {
         if (error == ENOENT)
             return store;
         throw;
     }
-    struct statx const top = status_of(store.top_.get());
+    struct statx const top = status_of(volume.folder);
     struct statx const status = status_of(store.folder_.get());
     bool const taken_over = geteuid() == 0 && !is_owned_well(top, status);
     if (!on_one_system(top, status) || (!taken_over && !is_owned_well(top, status)))
@@ -88,7 +87,7 @@ stream_store stream_store::open(narrow_string const & volume) {
         // Somebody may have changed the modes of the whole volume.
         bool const ours = geteuid() == 0 || geteuid() == status.stx_uid;
         // Asked first: what is in a store is made when it is marked.
-        bool const begun = ours && is_begun(store.top_.get(), status.stx_mode);
+        bool const begun = ours && is_begun(volume.folder, status.stx_mode);
         host::at const folder(store.folder_.get());
         if (!is_marked(store.folder_.get())) {
             if (!begun)
@@ -104,17 +103,17 @@ stream_store stream_store::open(narrow_string const & volume) {
     return store;
 }
 
-stream_store stream_store::make(narrow_string const & volume) {
+stream_store stream_store::make(held_place const & volume) {
     stream_store store = open(volume);
     if (store.is_open())
         return store;
-    host::at const place(store.top_.get(), store_leaf);
+    host::at const place(volume.folder, store_leaf);
     if (host::mkdir(place, S_IRWXU) != 0 && errno != EEXIST)
         throw host_error::last();
     store = open(volume);
     if (store.is_open())
         return store;
-    finish(open_folder({store.top_.get(), store_leaf}, O_RDONLY).get());
+    finish(open_folder({volume.folder, store_leaf}, O_RDONLY).get());
     return open(volume);
 }
 

@@ -16,22 +16,22 @@ class stream_store {
 public:
     stream_store() = default;
 
-    /// That of the host folder `volume`, which is empty for the host's root. EACCES for something else in its place.
-    static stream_store open(narrow_string const & volume);
+    /// That of a volume's folder, which must stay open as long. EACCES for something else in its place, EUCLEAN where
+    /// the folder has been moved or removed.
+    static stream_store open(held_place const & volume);
     /// The same, but makes one where there is none.
-    static stream_store make(narrow_string const & volume);
+    static stream_store make(held_place const & volume);
 
     bool is_open() const { return folder_.get() >= 0; }
     int descriptor() const { return folder_.get(); }
-    narrow_string const & volume() const { return volume_; }
+    narrow_string const & volume() const { return volume_.path; }
     narrow_string const & identity() const { return identity_; }
     /// An entry of the volume.
-    host::at in_volume(narrow_string const & path) const { return {top_.get(), path.c_str()}; }
+    host::at in_volume(narrow_string const & path) const { return {volume_.folder, path.c_str()}; }
 
 private:
-    descriptor_guard top_;
+    held_place volume_{-1, {}};
     descriptor_guard folder_;
-    narrow_string volume_;
     narrow_string identity_;
 };
 
