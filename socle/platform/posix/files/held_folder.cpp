@@ -36,10 +36,10 @@ system_code listed_folder::open(std::u16string_view path, bool follow_link) {
         host_error const error = host_error::last();
         return error == ENOENT ? ERROR_PATH_NOT_FOUND : error == ENOTDIR ? ERROR_DIRECTORY : code_of(error);
     }
-    on_ = text.on;
+    on_ = text.on->shared_from_this();
     if (system_code const code = any_attached() ? find_volume() : system_code())
         return code;
-    bool const left = on_ != text.on && text.on->top.get() >= 0; // by a link, or as its folder has been moved
+    bool const left = on_.get() != text.on && text.on->top.get() >= 0; // by a link, or as its folder has been moved
     host_error const error = left ? text.on->place().check() : host_error();
     return error == ENOENT ? ERROR_PATH_NOT_FOUND : code_of(error);
 }
@@ -63,7 +63,7 @@ system_code listed_folder::find_volume() {
     if (error)
         return code_of(error);
     path = path == "/" ? narrow_string() : path;
-    on_ = &volume_at(path);
+    on_ = volume_at(path).shared_from_this();
     at_top_ = path == on_->folder;
     crosses_ = any_below(path);
     return on_->hides_path(path) ? ERROR_ACCESS_DENIED : system_code();
@@ -78,7 +78,7 @@ system_code listed_folder::entry(std::u16string_view name, resolved_path & at) c
         return ERROR_INVALID_NAME;
     if (on_->hides(at.name, at_top_))
         return ERROR_ACCESS_DENIED;
-    at.on = on_;
+    at.on = on_.get();
     at.folder = file_.get();
     at.safe = is_safe_name(leaf);
     if (crosses_) {

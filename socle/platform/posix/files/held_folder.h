@@ -34,7 +34,7 @@ private:
     system_code find_volume();
 
     descriptor_guard file_;
-    volume const * on_ = nullptr;
+    std::shared_ptr<volume const> on_; // also where it has been detached since
     bool at_top_ = false;  // whether it is its volume's own
     bool crosses_ = false; // whether a volume may begin below it
     bool listed_ = false;  // whether its descriptor has left the start

@@ -11,12 +11,8 @@ namespace platform::posix {
 namespace {
 
 /// `C:` first, and never empty.
-std::vector<volume> & table() {
-    static std::vector<volume> volumes = [] {
-        std::vector<volume> start;
-        start.push_back({'C', {}, {}, descriptor_guard(), nullptr, false});
-        return start;
-    }();
+std::vector<std::shared_ptr<volume const>> & table() {
+    static std::vector<std::shared_ptr<volume const>> volumes = {std::make_shared<volume>('C')};
     return volumes;
 }
 
@@ -45,46 +41,48 @@ system_code attach(char letter, narrow_string const & folder, narrow_string cons
         return ERROR_INVALID_PARAMETER;
     if (volume_of_letter(static_cast<unsigned char>(letter)) != nullptr)
         return ERROR_ALREADY_EXISTS;
-    narrow_string top;
+    auto const added = std::make_shared<volume>(capital);
     descriptor_guard const opened =
         folder.find('\0') == narrow_string::npos ? open_descriptor(folder, O_PATH | O_DIRECTORY) : descriptor_guard();
-    if (opened.get() < 0 || path_of(opened.get(), top))
+    if (opened.get() < 0 || path_of(opened.get(), added->folder))
         return ERROR_PATH_NOT_FOUND;
+    if (added->folder == "/")
+        added->folder.clear();
     // The standard streams keep their numbers.
-    descriptor_guard held(host::duplicate(opened.get(), STDERR_FILENO + 1));
-    if (held.get() < 0)
+    added->top = descriptor_guard(host::duplicate(opened.get(), STDERR_FILENO + 1));
+    if (added->top.get() < 0)
         return last_code();
-    volume added{capital, top == "/" ? narrow_string() : top, file_system, std::move(held), nullptr, false};
+    added->file_system = file_system;
     if (file_system == "NTFS") {
-        if (system_code const code = make_named_streams(added.place(), added.streams))
+        if (system_code const code = make_named_streams(added->place(), added->streams))
             return code;
         narrow_string value;
-        added.ntfs_disk = !get_attribute(host::at(added.top.get()), ntfs_bits_attribute, true, value);
+        added->ntfs_disk = !get_attribute(host::at(added->top.get()), ntfs_bits_attribute, true, value);
     }
-    table().push_back(std::move(added));
+    table().push_back(added);
     return {};
 }
 
 system_code detach(char letter) {
     char const capital = letter_of(static_cast<unsigned char>(letter));
-    bool const found = std::erase_if(table(), [&](volume const & v) { return v.letter == capital && v.letter != 'C'; });
+    bool const found = std::erase_if(table(), [&](auto const & v) { return v->letter == capital && v->letter != 'C'; });
     return found ? system_code() : ERROR_PATH_NOT_FOUND;
 }
 
 volume const * volume_of_letter(char16_t letter) {
     char const capital = letter_of(letter);
-    for (volume const & v : table())
-        if (v.letter == capital)
-            return &v;
+    for (auto const & v : table())
+        if (v->letter == capital)
+            return v.get();
     return nullptr;
 }
 
 volume const & volume_at(std::string_view host) {
-    volume const * found = &table().front();
-    for (volume const & v : table())
+    volume const * found = table().front().get();
+    for (auto const & v : table())
         // Of two at the same folder the one attached last, so that the host's root can be attached as well.
-        if (is_inside(host, v.folder) && v.folder.size() >= found->folder.size())
-            found = &v;
+        if (is_inside(host, v->folder) && v->folder.size() >= found->folder.size())
+            found = v.get();
     return *found;
 }
 
@@ -92,7 +90,7 @@ bool any_attached() { return table().size() > 1; }
 
 bool any_below(std::string_view host) {
     return std::any_of(table().begin(), table().end(),
-                       [&](volume const & v) { return v.folder.size() > host.size() && is_inside(v.folder, host); });
+                       [&](auto const & v) { return v->folder.size() > host.size() && is_inside(v->folder, host); });
 }
 
 } // namespace platform::posix

@@ -5,16 +5,19 @@
 #include <memory>
 #include <string_view>
 
-/// The volumes: `C:` for the host's root, and the attached ones. The table only changes before threads start.
+/// The volumes: `C:` for the host's root, and the attached ones. The table only changes before threads start. A folder
+/// that is held open keeps its volume, also one that has been detached since.
 namespace platform::posix {
 
-struct volume {
+struct volume : std::enable_shared_from_this<volume> {
+    explicit volume(char capital) : letter(capital) {}
+
     char letter;
     narrow_string folder; // absolute, free of links, without a separator at its end: empty for the host's root
     narrow_string file_system;
     descriptor_guard top;                   // that folder, held; none for `C:`
     std::unique_ptr<named_streams> streams; // none where files have no named streams
-    bool ntfs_disk;                         // whether it gives a file's NTFS attributes as extended ones
+    bool ntfs_disk = false;                 // whether it gives a file's NTFS attributes as extended ones
 
     held_place place() const { return {top.get(), folder}; }
     /// The path of something in the folder, or of itself, as the calls take it.
