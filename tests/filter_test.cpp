@@ -207,13 +207,12 @@ TEST(endian, a_callers_source_is_asked_as_promised) {
 }
 
 TEST(endian, a_value_that_does_not_fit_goes_as_far_as_single_bytes_go) {
-    char three[3] = {};
-    stream::array_output small(three, 3);
+    std::string memory(7, '.');
+    stream::array_output small(memory.data(), 3), open(memory.data() + 3, 3);
     EXPECT_THROW(stream::big_endian_output(small).write32(0x61626364), stream::exception);
-    EXPECT_EQ(std::string(three, 3), "abc");
-    stream::array_output smaller(three, 2);
-    EXPECT_THROW(stream::big_endian_output(smaller).write24(0x646566), stream::exception);
-    EXPECT_EQ(std::string(three, 3), "dec");
+    open.write('x'); // from then on its memory is open
+    EXPECT_THROW(stream::big_endian_output(open).write24(0x646566), stream::exception);
+    EXPECT_EQ(memory, "abcxde.");
 }
 
 /// Both classes of each side, one value at a time or in runs.
