@@ -35,9 +35,9 @@ private:
 
     descriptor_guard file_;
     std::shared_ptr<volume const> on_; // also where it has been detached since
-    bool at_top_ = false;  // whether it is its volume's own
-    bool crosses_ = false; // whether a volume may begin below it
-    bool listed_ = false;  // whether its descriptor has left the start
+    bool at_top_ = false;              // whether it is its volume's own
+    bool crosses_ = false;             // whether a volume may begin below it
+    bool listed_ = false;              // whether its descriptor has left the start
 };
 
 } // namespace platform::posix
