@@ -120,6 +120,7 @@ TEST(nio_path, normalizes_all_but_a_drive) {
     for (row const & r : {
              row{u"C:\\a:b\\c?", u"C:\\a_b\\c_"},
              row{u"xy:\\a", u"xy_\\a"},
+             row{u"x:y\\a", u"x_y\\a"},
              row{u"a\\c:", u"a\\c_"},
              row{u"", u""},
              row{u"\\\\host\\share", u"\\\\host\\share"},
