@@ -73,6 +73,13 @@ void codec(std::string_view input) {
     nio::_utf8_decode(out, again, true);
     check(again == expected);
     check(nio::encode(text, -3) == out);
+
+    // Runs of three bytes each, some of them overlong.
+    narrow_string threes;
+    for (unsigned const unit : text)
+        for (unsigned const byte : {0xE0 | unit >> 12, 0x80 | (unit >> 6 & 0x3F), 0x80 | (unit & 0x3F)})
+            threes += static_cast<char>(byte);
+    check(nio::decode(threes, -3) == plain_decode(threes, true));
 }
 
 /// The coder of names as 8-bit text without a code page.
