@@ -6,9 +6,11 @@
 namespace platform::posix {
 
 host_error held_place::check() const {
+    if (path.empty())
+        return host_error(); // nobody moves the root
     struct stat held {};
     struct stat there {};
-    if (host::fstat(folder, &held) != 0 || host::lstat(path.empty() ? "/" : path, &there) != 0)
+    if (host::fstat(folder, &held) != 0 || host::lstat(path, &there) != 0)
         return host_error::last();
     return host_error(held.st_dev == there.st_dev && held.st_ino == there.st_ino ? 0 : ENOENT);
 }
