@@ -81,13 +81,14 @@ void carrier::carry(file_record const & from, target_pointer const & folder, wid
         return;
     }
     auto const path = work_->next_part();
+    host::status status;
     try {
-        make(from, path);
+        status = make(from, path);
     } catch (...) {
         forked_copy(how_.form, path).remove();
         throw;
     }
-    waiting_.push_back({from, folder, leaf, path, found == finding::older, nullptr});
+    waiting_.push_back({from, folder, leaf, path, status, found == finding::older, nullptr});
     waiting_bytes_ += from.bytes();
     if (waiting_.size() >= most_files || waiting_bytes_ >= most_bytes)
         flush();
@@ -153,7 +154,7 @@ file_record carrier::look_at_there(target_folder const & folder, wide_string con
     };
     bool const forks = !in_streams() && (has(rsrc_name(how_.form, leaf)) || has(info_name(how_.form, leaf)));
     if (forks || folder.has_more(platform::to_host(leaf)))
-        return look_at_made(how_.form, folder.path(leaf));
+        return look_at_made(how_.form, folder.path(leaf), there, forks);
     entry plain;
     plain.leaf = leaf;
     plain.status = there;
@@ -194,17 +195,20 @@ bool carrier::link(file_record const & from, target_pointer const & folder, wide
     return true;
 }
 
-void carrier::make(file_record const & from, wide_string const & path) {
+host::status carrier::make(file_record const & from, wide_string const & path) {
     forked_copy const made(how_.form, path);
     auto const source = platform::to_host(from.path), host_path = platform::to_host(path);
     made.make(from, report_.bar());
     auto const refused = host::give_belongings(source, from.status, host_path, how_.keep);
-    for (auto const & name : sidecars_of(from, path))
+    auto const sidecars = sidecars_of(from, path);
+    for (auto const & name : sidecars)
         host::give_mode(platform::to_host(name), from.status.mode & 0666);
     auto const now = host::status_of(source);
     if (now.modified != from.status.modified || now.size != from.status.size)
         fail("is not carried, as it changed while it was read");
-    tell_losses(from, look_at_made(how_.form, path), refused, how_, report_);
+    auto const status = host::status_of(host_path);
+    tell_losses(from, look_at_made(how_.form, path, status, !sidecars.empty()), refused, how_, report_);
+    return status;
 }
 
 target_pointer carrier::enter(target_pointer const & folder, wide_string const & leaf) {
@@ -230,7 +234,7 @@ void carrier::finish(file_record const & from, target_pointer const & around, wi
                      target_pointer const & made) {
     if (how_.dry)
         return;
-    waiting_.push_back({from, around, leaf, {}, how_.update, made});
+    waiting_.push_back({from, around, leaf, {}, {}, how_.update, made});
     if (++waiting_folders_ >= most_folders)
         flush();
 }
@@ -276,7 +280,6 @@ void carrier::flush() {
 /// Sidecars first, so that what is there has them.
 void carrier::place(waiting const & file) {
     forked_copy const made(how_.form, file.part);
-    auto const status = host::status_of(platform::to_host(file.part));
     std::vector<wide_string> placed;
     try {
         if (how_.verify && !same_contents(how_.form, file.from, look_at_made(how_.form, file.part)))
@@ -289,7 +292,7 @@ void carrier::place(waiting const & file) {
             fs::remove(host::path_of(file.folder->held()->path(platform::to_host(leaf))));
         throw;
     }
-    file.folder->claim(status);
+    file.folder->claim(file.status);
     ++(file.replaces ? report_.replaced : report_.carried);
 }
 

@@ -46,6 +46,7 @@ private:
         target_pointer folder;
         wide_string leaf;
         wide_string part;
+        host::status status; // of that
         bool replaces = false;
         target_pointer made;
     };
@@ -58,7 +59,8 @@ private:
     bool is_fork(wide_string const & path) const;
     file_record look_at_there(target_folder const & folder, wide_string const & leaf, host::status const & there) const;
     bool link(file_record const & from, target_pointer const & folder, wide_string const & leaf);
-    void make(file_record const & from, wide_string const & path);
+    /// What was made there.
+    host::status make(file_record const & from, wide_string const & path);
 
     void flush();
     void place(waiting const & file);

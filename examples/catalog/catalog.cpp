@@ -99,7 +99,7 @@ bool work(settings const & wanted, selection const & selection) {
         if (within(target, whole) || within(whole, target))
             throw nio::exception("one folder lies in the other: " + readable_path(wanted.target));
     }
-    bool const streams = look_for_streams(folder);
+    host::folder const source(folder, true);
     auto const root = platform::from_host(folder);
     report report(wanted.folder, root, wanted.quiet);
     std::optional<carrier> carrier;
@@ -119,7 +119,8 @@ bool work(settings const & wanted, selection const & selection) {
         notation = wanted.json ? json_notation(*out) : xml_notation(*out);
         catalogue.emplace(*notation, wanted.checksums);
     }
-    tree(wanted.folder, root, streams, selection, catalogue ? &*catalogue : nullptr, carrier ? &*carrier : nullptr,
+    auto const attach = [&] { return look_for_streams(source.path()); };
+    tree(wanted.folder, root, attach, selection, catalogue ? &*catalogue : nullptr, carrier ? &*carrier : nullptr,
          report)
         .walk();
     if (out)

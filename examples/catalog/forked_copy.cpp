@@ -188,18 +188,22 @@ void copy_streams(file_record const & from, wide_string const & to) {
 }
 
 file_record look_at_made(fork_form form, wide_string const & path) {
+    return look_at_made(form, path, host::status_of(platform::to_host(path)), true);
+}
+
+file_record look_at_made(fork_form form, wide_string const & path, host::status const & status, bool forks) {
     auto const beside = [](wide_string const & name) {
         return host::kind_of(platform::to_host(name)) == host::kind::file;
     };
     entry found;
     found.leaf = nio::leaf(path, u'\\');
-    found.status = host::status_of(platform::to_host(path));
+    found.status = status;
     found.more = true;
     wide_string const info = info_name(form, path);
-    if (form == fork_form::sidecar) {
+    if (form == fork_form::sidecar && forks) {
         found.rsrc = found.file() && beside(rsrc_name(form, path));
         found.info = beside(info) && is_info_header(info);
-    } else if (form == fork_form::apple_double) {
+    } else if (form == fork_form::apple_double && forks) {
         found.twin = beside(info);
     }
     auto const made = look_at(nio::stem(path, u'\\'), found);

@@ -36,6 +36,8 @@ void copy_streams(file_record const & from, wide_string const & to);
 
 /// Looks at what stands at `path`, with the forks that it has in this form. Throws also if they cannot be read.
 file_record look_at_made(fork_form form, wide_string const & path);
+/// The same where its status is known, and whether there may be any in files beside it.
+file_record look_at_made(fork_form form, wide_string const & path, host::status const & status, bool forks);
 
 /// Whether `made` is a copy of `from`: each byte of each fork, and of each stream if the form has them.
 bool same_contents(fork_form form, file_record const & from, file_record const & made);

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <numeric>
 #include <tuple>
+#include <utility>
 
 namespace {
 
@@ -15,10 +16,10 @@ bool needs_no_other_name(entry const & e) {
 
 } // namespace
 
-tree::tree(narrow_string const & typed, wide_string const & root, bool streams, selection const & selection,
-           catalogue * catalogue, carrier * carrier, report & report)
-    : typed_(typed), root_(root), streams_(streams), selection_(selection), catalogue_(catalogue), carrier_(carrier),
-      report_(report) {}
+tree::tree(narrow_string const & typed, wide_string const & root, std::function<bool()> attach,
+           selection const & selection, catalogue * catalogue, carrier * carrier, report & report)
+    : typed_(typed), root_(root), attach_(std::move(attach)), selection_(selection), catalogue_(catalogue),
+      carrier_(carrier), report_(report) {}
 
 void tree::walk() {
     auto const host_root = platform::to_host(root_);
@@ -30,6 +31,8 @@ void tree::walk() {
     top.leaf = nio::leaf(root_, u'\\');
     top.status = host::folder(host_root, true).status();
     top.more = host::has_more(host_root);
+    if (top.more)
+        attach();
     auto const record = look_at(nio::stem(root_, u'\\'), top);
     if (catalogue_)
         catalogue_->begin(typed_, record);
@@ -59,6 +62,8 @@ void tree::look_ahead(host::folder const & folder, wide_string const & path) {
 std::vector<entry> tree::entries_of(wide_string const & path) {
     std::vector<entry> entries;
     report_.attempt(path, [&] { entries = list_folder(host::folder(platform::to_host(path), path == root_), path); });
+    if (std::any_of(entries.begin(), entries.end(), [](entry const & e) { return e.more; }))
+        attach();
     if (path == root_ && streams_)
         std::erase_if(entries, [](entry const & e) { return e.leaf == u".socle_streams"; });
     std::erase_if(entries, [&](entry const & e) {
@@ -67,6 +72,11 @@ std::vector<entry> tree::entries_of(wide_string const & path) {
         return out;
     });
     return entries;
+}
+
+void tree::attach() {
+    if (auto const once = std::exchange(attach_, nullptr))
+        streams_ = once();
 }
 
 /// The names of the entries in the target, in the order of the entries; none at all if each keeps its own.

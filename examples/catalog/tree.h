@@ -8,16 +8,18 @@
 /// the complaints of the report, and the rest goes on.
 class tree {
 public:
-    /// `catalogue` and `carrier` are null for none. `streams` tells that the root is the top of a volume with streams,
-    /// whose store is no part of the tree.
-    tree(narrow_string const & typed, wide_string const & root, bool streams, selection const & selection,
-         catalogue * catalogue, carrier * carrier, report & report);
+    /// `catalogue` and `carrier` are null for none. `attach` is called before the library looks at the first file that
+    /// may have streams: without a volume a path costs it three calls less. It tells whether the root is the top of a
+    /// volume with streams, whose store is no part of the tree.
+    tree(narrow_string const & typed, wide_string const & root, std::function<bool()> attach,
+         selection const & selection, catalogue * catalogue, carrier * carrier, report & report);
 
     void walk();
 
 private:
     void look_ahead(host::folder const & folder, wide_string const & path);
     std::vector<entry> entries_of(wide_string const & path);
+    void attach();
     std::vector<wide_string> names_for(wide_string const & path, std::vector<entry> const & entries) const;
     /// `target` is null if nothing in it is carried.
     void folder(wide_string const & path, target_pointer const & target);
@@ -30,7 +32,8 @@ private:
 
     narrow_string typed_;
     wide_string root_;
-    bool streams_;
+    std::function<bool()> attach_;
+    bool streams_ = false;
     selection const & selection_;
     catalogue * catalogue_;
     carrier * carrier_;

@@ -147,7 +147,9 @@ bool carry(place const & where, char const * from, char const * to, carrying con
     ::report told("", root, true);
     selection const all({}, {});
     carrier carrier(where.here.host(to), how, told);
-    tree("", root, true, all, nullptr, &carrier, told).walk();
+    tree(
+        "", root, [] { return true; }, all, nullptr, &carrier, told)
+        .walk();
     // The program may have seen by itself that something was not kept.
     if (!told.good() && platform::last_error() == 0)
         platform::SetLastError(platform::ERROR_IO_DEVICE);
