@@ -144,6 +144,8 @@ TYPED_TEST(families, copies_of_iterators_go_on_from_the_start) {
     assigned = copy;
     EXPECT_EQ(leaf_of(text_of(*assigned)), u"b");
     EXPECT_EQ(leaf_of(text_of(*assigned++)), u"b");
+    assigned = *&assigned;
+    EXPECT_EQ(leaf_of(text_of(*assigned)), u"b");
     assigned = entry;
     EXPECT_FALSE(assigned == entry); // a search of its own, from the start
     // Moving goes on in the same search.
@@ -238,7 +240,13 @@ TYPED_TEST(families, items_are_asked_what_they_are) {
             EXPECT_EQ(item.directory(), directory);
         else
             EXPECT_EQ(item.is_directory(), directory);
+        EXPECT_EQ(text_of(typename TestFixture::folder_type(item)), text_of(item));
     }
+    std::string kinds;
+    auto const folder = this->folder("");
+    for (auto entry = folder.begin(), end = folder.end(); entry != end; ++entry)
+        kinds += std::string(entry.is_directory() ? "d" : "") + (entry.is_link() ? "l " : " ");
+    EXPECT_EQ(kinds, links ? "l d  dl " : "d  ");
 }
 
 TYPED_TEST(families, are_named_absolutely_and_by_links) {

@@ -70,6 +70,23 @@ TEST_P(disk, a_file_exists_while_any_fork_does) {
     EXPECT_EQ(io::file().rsrc_fork().fork_name().size(), 0u);
 }
 
+TEST_P(disk, copies_start_with_all_forks_closed) {
+    files.write("f", "data");
+    io::file first = file("f");
+    first.data_fork().open();
+    io::file copy(first);
+    EXPECT_EQ(copy.data_fork().tell(), ~uint64());
+    copy.data_fork().open();
+    copy = file("g"); // leaves the forks as they are
+    EXPECT_TRUE(copy.path().leaf() == u"g");
+    EXPECT_EQ(copy.data_fork().size(), 4u);
+    first.data_fork().close(true);
+    copy.data_fork().close(true);
+    io::item const & item = first;
+    io::rsrc_fork const fork(first);
+    EXPECT_TRUE(io::file(item).rsrc_fork().fork_name().full_string() == io::rsrc_fork(fork).fork_name().full_string());
+}
+
 TEST_P(disk, a_guard_opens_a_fork_and_closes_it) {
     io::file f = file("f");
     auto & fork = f.data_fork();
