@@ -1,5 +1,6 @@
 #include "socle/nio/buffered_input.h"
 #include "socle/nio/buffered_output.h"
+#include "socle/stream/array_output.h"
 #include "socle/stream/buffered_input.h"
 #include "socle/stream/buffered_output.h"
 #include "socle/stream/endian_output.h"
@@ -177,6 +178,18 @@ TEST(buffered_output, resizes_through_what_it_holds) {
     EXPECT_EQ(out.tell(), 5u);
     out.flush();
     EXPECT_EQ(target.data.size(), 5u);
+}
+
+TEST(buffered_output, stands_where_a_failed_copy_left_the_stream_beneath) {
+    std::string memory(6, '.');
+    stream::array_output beneath(memory.data(), 6);
+    stream::buffered_output out(beneath, 8);
+    out.write("ab", 2);
+    byte_vector const data = bytes("cdefg");
+    stream::vector_input too_large(data);
+    EXPECT_THROW(out.copy_from(too_large), stream::exception);
+    EXPECT_EQ(out.tell(), 2u);
+    EXPECT_EQ(memory, "ab....");
 }
 
 TEST(buffered, integers_take_the_same_paths_as_single_calls) {

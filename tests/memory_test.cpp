@@ -2,6 +2,7 @@
 #include "socle/stream/array_output.h"
 #include "socle/stream/buffered_output.h"
 #include "socle/stream/copier.h"
+#include "socle/stream/infinite_output.h"
 #include "socle/stream/text_output.h"
 #include "socle/stream/vector_input.h"
 #include "socle/stream/vector_output.h"
@@ -16,6 +17,7 @@
 namespace {
 
 using support::bytes;
+using support::pattern;
 using support::raised;
 using support::recording_target;
 using support::rest;
@@ -28,6 +30,22 @@ struct open_array_input : stream::array_input {
 };
 
 uint64 const too_much = uint64(1) << 32;
+
+TEST(memory_input, is_copied_in_whole_blocks) {
+    byte_vector data = pattern(200'000);
+    un::array<char> const memory(reinterpret_cast<char *>(data.data()), 200'000);
+    byte_vector target(data.size());
+    stream::array_output into_array(reinterpret_cast<char *>(target.data()), 200'000);
+    stream::infinite_output nowhere;
+    for (stream::output * out : {static_cast<stream::output *>(&into_array), static_cast<stream::output *>(&nowhere)}) {
+        stream::array_input in(memory, 1);
+        stream::input & copied = in;
+        EXPECT_EQ(copied.copy_to(*out), 199'999u);
+        EXPECT_EQ(out->tell(), 199'999u);
+        EXPECT_EQ(in.read(), -1);
+    }
+    EXPECT_TRUE(std::equal(data.begin() + 1, data.end(), target.begin()));
+}
 
 TEST(memory_input, starts_anywhere_and_ends_with_the_block) {
     char const data[] = "abcdef";

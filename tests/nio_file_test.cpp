@@ -197,6 +197,10 @@ TEST(fork_names, are_told_by_the_volume) {
         EXPECT_EQ(nio::is_ntfs_rsrc_name(nio::rsrc_name(r.path, r.must_exist, r.allow_ntfs)), r.in_stream);
         EXPECT_EQ(nio::is_ntfs_info_name(nio::info_name(r.path, r.must_exist, r.allow_ntfs)), r.in_stream);
     }
+    EXPECT_FALSE(nio::exists_ntfs(u"N:\\plain") || nio::exists_ntfs(flat));
+    nio::file fork(u"N:\\plain:AFP_Resource", nio::file::mode_new);
+    fork.close();
+    EXPECT_TRUE(nio::exists_ntfs(u"N:\\plain"));
     EXPECT_FALSE(nio::exists_rsrc(flat));
     folder.write("._a", "");
     EXPECT_TRUE(nio::exists_rsrc(flat));
