@@ -16,16 +16,31 @@ bool disk_streams::found_at(held_place const & volume) {
 }
 
 system_code disk_streams::locate(host::at const & file, wide_string const & name, purpose, stream_place & place) const {
-    narrow_string & host = place.name;
     narrow_string leaf;
     if (!to_host_name(name, leaf))
         return ERROR_INVALID_NAME;
     // The driver would take a link itself for the file, and make a file that is missing.
-    if (host_error const error = real_path(file, host))
+    descriptor_guard opened = open_descriptor(file, O_PATH);
+    narrow_string path;
+    if (host_error const error = opened.get() < 0 ? host_error::last() : path_of(opened.get(), path))
         return code_of(error);
-    // Behind the mount point's own name, the colon would be part of a name in the folder above it.
-    host += host == volume_ || host == "/" ? "/.:" : ":";
-    host += leaf;
+    if (path == volume_ || path == "/") {
+        // Behind the mount point's own name, the colon would be part of a name in the folder above it.
+        place.folder = std::move(opened);
+        place.name = ".:" + leaf;
+        return {};
+    }
+    // In the folder that has the file now, whatever becomes of the path to it.
+    std::size_t const separator = path.rfind('/');
+    place.folder = open_descriptor(path.substr(0, std::max<std::size_t>(separator, 1)), O_PATH | O_DIRECTORY);
+    place.name = path.substr(separator + 1);
+    struct stat wanted {};
+    struct stat there {};
+    if (place.folder.get() < 0 || host::fstat(opened.get(), &wanted) != 0 || host::lstat(place.at(), &there) != 0)
+        return last_code();
+    if (wanted.st_dev != there.st_dev || wanted.st_ino != there.st_ino)
+        return ERROR_PATH_NOT_FOUND;
+    place.name += ':' + leaf;
     return {};
 }
 
