@@ -80,8 +80,14 @@ char16_t decode_any(char const *& at, char const * end, bool validate) {
 // A sequence of three bytes at the low end of a word.
 constexpr uint32 three_mask = 0xC0C0F0, three_bytes = 0x8080E0;
 
-uint32 three(uint64 word) {
-    return static_cast<uint32>((word & 0xF) << 12 | (word >> 2 & 0xFC0) | (word >> 16 & 0x3F));
+/// The unit of such a sequence, and the sequence of a unit; of one word, or of each word of a block.
+template <class Word>
+void join_three(Word const & bytes, Word & unit) {
+    unit = (bytes & 0xF) << 12 | (bytes >> 2 & 0xFC0) | (bytes >> 16 & 0x3F);
+}
+template <class Word>
+void split_three(Word const & unit, Word & bytes) {
+    bytes = three_bytes | unit >> 12 | (unit << 2 & 0x3F00) | (unit << 16 & 0x3F0000);
 }
 
 /// All from 0x800 on but surrogates and the two that are no characters.
@@ -91,7 +97,8 @@ bool is_plain_three(uint32 u) { return u - 0x800 < 0xD000 || u - 0xE000 < 0x1FFE
 bool decode_threes(char const * from, char16_t * to) {
     auto const at = [from](int i) { return basic::load<uint32>(from + 3 * i, false); };
     block_of_32 const triples = {at(0), at(1), at(2), at(3)};
-    block_of_32 const units = (triples & 0xF) << 12 | (triples >> 2 & 0xFC0) | (triples >> 16 & 0x3F);
+    block_of_32 units;
+    join_three(triples, units);
     auto const high = units & 0xF800;
     if (!all_of(((triples & three_mask) == three_bytes) & (high != 0) & (high != 0xD800)
                 & ((units & 0xFFFE) != 0xFFFE)))
@@ -125,7 +132,8 @@ char16_t * decode_words(char const *& from, char const * end, char16_t * to, boo
             auto const * const start = from;
             for (; to < stop && end - from >= 16 && decode_threes(from, to); from += 12)
                 to += 4;
-            uint32 const u = three(word);
+            uint32 u;
+            join_three(static_cast<uint32>(word), u);
             if (from == start && is_plain_three(u)) {
                 *to++ = static_cast<char16_t>(u);
                 from += 3;
@@ -148,7 +156,8 @@ bool encode_threes(char16_t const * from, char * to) {
     auto const units = __builtin_convertvector(narrow, block_of_32);
     if (!all_of((units & 0xF800) != 0))
         return false;
-    auto const triples = 0x8080E0 | units >> 12 | (units << 2 & 0x3F00) | (units << 16 & 0x3F0000);
+    block_of_32 triples;
+    split_three(units, triples);
     for (int const i : {0, 2})
         basic::store<uint64>(to + 3 * i, triples[i] | uint64(triples[i + 1]) << 24, false);
     return true;
@@ -197,8 +206,9 @@ void _utf8_encode(wide_string const & text, narrow_string & out) {
                 to += 12;
             } else {
                 // Four bytes at once cost less than three; the last is written over.
-                basic::store<uint32>(to, 0x008080E0 | unit >> 12 | (unit << 2 & 0x3F00) | (unit << 16 & 0x3F0000),
-                                     false);
+                uint32 bytes;
+                split_three<uint32>(unit, bytes);
+                basic::store<uint32>(to, bytes, false);
                 to += 3;
             }
         }

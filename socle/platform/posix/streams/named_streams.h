@@ -36,8 +36,8 @@ constexpr mode_t new_stream_mode = S_IRUSR | S_IWUSR;
 
 /// How one volume keeps the streams of its files and directories.
 ///
-/// A file is inside the volume, and links are followed. The last error is left alone. Objects have no state
-/// but the volume's folder, which somebody else keeps open, so any thread may use one at any time.
+/// A file is inside the volume, and links are followed. The last error is left alone. Objects have no state but the
+/// volume's folder, which somebody else keeps open, so any thread may use one at any time.
 class named_streams {
 public:
     enum class purpose {
