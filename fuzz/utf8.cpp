@@ -1,10 +1,10 @@
 /// UTF-8 of single units: the codec, and the coder of names.
 
-#include "socle/nio/utf8.h"
 #include "fuzz/support/feed.h"
 #include "socle/any/name.h"
 #include "socle/any/utf8_coder.h"
 #include "socle/nio/encoding.h"
+#include "socle/nio/utf8_internal.h"
 
 #include <bit>
 
@@ -36,28 +36,29 @@ wide_string plain_decode(narrow_string const & bytes, bool validate) {
     return out;
 }
 
-/// Single units, in and out, and by their selector.
-void codec(std::string_view input) {
-    narrow_string const bytes(input);
-    wide_string strict = u"old", lax = u"old";
-    nio::_utf8_decode(bytes, strict, true);
-    nio::_utf8_decode(bytes, lax, false);
-    check(strict == plain_decode(bytes, true) && lax == plain_decode(bytes, false));
-    check(nio::decode(bytes, -3) == strict);
+/// Single units, in and out, with these blocks.
+void codec(std::string_view input, platform::utf8_blocks const * blocks) {
+    auto const decode = [blocks](narrow_string const & bytes, bool validate) {
+        wide_string out = u"old";
+        nio::utf8::decode(bytes, out, validate, blocks);
+        check(out == plain_decode(bytes, validate));
+        return out;
+    };
+    narrow_string const bytes(input), words(40, 'x');
+    wide_string const strict = decode(bytes, true);
+    decode(bytes, false);
     // The same in the midst of text that can be taken in words.
-    narrow_string const words(40, 'x');
-    check(nio::decode(words + bytes + words, -3) == plain_decode(words + bytes + words, true));
+    decode(words + bytes + words, true);
+    decode(words + bytes + words, false);
 
     // Text that is strictly decoded comes back.
     narrow_string out = "old";
-    nio::_utf8_encode(strict, out);
-    wide_string again;
-    nio::_utf8_decode(out, again, true);
-    check(again == strict);
+    nio::utf8::encode(strict, out, blocks);
+    check(decode(out, true) == strict);
 
     // Any units: the sizes told are those written, and lax decoding gives them back.
     wide_string const text = fuzz::feed::units(input);
-    nio::_utf8_encode(text, out);
+    nio::utf8::encode(text, out, blocks);
     std::size_t at = 0;
     for (char16_t const unit : text) {
         uint32 const size = nio::_utf8_size(unit);
@@ -65,21 +66,27 @@ void codec(std::string_view input) {
         at += size;
     }
     check(at == out.size());
-    nio::_utf8_decode(out, again, false);
-    check(again == text);
+    check(decode(out, false) == text);
     wide_string expected;
     for (char16_t const unit : text)
         expected += valid(unit);
-    nio::_utf8_decode(out, again, true);
-    check(again == expected);
-    check(nio::encode(text, -3) == out);
+    check(decode(out, true) == expected);
 
     // Runs of three bytes each, some of them overlong.
     narrow_string threes;
     for (unsigned const unit : text)
         for (unsigned const byte : {0xE0 | unit >> 12, 0x80 | (unit >> 6 & 0x3F), 0x80 | (unit & 0x3F)})
             threes += static_cast<char>(byte);
-    check(nio::decode(threes, -3) == plain_decode(threes, true));
+    decode(threes, true);
+}
+
+/// By its selector.
+void selected(std::string_view input) {
+    narrow_string const bytes(input);
+    check(nio::decode(bytes, -3) == plain_decode(bytes, true));
+    narrow_string out;
+    nio::_utf8_encode(fuzz::feed::units(input), out);
+    check(nio::encode(fuzz::feed::units(input), -3) == out);
 }
 
 /// The coder of names as 8-bit text without a code page.
@@ -111,6 +118,8 @@ void coder(std::string_view input) {
 } // namespace
 
 void fuzz::run(std::string_view input) {
-    codec(input);
+    codec(input, platform::find_utf8_blocks());
+    codec(input, nullptr);
+    selected(input);
     coder(input);
 }

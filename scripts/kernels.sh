@@ -20,7 +20,9 @@ integer-runs    7.7
 lines           19
 copies          0.5
 wz              260
-utf8            38
+utf8            40
+utf8-mixed      52
+utf8-plain      95
 match           300
 split           73
 numbers         217

@@ -1,4 +1,3 @@
-#include "socle/basic/byte_blocks_internal.h"
 #include "socle/stream/line_input.h"
 #include "socle/stream/text_output.h"
 #include "socle/stream/vector_input.h"
@@ -25,16 +24,6 @@ TEST(line_input, takes_each_byte_through_a_callers_class) {
     counting in(memory);
     EXPECT_EQ(in.read_line(), "ab");
     EXPECT_EQ(in.reads, 3);
-}
-
-TEST(line_input, finds_the_end_in_windows_of_every_size) {
-    for (std::size_t size = 0; size <= 100; ++size)
-        for (std::size_t end = 0; end <= size; ++end) {
-            std::vector<char> window(size, '\x0B'); // of its own, so that no byte lies behind it
-            if (end < size)
-                window[end] = end % 2 == 0 ? '\r' : '\n';
-            EXPECT_EQ(basic::find_either(window.data(), size, '\r', '\n'), end) << size;
-        }
 }
 
 TEST(line_input, reads_nothing_where_nothing_fits) {

@@ -1,10 +1,11 @@
-#include "socle/nio/utf8.h"
+#include "socle/nio/utf8_internal.h"
 
 #include "socle/basic/ascii_internal.h"
 #include "socle/basic/byte_blocks_internal.h"
 
 #include <algorithm>
 #include <bit>
+#include <utility>
 
 namespace nio {
 
@@ -42,9 +43,11 @@ public:
 
     /// Room for what one step of the loops below puts there.
     void make_room() {
-        if (to > block_ + sizeof block_ / sizeof block_[0] - most)
+        if (to > stop())
             finish();
     }
+    /// The last place with that room.
+    typename Text::value_type const * stop() const { return block_ + sizeof block_ / sizeof block_[0] - most; }
     void finish() {
         text_.append(block_, to);
         to = block_;
@@ -179,6 +182,14 @@ uint32 _utf8_size(char lead) {
 }
 
 void _utf8_encode(wide_string const & text, narrow_string & out) {
+    utf8::encode(text, out, platform::find_utf8_blocks());
+}
+
+void _utf8_decode(narrow_string const & bytes, wide_string & out, bool validate) {
+    utf8::decode(bytes, out, validate, platform::find_utf8_blocks());
+}
+
+void utf8::encode(wide_string const & text, narrow_string & out, platform::utf8_blocks const * blocks) {
     out.clear();
     out.reserve(text.size());
     tail<narrow_string> result(out);
@@ -192,6 +203,12 @@ void _utf8_encode(wide_string const & text, narrow_string & out) {
             from += step;
             result.to += step;
             continue;
+        }
+        if (blocks) {
+            auto const reached = blocks->encode(from, end, to, result.stop());
+            result.to = reached.to;
+            if (std::exchange(from, reached.from) != reached.from)
+                continue;
         }
         for (auto const * const stop = from + std::min<std::size_t>(step, std::size_t(end - from)); from != stop;) {
             unsigned const unit = *from++;
@@ -217,7 +234,7 @@ void _utf8_encode(wide_string const & text, narrow_string & out) {
     result.finish();
 }
 
-void _utf8_decode(narrow_string const & bytes, wide_string & out, bool validate) {
+void utf8::decode(narrow_string const & bytes, wide_string & out, bool validate, platform::utf8_blocks const * blocks) {
     out.clear();
     out.reserve(bytes.size());
     tail<wide_string> result(out);
@@ -231,6 +248,12 @@ void _utf8_decode(narrow_string const & bytes, wide_string & out, bool validate)
             from += step;
             result.to += step;
             continue;
+        }
+        if (blocks) {
+            auto const reached = blocks->decode(from, end, to, result.stop(), validate);
+            result.to = reached.to;
+            if (std::exchange(from, reached.from) != reached.from)
+                continue;
         }
         to = decode_words(from, end, to, validate);
         // Short texts, and the ends of others, one by one.

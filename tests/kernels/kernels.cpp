@@ -3,7 +3,7 @@
 
 #include "socle/any/string.h"
 #include "socle/nio/integer_codes.h"
-#include "socle/nio/utf8.h"
+#include "socle/nio/utf8_internal.h"
 #include "socle/stream/array_input.h"
 #include "socle/stream/array_output.h"
 #include "socle/stream/buffered_input.h"
@@ -32,6 +32,14 @@ std::string const text = [] {
     return made;
 }();
 
+std::string const mixed = [] {
+    std::string made;
+    while (made.size() < size)
+        made += "des caract\xC3\xA8res vari\xC3\xA9s, \xE7\x8C\xAB\xE3\x81\xA7\xE3\x81\x82\xE3\x82\x8B\xE3\x80\x82 "
+                "\xE2\x82\xAC 5";
+    return made;
+}();
+
 std::string memory(size, '\0');
 uint64 sum = 0;
 
@@ -47,6 +55,15 @@ void with_output(Act act) {
     stream::array_output to(memory.data(), size);
     stream::buffered_output out(to, block);
     act(out);
+}
+
+/// From UTF-8, and back.
+void recode(std::string const & bytes, platform::utf8_blocks const * blocks) {
+    wide_string wide;
+    nio::utf8::decode(bytes, wide, true, blocks);
+    narrow_string narrow;
+    nio::utf8::encode(wide, narrow, blocks);
+    sum += narrow.size();
 }
 
 /// Each takes `size` bytes, or makes them.
@@ -119,14 +136,9 @@ std::map<std::string, std::function<void()>> const kernels = {
          for (uint32 i = 0; i < size / 4; ++i)
              sum += static_cast<uint64>(nio::read_wz(in));
      }},
-    {"utf8",
-     [] {
-         wide_string wide;
-         nio::_utf8_decode(text, wide, true);
-         narrow_string narrow;
-         nio::_utf8_encode(wide, narrow);
-         sum += narrow.size();
-     }},
+    {"utf8", [] { recode(text, platform::find_utf8_blocks()); }},
+    {"utf8-mixed", [] { recode(mixed, platform::find_utf8_blocks()); }},
+    {"utf8-plain", [] { recode(mixed, nullptr); }},
     {"match",
      [] {
          any::string const name(u"some name with an ending.text"), pattern(u"*a*e*.text");

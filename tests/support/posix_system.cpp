@@ -7,6 +7,7 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <stdexcept>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -101,6 +102,14 @@ bool library::is_loaded(fs::path const & file) {
         dlclose(there);
     return there != nullptr;
 }
+
+guarded_memory::guarded_memory()
+    : start_(static_cast<char *>(mmap(nullptr, 3 * page, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0))) {
+    if (mprotect(start_ + page, page, PROT_READ | PROT_WRITE) != 0)
+        throw std::runtime_error("there is no memory");
+}
+
+guarded_memory::~guarded_memory() { munmap(start_, 3 * page); }
 
 bool shares_type_information() { return true; }
 

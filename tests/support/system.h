@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <span>
 #include <string>
 
 /// What tests ask of the system, where each has its own way; the file of the system that the tests are built for does
@@ -65,6 +66,23 @@ public:
 
 private:
     void * loaded_;
+};
+
+/// Memory between pages that nobody may touch.
+class guarded_memory {
+public:
+    guarded_memory();
+    guarded_memory(guarded_memory const &) = delete;
+    guarded_memory & operator=(guarded_memory const &) = delete;
+    ~guarded_memory();
+
+    /// The last `count` bytes before the guard.
+    std::span<char> last(std::size_t count) const { return {start_ + 2 * page - count, count}; }
+
+private:
+    static constexpr std::size_t page = 1 << 16; // a multiple of the page of every machine
+
+    char * start_;
 };
 
 /// Whether an exception that one library throws of another's class has its type information from there.

@@ -1,6 +1,7 @@
 #include "tests/support/system.h"
 
 #include <cstdlib>
+#include <stdexcept>
 #include <windows.h>
 
 namespace support {
@@ -131,6 +132,14 @@ void (*library::find(char const * name) const)() {
 bool library::is_loaded(fs::path const & file) {
     return GetModuleHandleW(fs::absolute(file).make_preferred().c_str()) != nullptr;
 }
+
+guarded_memory::guarded_memory()
+    : start_(static_cast<char *>(VirtualAlloc(nullptr, 3 * page, MEM_RESERVE, PAGE_NOACCESS))) {
+    if (VirtualAlloc(start_ + page, page, MEM_COMMIT, PAGE_READWRITE) == nullptr)
+        throw std::runtime_error("there is no memory");
+}
+
+guarded_memory::~guarded_memory() { VirtualFree(start_, 0, MEM_RELEASE); }
 
 bool shares_type_information() { return false; } // g++ puts it into each that throws
 
