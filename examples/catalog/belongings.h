@@ -14,6 +14,20 @@ struct belongings {
 
 /// Whether it has more than its status tells: extended attributes of any kind, the library's too.
 bool has_more(narrow_string const & path);
+/// The same for names in a folder, which may be the working directory of the program for as long as this lives.
+class listed_names {
+public:
+    explicit listed_names(host::folder const & folder);
+    listed_names(listed_names const &) = delete;
+    listed_names & operator=(listed_names const &) = delete;
+    ~listed_names();
+
+    bool has_more(narrow_string const & name) const;
+
+private:
+    narrow_string folder_;
+    std::intptr_t before_ = -1; // the working directory that is to be again; -1 if it stays
+};
 /// Whether what is in the folder may have more that is not even listed: a driver that has the attributes and streams of
 /// the disk itself does not.
 bool has_unlisted(host::folder const & folder);

@@ -62,7 +62,8 @@ carrier::carrier(narrow_string const & folder, carrying const & how, report & re
 }
 
 bool carrier::is_reserved(wide_string const & leaf) {
-    return work_folder::is_named(leaf) || platform::to_host(leaf) == ".socle_streams";
+    static wide_string const streams = platform::from_host(".socle_streams");
+    return work_folder::is_named(leaf) || leaf == streams;
 }
 
 void carrier::carry(file_record const & from, target_pointer const & folder, wide_string const & leaf) {
@@ -96,7 +97,7 @@ void carrier::carry(file_record const & from, target_pointer const & folder, wid
 
 carrier::finding carrier::find(file_record const & from, target_folder & folder, wide_string const & leaf) {
     auto const name = platform::to_host(leaf);
-    auto const typed = folder.typed(leaf);
+    auto const typed = [&] { return folder.typed(leaf); };
     auto const * const listed = folder.listed(name);
     auto const there = listed ? *listed : folder.look(name);
     if (there.kind == host::kind::nothing) {
@@ -104,13 +105,18 @@ carrier::finding carrier::find(file_record const & from, target_folder & folder,
         return finding::free;
     }
     if (there.kind != host::kind::file)
-        fail("is not carried, as a folder or a link is there: " + typed);
+        fail("is not carried, as a folder or a link is there: " + typed());
     // A host may take two names for the same.
     if (!folder.claim(there) && (!listed || there.names == 1))
-        fail("is not carried, as this run has another file there: " + typed);
+        fail("is not carried, as this run has another file there: " + typed());
 
     // The host's date tells of changes that nobody has put down in a sidecar.
-    auto const made = look_at_there(folder, leaf, there);
+    auto const has = [&](wide_string const & fork) {
+        return folder.look(platform::to_host(fork)).kind != host::kind::nothing;
+    };
+    bool const forks =
+        !in_streams() && folder.lists_forks() && (has(rsrc_name(how_.form, leaf)) || has(info_name(how_.form, leaf)));
+    auto const made = look_at_made(how_.form, folder.path(leaf), there, forks);
     auto const date = seconds(there.modified), wanted = seconds(from.modified.file_time());
     bool const same = made.data.size == from.data.size && made.resource.size == from.resource.size && date == wanted
                       && same_finder(how_.form, from, made);
@@ -121,9 +127,9 @@ carrier::finding carrier::find(file_record const & from, target_folder & folder,
     if (!how_.update)
         fail((same ? "is not carried, as a file with other bytes is there, which --update replaces: "
                    : "is not carried, as another file is there, which --update replaces: ")
-             + typed);
+             + typed());
     if (date > wanted)
-        fail("is not carried, as a newer file is there: " + typed);
+        fail("is not carried, as a newer file is there: " + typed());
     return finding::older;
 }
 
@@ -144,21 +150,6 @@ bool carrier::is_fork(wide_string const & path) const {
     if (how_.form == fork_form::apple_double)
         return read_apple_double(path).has_value();
     return path.ends_with(rsrc_leaf(u"")) || is_info_header(path);
-}
-
-/// The library is asked only where the host's status does not tell all.
-file_record carrier::look_at_there(target_folder const & folder, wide_string const & leaf,
-                                   host::status const & there) const {
-    auto const has = [&](wide_string const & name) {
-        return folder.look(platform::to_host(name)).kind != host::kind::nothing;
-    };
-    bool const forks = !in_streams() && (has(rsrc_name(how_.form, leaf)) || has(info_name(how_.form, leaf)));
-    if (forks || folder.has_more(platform::to_host(leaf)))
-        return look_at_made(how_.form, folder.path(leaf), there, forks);
-    entry plain;
-    plain.leaf = leaf;
-    plain.status = there;
-    return look_at(folder.path(u""), plain);
 }
 
 /// Makes the file another name of one that was carried before. False if it is to be carried by itself.

@@ -57,7 +57,6 @@ private:
     finding find(file_record const & from, target_folder & folder, wide_string const & leaf);
     void check_free(file_record const & from, target_folder const & folder, wide_string const & leaf) const;
     bool is_fork(wide_string const & path) const;
-    file_record look_at_there(target_folder const & folder, wide_string const & leaf, host::status const & there) const;
     bool link(file_record const & from, target_pointer const & folder, wide_string const & leaf);
     /// What was made there.
     host::status make(file_record const & from, wide_string const & path);

@@ -60,11 +60,12 @@ bool is_fork_name(wide_string const & leaf) {
 std::vector<entry> list_folder(host::folder const & folder, wide_string const & path) {
     std::vector<entry> entries;
     bool const unlisted = host::has_unlisted(folder);
+    host::listed_names const names(folder);
     folder.each([&](narrow_string const & name, host::status const & status) {
         auto & added = entries.emplace_back();
         added.leaf = platform::from_host(name);
         added.status = status;
-        added.more = (added.file() || added.folder()) && (unlisted || host::has_more(folder.path(name)));
+        added.more = (added.file() || added.folder()) && (unlisted || names.has_more(name));
     });
     auto const before = [](entry const & a, entry const & b) { return a.leaf < b.leaf; };
     std::sort(entries.begin(), entries.end(), before);

@@ -1,7 +1,5 @@
 #include "target_folder.h"
 
-#include "belongings.h"
-
 #include "common/host_text.h"
 
 #include <socle/nio/path.h>
@@ -9,12 +7,24 @@
 
 #include <algorithm>
 
+namespace {
+
+/// In whatever spelling a host takes for the same.
+bool is_like_fork(narrow_string name) {
+    std::transform(name.begin(), name.end(), name.begin(), [](char c) { return c >= 'A' && c <= 'Z' ? c | 0x20 : c; });
+    return name.starts_with("._") || name.ends_with(".rsrc") || name.ends_with(".info");
+}
+
+} // namespace
+
 target_folder::target_folder(std::optional<host::folder> held, narrow_string const & typed)
     : held_(std::move(held)), typed_(typed) {
     if (!held_)
         return;
     names_ = held_->list();
-    unlisted_ = host::has_unlisted(*held_);
+    path_ = platform::from_host(held_->path());
+    auto const is_fork = [](host::found const & each) { return is_like_fork(each.name); };
+    lists_forks_ = std::any_of(names_.begin(), names_.end(), is_fork);
 }
 
 host::status const * target_folder::listed(narrow_string const & name) const {
@@ -27,15 +37,9 @@ host::status target_folder::look(narrow_string const & name) const {
     return held_ ? held_->look(name) : host::status();
 }
 
-bool target_folder::has_more(narrow_string const & name) const {
-    return held_ && (unlisted_ || host::has_more(held_->path(name)));
-}
-
 bool target_folder::claim(host::status const & file) { return claimed_.emplace(file.device, file.number).second; }
 
-wide_string target_folder::path(wide_string const & leaf) const {
-    return nio::concatenate(platform::from_host(held_->path()), leaf, u'\\');
-}
+wide_string target_folder::path(wide_string const & leaf) const { return nio::concatenate(path_, leaf, u'\\'); }
 
 narrow_string target_folder::typed(wide_string const & leaf) const {
     return readable_path(typed_ + (typed_.ends_with('/') ? "" : "/") + platform::to_host(leaf));

@@ -22,8 +22,8 @@ public:
     /// What has the name now, in whatever spelling the host takes for the same.
     host::status look(narrow_string const & name) const;
 
-    /// Whether a file of this name may have more than its status tells.
-    bool has_more(narrow_string const & name) const;
+    /// Whether anything listed may be a fork of what is beside it, by its name.
+    bool lists_forks() const { return lists_forks_; }
 
     /// Notes that a file here stands for one of the source; false if it stands for another already.
     bool claim(host::status const & file);
@@ -36,8 +36,9 @@ public:
 private:
     std::optional<host::folder> held_;
     narrow_string typed_;
-    bool unlisted_ = false;
     std::vector<host::found> names_;
+    bool lists_forks_ = false;
+    wide_string path_;
     std::set<std::pair<uint64, uint64>> claimed_;
 };
 

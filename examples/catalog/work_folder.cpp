@@ -55,7 +55,10 @@ work_folder::~work_folder() {
     top_.held()->remove(work_name);
 }
 
-bool work_folder::is_named(wide_string const & leaf) { return platform::to_host(leaf) == work_name; }
+bool work_folder::is_named(wide_string const & leaf) {
+    static wide_string const name = platform::from_host(work_name);
+    return leaf == name;
+}
 
 wide_string work_folder::next_part() {
     auto const digits = std::to_string(parts_++);

@@ -5,6 +5,10 @@ namespace host {
 /// Only the library knows of the bits and streams of a file.
 bool has_more(narrow_string const &) { return true; }
 
+listed_names::listed_names(host::folder const &) {}
+listed_names::~listed_names() = default;
+bool listed_names::has_more(narrow_string const &) const { return true; }
+
 bool has_unlisted(host::folder const &) { return true; }
 
 /// A file has the rights that its folder gives.

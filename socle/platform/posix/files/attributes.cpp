@@ -168,10 +168,11 @@ system_code attributes_at(resolved_path const & at, uint32 & bits, file_times * 
     file_status status;
     if (system_code const code = look_at(at, STATX_MODE | (times != nullptr ? STATX_MTIME | STATX_BTIME : 0), status))
         return code;
-    // One question for both records is cheaper than two, but not than one.
-    bool recorded = !status.lost;
-    if (host_error const error = recorded && times != nullptr ? has_attributes(at.at(), recorded) : host_error())
+    // Most files have none of the two records; where only one is wanted, it is asked for at once.
+    attribute_names names;
+    if (host_error const error = !status.lost && times != nullptr ? names.list(at.at()) : host_error())
         return code_at(at, error);
+    bool const recorded = times == nullptr || names.may_have(record_attribute);
     bits = FILE_ATTRIBUTE_ARCHIVE;
     if (system_code const code = status.lost ? system_code() : get_bits(*at.on, at.at(), status.mode(), recorded, bits))
         return code;
@@ -186,7 +187,8 @@ system_code attributes_at(resolved_path const & at, uint32 & bits, file_times * 
     if (times == nullptr)
         return {};
     host::at const timed = at.stream.empty() ? at.at() : stream.at();
-    return get_times_of(timed, status.about, recorded || !at.stream.empty(), *times);
+    bool const dated = !at.stream.empty() || names.may_have(created_attribute);
+    return get_times_of(timed, status.about, dated, *times);
 }
 
 system_code attributes_at(resolved_path const & at, WIN32_FILE_ATTRIBUTE_DATA & data) {

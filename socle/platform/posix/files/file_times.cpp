@@ -14,9 +14,6 @@ namespace posix {
 
 namespace {
 
-/// A creation time that was set, in decimal digits, where the disk keeps none.
-constexpr char const * record_attribute = "user.socle.created";
-
 constexpr int64 units_per_second = 10'000'000;
 constexpr int64 nanoseconds_per_unit = 100;
 constexpr int64 seconds_1601_to_1970 = 11'644'473'600;
@@ -44,7 +41,7 @@ bool disk_time(host::at const & file, uint64 & units) {
 /// Leaves `units` alone if there is none, or it is not ours.
 system_code get_recorded_time(host::at const & file, uint64 & units) {
     narrow_string text;
-    if (host_error const error = get_record_text(file, record_attribute, text))
+    if (host_error const error = get_record_text(file, created_attribute, text))
         return code_of(error);
     uint64 read = 0;
     char const * const end = text.data() + text.size();
@@ -66,7 +63,7 @@ system_code set_created(host::at const & file, uint64 units) {
     host_error const error =
         disk_time(file, now)
             ? set_attribute(file, ntfs_created_attribute, {reinterpret_cast<char const *>(&units), sizeof units})
-            : set_attribute(file, record_attribute, std::to_string(units));
+            : set_attribute(file, created_attribute, std::to_string(units));
     return error == ENOTSUP ? system_code() : code_of(error);
 }
 

@@ -5,6 +5,9 @@
 
 namespace platform::posix {
 
+/// A creation time that was set, in decimal digits, where the disk keeps none.
+constexpr char const * created_attribute = "user.socle.created";
+
 /// In 100 nanoseconds since 1601.
 struct file_times {
     uint64 created = 0;

@@ -28,10 +28,18 @@ host_error get_record_text(host::at const & file, char const * name, narrow_stri
     return error == ENODATA || error == ENOTSUP || error == EACCES ? host_error() : error;
 }
 
-host_error has_attributes(host::at const & file, bool & has) {
-    ssize_t const size = host::listxattr(file, nullptr, 0);
-    has = size > 0;
-    return host_error::last_if(size < 0 && errno != ENOTSUP);
+host_error attribute_names::list(host::at const & file) {
+    ssize_t const size = host::listxattr(file, block_, sizeof block_);
+    size_ = size > 0 ? static_cast<std::size_t>(size) : 0;
+    all_ = size >= 0 || errno != ERANGE;
+    return host_error::last_if(size < 0 && all_ && errno != ENOTSUP);
+}
+
+bool attribute_names::may_have(std::string_view name) const {
+    std::string_view rest(block_, size_);
+    while (!rest.empty() && rest.substr(0, rest.find('\0')) != name)
+        rest.remove_prefix(rest.find('\0') + 1);
+    return !rest.empty() || !all_;
 }
 
 host_error list_attributes(host::at const & file, std::vector<narrow_string> & names) {

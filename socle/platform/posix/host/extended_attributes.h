@@ -3,6 +3,7 @@
 #include "socle/platform/posix/host/host_calls.h"
 #include "socle/platform/posix/host/host_error.h"
 
+#include <string_view>
 #include <vector>
 
 namespace platform::posix {
@@ -20,8 +21,19 @@ host_error get_attribute(host::at const & file, char const * name, bool follow_l
 /// shows none to this user.
 host_error get_record_text(host::at const & file, char const * name, narrow_string & text);
 
-/// Whether the file has any that it lists; links are followed. A file system that keeps none has none.
-host_error has_attributes(host::at const & file, bool & has);
+/// The names of those that a file lists, asked for once where several might be read.
+class attribute_names {
+public:
+    /// Links are followed. A file system that keeps none has none.
+    host_error list(host::at const & file);
+    /// True also where there are more than are kept here.
+    bool may_have(std::string_view name) const;
+
+private:
+    char block_[1024];
+    std::size_t size_ = 0; // of the names, with a zero byte behind each
+    bool all_ = false;     // as the names are too many to tell
+};
 
 /// What the mode of a file has beside the owner's write bit while that is lifted: bits without a meaning of their own.
 /// Where a process has ended then, the file is known for one that may not be written.
