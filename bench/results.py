@@ -1,6 +1,6 @@
 """Turns what socle_bench and socle_peak measured into the page bench/RESULTS.md, on standard output.
 
-usage: results.py <folder with full.json, tenth.json and peak> <load before> <load after> <compiler>
+usage: results.py <folder with full.json, tenth.json, peak and catalog> <load before> <load after> <compiler>
 """
 
 import datetime
@@ -111,6 +111,35 @@ def judge(full):
     return met, missed, behind
 
 
+def lines_of(folder, name):
+    """The fields of each line of what a script has measured."""
+    with open(os.path.join(folder, name), encoding="utf-8") as file:
+        return [line.strip().split("|") for line in file]
+
+
+def programs(lines):
+    """Prints the tables on examples/catalog. Returns its lines on aims that are met, and on those that are not."""
+    met, missed = [], []
+
+    def judge_one(text, measured, most):
+        (met if measured <= float(most) else missed).append(f"- {text}, the aim is {most}")
+
+    print("Seconds, the best of three, with what is read in memory and what is written brought to the disk.\n")
+    print("| tree | task | catalog | beside it | | ratio | aim |\n|---|---|---:|---|---:|---:|---:|")
+    for _, tree, task, ours, peer, theirs, most in (line for line in lines if line[0] == "ratio"):
+        ratio = float(ours) / float(theirs)
+        print(f"| {tree} | {task} | {ours} | `{peer}` | {theirs} | {ratio:.1f} | {most} |")
+        judge_one(f"examples/catalog, {tree}, {task}: {ratio:.1f} times {peer}", ratio, most)
+    print("\n| most memory | MiB | aim |\n|---|---:|---:|")
+    for _, task, used, most in (line for line in lines if line[0] == "memory"):
+        print(f"| {task} | {used} | {most} |")
+        judge_one(f"examples/catalog, {task}: {used} MiB", float(used), most)
+    print("\n| task | calls to the host a file, as `strace` counts them |\n|---|---|")
+    for _, task, calls in (line for line in lines if line[0] == "calls"):
+        print(f"| {task} | {calls} |")
+    return met, missed
+
+
 def main():
     folder, before, after, compiler = sys.argv[1:]
     full = medians(os.path.join(folder, "full.json"))
@@ -134,11 +163,13 @@ def main():
     print("\n## Peak memory\n")
     print("What one task adds to the resident memory of a process.\n")
     print("| task | files or bytes | KiB |\n|---|---:|---:|")
-    with open(os.path.join(folder, "peak"), encoding="utf-8") as file:
-        for line in file:
-            task, _, numbers = line.strip().partition("|")
-            count, kib = numbers.split()
-            print(f"| {task} | {int(count):,} | {int(kib):,} |")
+    for task, numbers in lines_of(folder, "peak"):
+        count, kib = numbers.split()
+        print(f"| {task} | {int(count):,} | {int(kib):,} |")
+    print("\n## The program `catalog` beside the programs that people use\n")
+    of_programs = programs(lines_of(folder, "catalog"))
+    met += of_programs[0]
+    missed += of_programs[1]
     print(f"\n## Aims missed: {len(missed)} of {len(missed) + len(met)}\n")
     print("\n".join(missed) if missed else "None.")
     print(f"\n## Behind the best peer by more than a tie, {TIE} times: {len(behind)} rows\n")

@@ -1,12 +1,12 @@
 #!/usr/bin/env bash
 # Measures the library beside its peers and the limit of each row, writes bench/RESULTS.md, and draws its rows in
-# bench/ratios.svg. It takes some minutes, and 2 GiB of disk for the time. It waits until the load of its own build has
+# bench/ratios.svg. It takes some minutes, and 7 GiB of disk for the time. It waits until the load of its own build has
 # gone, and refuses to measure where other programs run.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 . scripts/packages.sh
 
-need cmake=cmake ninja-build=ninja g++=g++ pkg-config=pkg-config python3=python3 \
+need cmake=cmake ninja-build=ninja rsync=rsync strace=strace g++=g++ pkg-config=pkg-config python3=python3 \
     libbenchmark-dev=/usr/include/benchmark/benchmark.h libboost-dev=/usr/include/boost/crc.hpp \
     libprotobuf-dev=/usr/include/google/protobuf/io/coded_stream.h libabsl-dev=/usr/include/absl/strings/str_split.h \
     libicu-dev=/usr/include/unicode/ucnv.h libpoco-dev=/usr/include/Poco/BinaryReader.h \
@@ -54,8 +54,13 @@ END
     done
 done
 
+bench/catalog.sh build/bench/examples/catalog/catalog >"$scratch/catalog"
+
 cp bench/RESULTS.md "$scratch/before.md"
 python3 bench/results.py "$scratch" "$before" "$after" "$(g++ --version | head -1)" >bench/RESULTS.md
 # The distribution's own, which has the package.
 /usr/bin/python3 bench/picture.py bench/RESULTS.md "$scratch/before.md" >bench/ratios.svg
+# A page can be made of them again.
+mkdir -p build/bench/measured
+cp "$scratch"/{full.json,tenth.json,peak,catalog} build/bench/measured
 echo 'written: bench/RESULTS.md and bench/ratios.svg'
