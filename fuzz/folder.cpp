@@ -298,8 +298,8 @@ public:
         case 1:
         case 2:
         case 3: create_fork(path, in.below(3), flag, in.text()); break;
-        case 4:
-        case 5: change(path, in); break;
+        case 4: change_data(file.data_fork(), path, in); break;
+        case 5: change_data(nio::file(wide_path(path), nio::file::mode_closed), path, in); break;
         case 6:
             model_.delete_file(path);
             attempt(true, [&] { file.unlink(flag); });
@@ -334,7 +334,7 @@ public:
         case 17: scan(flag ? path : parent_of(path)); break;
         case 18:
         case 19:
-        case 20: create_wide(path, choice > 18, flag, in.text()); break;
+        case 20: create_wide(path, choice > 18, flag, in); break;
         case 21:
             if (auto const to = take_path(in); !through_link(to))
                 move_wide(path, to, flag);
@@ -425,16 +425,28 @@ private:
         check(wide_string(file.path().full_string()) == wide_path(after));
     }
 
-    /// Reads, writes and resizes an open fork beside its bytes and a position.
-    void change(std::string const & path, fuzz::feed & in) {
-        auto file = file_of(path);
-        io::fork & fork = file.data_fork();
+    void change_data(auto && fork, std::string const & path, fuzz::feed & in) {
         bool const write = in.flag();
         attempt(model_.is(path, kind::file), [&] { write ? fork.open_rw() : fork.open(); });
-        if (!fork.descriptor().valid())
+        if (!model_.is(path, kind::file))
             return;
-        auto & bytes = model_.nodes[path].bytes;
+        change(fork, write, model_.nodes[path].bytes, 0, in);
+        if constexpr (requires { fork.close(true); })
+            fork.close(true);
+    }
+
+    static void resize(io::fork & fork, uint64 size) { fork.resize(size); }
+    static void resize(nio::file & file, uint64 size) {
+        if (!file.resize(size))
+            throw nio::filesystem_exception("cannot resize", u"");
+    }
+
+    /// Reads, writes and resizes an open fork beside its bytes, which are those of a file behind a head, and a
+    /// position.
+    static void change(auto & fork, bool write, std::string & file, std::size_t head, fuzz::feed & in) {
+        std::string bytes = file.substr(head);
         std::size_t at = 0;
+        check(fork.seek(0));
         for (unsigned steps = in.below(6); steps > 0; --steps) {
             unsigned const choice = in.below(4), number = in.byte();
             if (choice == 0) {
@@ -458,7 +470,7 @@ private:
                          at += data.size();
                      });
             } else {
-                same([&] { fork.resize(number); },
+                same([&] { resize(fork, number); },
                      [&] {
                          at = std::min<std::size_t>(at, number);
                          require(write);
@@ -467,7 +479,7 @@ private:
             }
             check(fork.tell() == at && fork.size() == bytes.size());
         }
-        fork.close(true);
+        file.replace(head, file.npos, bytes);
     }
 
     void move(std::string const & path, std::string const & to, unsigned how) {
@@ -515,7 +527,8 @@ private:
     }
 
     /// A file, or its resource fork, which goes into a sidecar.
-    void create_wide(std::string const & path, bool rsrc, bool overwrite, std::string const & bytes) {
+    void create_wide(std::string const & path, bool rsrc, bool overwrite, fuzz::feed & in) {
+        auto const bytes = in.text();
         nio::file file(wide_path(path), nio::file::mode_closed);
         std::string after;
         same(
@@ -542,6 +555,10 @@ private:
         file.open_rsrc();
         char block[256];
         check(std::string(block, file.read(block, sizeof block)) == bytes);
+        file.close();
+        file.open_rsrc_rw();
+        auto & sidecar = model_.nodes[sidecar_of(after)].bytes;
+        change(file, true, sidecar, sidecar.size() - bytes.size(), in);
     }
 
     void move_wide(std::string const & path, std::string const & to, bool must) {

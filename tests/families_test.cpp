@@ -176,36 +176,6 @@ TYPED_TEST(families, unique_names_count_before_the_ending) {
     }
 }
 
-TYPED_TEST(families, emptying_takes_all_but_what_lies_behind_links) {
-    if (auto const limit = support::limit_of_links(); !limit.empty())
-        GTEST_SKIP() << limit;
-    auto const & here = this->here_;
-    for (char const * folder : {"outside/sub", "tree/sub/sub"})
-        fs::create_directories(here.host(folder));
-    // One sidecar comes before its file, others behind theirs.
-    for (char const * name : {"outside/file", "outside/sub/file", "tree/x", "tree/x.info", "tree/x.rsrc", "tree/X.info",
-                              "tree/x.info.rsrc", "tree/sub/y", "tree/sub/sub/z.rsrc"})
-        here.write(name, "x");
-    if (!this->io)
-        for (char const * name : {"tree/._x", "tree/sub/._y", "tree/sub/._._y"})
-            here.write(name, "x");
-    support::make_link("../outside", here.host("tree/link"));
-    support::make_link("../outside/file", here.host("tree/sub/file_link"));
-    support::make_link("loop", here.host("tree/loop"));
-    support::make_link("nothing", here.host("tree/sub/dangling"));
-    support::make_link("outside", here.host("root"));
-    support::make_fifo(here.host("tree/pipe"));
-    auto tree = this->folder("tree");
-    EXPECT_THROW(tree.unlink(true), typename TypeParam::refusal);
-    tree.unlink(false);
-    EXPECT_TRUE(here.exists("tree"));
-    tree.unlink_with_children(true);
-    EXPECT_FALSE(here.exists("tree"));
-    this->folder("root").unlink_with_children(true);
-    EXPECT_FALSE(here.exists("root"));
-    EXPECT_TRUE(here.exists("outside/file") && here.exists("outside/sub/file"));
-}
-
 TYPED_TEST(families, what_cannot_be_deleted_ends_the_emptying) {
     fs::create_directories(this->here_.host("tree/sub"));
     this->here_.write("tree/sub/kept", "kept");
@@ -285,44 +255,6 @@ TYPED_TEST(families, are_named_absolutely_and_by_links) {
         EXPECT_EQ(nio::make_absolute(u"N:a"), u"N:\\a");
         EXPECT_EQ(nio::make_absolute(u""), u"");
     }
-}
-
-/// The leaf name of an object after something was made of it, or was not.
-wide_string leaf_after(auto object, auto make) {
-    raised([&] { make(object); });
-    return leaf_of(text_of(object));
-}
-
-TEST(both_families, mend_names_that_cannot_be_made) {
-    scratch const here;
-    for (char const * taken : {"x_y", "s_t.rsrc", "d_", "n_", "._r_", "from"})
-        here.write(taken, "old");
-    wide_string const in = here.path("");
-    auto const io_file = [](io::file & file) { EXPECT_TRUE(file.create(true)); };
-    auto const io_rsrc = [](io::file & file) { file.rsrc_fork().create(true); };
-    auto const io_folder = [](io::directory & folder) { EXPECT_TRUE(folder.create(false)); };
-    auto const nio_file = [](nio::file & file) { EXPECT_TRUE(file.create(false)); };
-    auto const nio_rsrc = [](nio::file & file) { EXPECT_TRUE(file.create_rsrc(false, true)); };
-    auto const nio_folder = [](nio::directory & folder) { EXPECT_TRUE(folder.create()); };
-    EXPECT_EQ(leaf_after(io::file(any::path(in + u"x?y", true)), io_file), u"x_y_1"); // never over another file
-    EXPECT_EQ(leaf_after(io::file(any::path(in + u"no\\a?", true)), io_file), u"a?");
-    EXPECT_EQ(leaf_after(io::file(any::path(in + u"s?t", true)), io_rsrc), u"s?t");
-    EXPECT_EQ(leaf_after(io::directory(any::path(in + u"d?", true)), io_folder), u"d__1");
-    EXPECT_EQ(leaf_after(io::directory(any::path(in + u"x_y\\b?", true)), io_folder), u"b?");
-    EXPECT_EQ(leaf_after(nio::file(in + u"f?", nio::file::mode_closed), nio_file), u"f_");
-    EXPECT_EQ(leaf_after(nio::file(in + u"n?", nio::file::mode_closed), nio_file), u"n?");
-    EXPECT_EQ(leaf_after(nio::file(in + u"q?", nio::file::mode_closed), nio_rsrc), u"q_");
-    EXPECT_EQ(leaf_after(nio::file(in + u"r?", nio::file::mode_closed), nio_rsrc), u"r?");
-    EXPECT_EQ(leaf_after(nio::directory(in + u"g?"), nio_folder), u"g_");
-    EXPECT_EQ(leaf_after(nio::directory(in + u"d?"), nio_folder), u"d?");
-    for (auto const & [name, after] : {std::pair("n?", "n_"), std::pair("c?", "c_")}) {
-        wide_string to = here.path(name);
-        raised([&] { EXPECT_TRUE(nio::move(here.path("from"), to, false)); });
-        EXPECT_EQ(to, here.path(after));
-    }
-    for (char const * taken : {"x_y", "s_t.rsrc", "d_", "n_", "._r_", "c_"})
-        EXPECT_EQ(here.read(taken), "old");
-    EXPECT_TRUE(here.exists("d__1") && here.exists("f_") && here.exists("._q_") && here.exists("g_"));
 }
 
 TEST(both_families, say_what_could_not_be_done) {
@@ -417,18 +349,14 @@ TEST(both_families, have_temporary_files) {
 
 TEST(both_families, tell_sizes_and_parents) {
     scratch const here;
-    fs::create_directory(here.host("d"));
-    here.write("d/a", "0123456789");
-    uint32 const pipes = support::make_fifo(here.host("d/pipe"));
-    io::item tree(any::path(here.path("d"), true)), none(any::path(here.path("none"), true)),
-        file(any::path(here.path("d/a"), true));
-    auto const sum = io::item::scan({&tree, &none});
-    EXPECT_EQ(std::tuple(sum.items, sum.directories, sum.files, sum.bytes, sum.missing),
-              std::tuple(2 + pipes, 1u, 1 + pipes, 10u, 1u));
-    EXPECT_EQ(tree.size(), 0u);
+    here.write("a", "0123456789");
+    io::item folder(any::path(here.path(""), true)), none(any::path(here.path("none"), true)),
+        file(any::path(here.path("a"), true));
+    EXPECT_EQ(io::item::scan({&folder, &none, &file}).items, 3u);
+    EXPECT_EQ(folder.size(), 0u);
     EXPECT_EQ(file.size(), 10u);
     EXPECT_EQ(none.size(), all_ones);
-    EXPECT_EQ(file.parent().path().full_string(), tree.path().full_string());
+    EXPECT_EQ(file.parent().path().full_string(), folder.path().full_string());
     EXPECT_EQ(io::item(any::path(u"a/b/c", u"/", true)).parent().path().full_string(), u"a/b");
 }
 
