@@ -1,9 +1,7 @@
 // Files on a mounted NTFS disk, whose driver gives streams, attribute bits and times of its own.
 
 #include "socle/nio/attributes.h"
-#include "socle/nio/exception.h"
 #include "socle/nio/file.h"
-#include "socle/nio/move.h"
 #include "socle/platform/errors.h"
 #include "socle/platform/files.h"
 #include "socle/platform/host.h"
@@ -15,36 +13,31 @@
 #include <optional>
 #include <string>
 #include <sys/xattr.h>
-#include <vector>
 
 namespace {
 
 using namespace platform;
 namespace fs = std::filesystem;
 
-class attached_disk : public testing::Test {
+class ntfs_disk : public testing::Test {
 protected:
-    ~attached_disk() override { detach_volume('N'); }
+    ~ntfs_disk() override { detach_volume('N'); }
 
-    /// Makes N: of a folder on the disk, as it was left; with `on_disk` false, of one beside the disk.
-    void mount(bool on_disk = true) {
+    void SetUp() override { mount(); }
+
+    /// Makes N: of a folder on the disk, as it was left.
+    void mount() {
         detach_volume('N');
         disk_.reset();
         fs::create_directory(folder_.host("volume"));
-        if (on_disk) {
-            disk_.emplace(folder_.host("image"), folder_.host("volume"));
-            if (!disk_->mounted())
-                GTEST_SKIP() << "an NTFS image cannot be made or mounted here";
-        }
+        disk_.emplace(folder_.host("image"), folder_.host("volume"));
+        if (!disk_->mounted())
+            GTEST_SKIP() << "an NTFS image cannot be made or mounted here";
         ASSERT_EQ(attach_volume('N', folder_.host("volume"), "NTFS"), 0u);
     }
 
     scratch folder_;
     std::optional<ntfs_image> disk_;
-};
-
-struct ntfs_disk : attached_disk {
-    void SetUp() override { mount(); }
 };
 
 wide_string name_of(int i) {
@@ -133,58 +126,6 @@ TEST_F(ntfs_disk, a_backup_goes_to_a_name_that_has_just_been_deleted) {
         EXPECT_EQ(nio::file(name_of(1) + u":note", 1).size(), 4u);
         target.unlink(true);
     }
-}
-
-constexpr uint32 megabyte = 1'000'000;
-
-/// 100 MB in our own store, 10 MB on a mounted disk (the parameter is true).
-struct big_stream : attached_disk, testing::WithParamInterface<bool> {
-    void SetUp() override { mount(GetParam()); }
-
-    /// A megabyte that no other is like.
-    static std::vector<char> block(uint32 number) {
-        std::vector<char> bytes(megabyte);
-        uint32 state = number + 1;
-        for (char & byte : bytes) {
-            state = state * 1664525 + 1013904223;
-            byte = static_cast<char>(state >> 24);
-        }
-        return bytes;
-    }
-
-    static void expect_blocks(wide_string const & path, uint32 blocks) {
-        nio::file file(path, nio::file::mode_read);
-        EXPECT_EQ(file.size(), uint64{blocks} * megabyte);
-        std::vector<char> bytes(megabyte);
-        for (uint32 i = 0; i < blocks; ++i)
-            ASSERT_TRUE(file.read(bytes.data(), megabyte) == megabyte && bytes == block(i)) << "block " << i;
-    }
-};
-
-INSTANTIATE_TEST_SUITE_P(stores, big_stream, testing::Bool(),
-                         [](auto const & store) { return store.param ? "disk" : "own"; });
-
-TEST_P(big_stream, lives_and_dies_with_its_file) {
-    uint32 const blocks = GetParam() ? 10 : 100;
-    nio::file(u"N:\\file", nio::file::mode_new).close();
-    nio::file file(u"N:\\file:big", nio::file::mode_anew);
-    for (uint32 i = 0; i < blocks; ++i)
-        file.write(block(i).data(), megabyte);
-    EXPECT_THROW(nio::file(u"N:\\file:big", nio::file::mode_read_write), nio::exception) << "it is being written";
-    file.close();
-    expect_blocks(u"N:\\file:big", blocks);
-
-    nio::file again(u"N:\\file:big:$DATA", nio::file::mode_read_write);
-    EXPECT_TRUE(again.resize(uint64{blocks / 2} * megabyte));
-    again.close();
-    wide_string target = u"N:\\moved";
-    nio::move(u"N:\\file", target, true);
-    expect_blocks(u"N:\\moved:big", blocks / 2);
-    EXPECT_FALSE(nio::exists(u"N:\\file:big"));
-
-    nio::unlink(target, true);
-    nio::file(target, nio::file::mode_new).close();
-    EXPECT_FALSE(nio::exists(u"N:\\moved:big"));
 }
 
 } // namespace

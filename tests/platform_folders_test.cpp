@@ -184,18 +184,6 @@ TEST(platform_folders, links_to_them_are_not_gone_through) {
     }
 }
 
-TEST(platform_folders, are_deeper_than_descriptors_and_paths_go) {
-    scratch const here;
-    open_folder top;
-    ASSERT_TRUE(top.open(here.path("")));
-    for (rlim_t const descriptors : {rlim_t{64}, rlim_t{12}}) {
-        few_descriptors const limit(descriptors);
-        make_chain(here, wide_string(100, u'd'), 201);
-        EXPECT_EQ(remove_all(top), 201);
-        EXPECT_TRUE(entries(top).empty());
-    }
-}
-
 // Up to the host's longest path, 4,095 bytes, everything is reached by its path; behind it, by open folders alone.
 TEST(platform_folders, are_reached_by_the_longest_path) {
     ntfs_folder const here;

@@ -14,15 +14,17 @@ constexpr uint32 share_all = platform::FILE_SHARE_READ | platform::FILE_SHARE_WR
 /// 0 if a call has succeeded, else its code.
 inline uint32 code(bool done) { return done ? 0 : platform::GetLastError(); }
 
-/// What the stream, or file, holds, 64 KiB at most; the code in digits if it cannot be read.
+/// What the stream, or file, holds; the code in digits if it cannot be read.
 inline std::string get(wide_string const & path) {
     using namespace platform;
     int const file = CreateFileW(path, GENERIC_READ, share_all, OPEN_EXISTING, 0);
     if (file == INVALID_HANDLE_VALUE)
         return std::to_string(GetLastError());
-    std::string bytes(1 << 16, '\0');
+    uint64 size = 0;
+    EXPECT_TRUE(GetFileSize(file, size));
+    std::string bytes(static_cast<std::size_t>(size), '\0');
     uint32 done = 0;
-    EXPECT_TRUE(ReadFile(file, bytes.data(), 1 << 16, done) && CloseHandle(file));
+    EXPECT_TRUE(ReadFile(file, bytes.data(), uint32(size), done) && CloseHandle(file));
     return bytes.substr(0, done);
 }
 
