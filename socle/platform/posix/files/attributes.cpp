@@ -187,7 +187,7 @@ system_code attributes_at(resolved_path const & at, uint32 & bits, file_times * 
     if (times == nullptr)
         return {};
     host::at const timed = at.stream.empty() ? at.at() : stream.at();
-    bool const dated = !at.stream.empty() || names.may_have(created_attribute);
+    bool const dated = !at.stream.empty() || (!status.lost && names.may_have(created_attribute));
     return get_times_of(timed, status.about, dated, *times);
 }
 
