@@ -1,8 +1,8 @@
 /// The wz and the p2 code.
 
 #include "socle/nio/integer_codes.h"
+#include "fuzz/support/chains.h"
 #include "fuzz/support/feed.h"
-#include "fuzz/support/stacked.h"
 #include "socle/any/integers.h"
 #include "socle/nio/buffered_output.h"
 #include "socle/stream/array_input.h"

@@ -1,7 +1,7 @@
 /// Lines of both families, over sources that lend much, little and nothing.
 
+#include "fuzz/support/chains.h"
 #include "fuzz/support/feed.h"
-#include "fuzz/support/stacked.h"
 #include "socle/nio/buffered_input.h"
 #include "socle/nio/strings.h"
 #include "socle/stream/buffered_input.h"

@@ -1,285 +1,195 @@
-/// A stack of sinks, put together and used at random, beside a model: what has been written, and for each layer what it
-/// counts. What buffers hold counts as written; it has to be there when they are gone.
+/// Chains of sinks, put together and used at random.
 
-#include "fuzz/support/feed.h"
-#include "fuzz/support/stacked.h"
-#include "socle/stream/array_output.h"
-#include "socle/stream/buffered_output.h"
-#include "socle/stream/counted_output.h"
-#include "socle/stream/endian_output.h"
-#include "socle/stream/multi_output.h"
-#include "socle/stream/text_output.h"
-#include "socle/stream/vector_output.h"
-#include "tests/support/memory_sources.h"
+#include "fuzz/support/plain_sinks.h"
+#include "socle/stream/array_input.h"
+#include "socle/stream/integers.h"
 
-#include <memory>
-#include <optional>
-#include <vector>
+#include <deque>
+#include <utility>
 
 namespace {
 
-using fuzz::check;
+using namespace fuzz;
 
-enum class bottom { vector, array, series, plain, count };
-enum class layer { filter, counted, buffered, text, little, count };
-
-constexpr std::size_t array_size = 600;
-
-struct model_layer {
-    layer kind;
-    uint64 count = 0; // of a layer that has a position of its own
-    int mode = 0;     // of a text
-    bool after_cr = false;
-};
-
-class model {
+/// Targets of these sizes, which tell what they get.
+template <class Multi>
+class series : public Multi {
 public:
-    std::vector<model_layer> layers;
-    narrow_string bytes;
-
-    /// How the bytes come down through the layers below `height`. Text goes past those that look at bytes.
-    void write(std::size_t height, std::string_view data, bool text) {
-        if (height == 0) {
-            bytes += data;
-            return;
-        }
-        auto & top = layers[height - 1];
-        if (top.kind == layer::text && !text && top.mode != 0)
-            return translate(top, height, data);
-        // These two make bytes of what is text.
-        write(height - 1, data, text && top.kind != layer::buffered && top.kind != layer::text);
-        top.count += data.size();
-    }
-
-    /// Only the lowest layer copies, past all others; a buffer goes on from where that leaves the one beneath.
-    void copy(std::string_view data) {
-        bytes += data;
-        for (std::size_t i = 0; i < layers.size(); ++i)
-            if (layers[i].kind == layer::buffered)
-                layers[i].count = tell(i);
-    }
-
-    uint64 tell(std::size_t height) const {
-        if (height == 0)
-            return bytes.size();
-        auto const & top = layers[height - 1];
-        return top.kind == layer::counted || top.kind == layer::buffered ? top.count : tell(height - 1);
-    }
-
-private:
-    void translate(model_layer & top, std::size_t height, std::string_view data) {
-        for (char const byte : data) {
-            bool const second = byte == '\n' && top.after_cr;
-            top.after_cr = byte == '\r';
-            if (second)
-                continue;
-            static constexpr std::string_view ends[] = {"", "\n", "\r", "\r\n"};
-            std::string_view const single(&byte, 1);
-            bool const ends_line = byte == '\r' || byte == '\n';
-            auto const out = ends_line ? (top.mode > 0 && top.mode < 4 ? ends[top.mode] : "") : single;
-            if (!out.empty())
-                write(height - 1, out, false);
-        }
-    }
-};
-
-/// Targets of these sizes, then one without a limit.
-class series : public stream::multi_output {
-public:
-    explicit series(narrow_string limits) : limits_(std::move(limits)), parts_(limits_.size() + 1) {}
+    series(narrow_string limits, unsigned failing, account & to)
+        : limits_(std::move(limits)), failing_(failing), account_(to) {}
 
     void next() override {
-        if (at_ == parts_.size())
-            return multi_output::next();
-        target_ = std::make_unique<stream::vector_output>(parts_[at_]);
-        under(*target_);
-        limit(at_ < limits_.size() ? static_cast<unsigned char>(limits_[at_]) : all_ones);
-        ++at_;
-    }
-
-    narrow_string joined() const {
-        narrow_string all;
-        for (std::size_t i = 0; i < parts_.size(); ++i) {
-            all.append(parts_[i].begin(), parts_[i].end());
-            // Each is filled before the next one starts.
-            if (i + 1 < at_)
-                check(parts_[i].size() == static_cast<unsigned char>(limits_[i]));
-        }
-        return all;
+        account_.tell("  next");
+        if (targets_.size() == limits_.size())
+            return Multi::next();
+        this->limit(static_cast<unsigned char>(limits_[targets_.size()]) % 40u);
+        this->under(targets_.emplace_back(std::exchange(failing_, 0u), account_));
     }
 
 private:
     narrow_string limits_;
-    std::vector<byte_vector> parts_;
-    std::size_t at_ = 0;
-    std::unique_ptr<stream::vector_output> target_;
+    unsigned failing_;
+    account & account_;
+    std::deque<told_sink> targets_;
 };
 
-class stack {
+template <class Kind>
+class sinks {
 public:
-    stack(bottom source, fuzz::feed & in) : source_(source), array_(new char[array_size]) {
-        switch (source) {
-        case bottom::vector: streams_.push_back(std::make_unique<stream::vector_output>(vector_)); break;
-        case bottom::array:
-            streams_.push_back(std::make_unique<stream::array_output>(array_.get(), uint32(array_size)));
-            break;
-        case bottom::series: streams_.push_back(std::make_unique<series>(in.text())); break;
-        default: streams_.push_back(std::make_unique<support::recording_target>());
-        }
-    }
-    ~stack() {
-        while (!streams_.empty())
-            streams_.pop_back();
+    explicit sinks(feed in) {
+        put_bottom(in);
+        for (int steps = 0; steps < 200 && !in.empty(); ++steps)
+            step(in);
+        while (chain_.height() > 1)
+            chain_.pop();
+        tell_place();
+        told.tell("memory", narrow_string(array_, sizeof array_), narrow_string(vector_.begin(), vector_.end()));
     }
 
-    void step(fuzz::feed & in) {
-        switch (in.below(14)) {
+    account told;
+
+private:
+    template <class Stream>
+    using type = typename Kind::template type<Stream>;
+
+    void put_bottom(feed & in) {
+        auto const kind = in.below(8);
+        uint32 const start = in.byte() % 16, failing = in.byte();
+        vector_ = vector_of("bytes before");
+        switch (kind) {
+        case 0:
+        case 1: chain_.template put<stream::vector_output>(vector_, start); break;
+        case 2:
+        case 3: chain_.template put<stream::array_output>(array_, uint32(sizeof array_), start); break;
+        case 4: chain_.template put<stream::infinite_output>(); break;
+        case 5:
+            chain_.put_bottom(std::make_unique<series<type<stream::multi_output>>>(some_bytes(in), failing, told));
+            break;
+        default: chain_.put_bottom(std::make_unique<told_sink>(failing, told));
+        }
+    }
+
+    stream::output & top() { return chain_.top(); }
+
+    void step(feed & in) {
+        auto const what = in.below(19);
+        told.tell("step", what);
+        auto const call = [&](auto act) { told.result([&] { return act(), 0; }); };
+        switch (what) {
         case 0:
         case 1:
         case 2: push(in); break;
-        case 3: pop(); break;
+        case 3:
+            if (chain_.height() > 1)
+                chain_.pop();
+            break;
         case 4:
         case 5:
-            write(narrow_string(1, static_cast<char>(in.byte())), [&](auto const & s) { top().write(s[0]); });
-            break;
-        case 6:
+        case 6: call([&, byte = static_cast<char>(in.byte())] { top().write(byte); }); break;
         case 7:
-        case 8: write(in.text(), [&](auto const & s) { top().write(s.data(), static_cast<uint32>(s.size())); }); break;
-        case 9: write_text(in.text()); break;
-        case 10: copy(in.text()); break;
-        case 11: fill(in.byte(), static_cast<char>(in.byte())); break;
-        case 12: number(in.number()); break;
-        default: in.flag() ? top().flush() : top().flush_through();
+        case 8:
+        case 9: call([&, s = some_bytes(in)] { top().write(s.data(), static_cast<uint32>(s.size())); }); break;
+        case 10: call([&, text = some_bytes(in)] { top().write(text); }); break;
+        case 11: copy(in); break;
+        case 12: call([&, count = in.byte(), byte = in.byte()] { top().fill(count, static_cast<char>(byte)); }); break;
+        case 13: number(in); break;
+        case 14: call([&, size = top().tell() + in.byte() - 64] { top().resize(std::min<uint64>(size, 5000)); }); break;
+        case 15: call([&, way = in.below(2)] { way == 0 ? top().flush() : top().flush_through(); }); break;
+        case 16: call([&, way = in.below(2)] { way == 0 ? top().end() : top().close(); }); break;
+        case 17:
+            if (auto * const text = chain_.template top_as<stream::text_output>())
+                call([&, way = in.below(2)] { way == 0 ? text->reset() : text->eol(); });
+            else if (auto * const all = chain_.template top_as<stream::multi_output>())
+                call([&] { all->next(); });
+            break;
+        default: in.below(4) == 0 ? replace() : top().mark();
         }
-        check(top().tell() == model_.tell(height()));
-        compare();
+        tell_place();
     }
 
-    void finish() {
-        while (height() > 0)
-            pop();
-        compare();
-        check(model_.bytes == written());
+    void tell_place() {
+        told.tell("at", top().tell(), top().size(), top().drift());
+        if (auto * const counted = chain_.template top_as<stream::counted_output>())
+            told.tell("count", counted->count());
+        if (auto * const all = chain_.template top_as<stream::multi_output>())
+            told.tell("limit", all->limit(), all->written());
     }
 
-private:
-    stream::output & top() { return *streams_.back(); }
-    std::size_t height() const { return model_.layers.size(); }
-
-    void push(fuzz::feed & in) {
-        auto const kind = static_cast<layer>(in.below(static_cast<uint32>(layer::count)));
-        bool const own = in.byte() % 4 != 0;
+    void push(feed & in) {
+        auto const kind = in.below(6);
         unsigned const number = in.byte();
-        if (height() == 8)
+        if (chain_.height() > 4)
             return;
-        model_layer added{kind};
+        told.tell("push", kind);
         switch (kind) {
-        case layer::filter: fuzz::put<stream::filter_output>(streams_, own); break;
-        case layer::counted:
-            added.count = number;
-            fuzz::put<stream::counted_output>(streams_, own, added.count);
-            break;
-        case layer::buffered:
-            added.count = model_.tell(height());
-            fuzz::put<stream::buffered_output>(streams_, own, uint32(number));
-            break;
-        case layer::text:
-            added.mode = int(number % 5);
-            fuzz::put<stream::text_output>(streams_, own, added.mode);
-            break;
-        default: fuzz::put<stream::little_endian_output>(streams_, own); break;
-        }
-        model_.layers.push_back(added);
-    }
-
-    void pop() {
-        if (height() == 0)
-            return;
-        streams_.pop_back();
-        model_.layers.pop_back();
-    }
-
-    bool fits(std::size_t size) const {
-        return source_ != bottom::array || model_.bytes.size() + 2 * size <= array_size;
-    }
-
-    template <class Write>
-    void write(narrow_string const & data, Write write) {
-        if (!fits(data.size()))
-            return;
-        write(data);
-        model_.write(height(), data, false);
-    }
-
-    /// A series and a counting layer do not count text.
-    bool counts_all() const {
-        return source_ != bottom::series
-               && std::none_of(model_.layers.begin(), model_.layers.end(),
-                               [](auto const & each) { return each.kind == layer::counted; });
-    }
-
-    void write_text(narrow_string const & data) {
-        if (!fits(data.size()) || !counts_all())
-            return;
-        top().write(data);
-        model_.write(height(), data, true);
-    }
-
-    void copy(narrow_string const & data) {
-        if (!fits(data.size()) || !counts_all() || data.empty())
-            return;
-        support::unlent source(data);
-        top().copy_from(source);
-        model_.copy(data);
-    }
-
-    void fill(unsigned count, char byte) {
-        write(narrow_string(count, byte), [&](auto const &) { top().fill(count, byte); });
-    }
-
-    void number(uint32 value) {
-        auto * const out = dynamic_cast<stream::endian_output *>(&top());
-        if (out == nullptr)
-            return;
-        narrow_string bytes;
-        for (int i = 0; i < 4; ++i)
-            bytes += static_cast<char>(value >> 8 * i);
-        write(bytes, [&](auto const &) { out->write32(value); });
-    }
-
-    narrow_string written() const {
-        switch (source_) {
-        case bottom::vector: return {vector_.begin(), vector_.end()};
-        case bottom::array: return {array_.get(), std::size_t(streams_.front()->tell())};
-        case bottom::series: return dynamic_cast<series &>(*streams_.front()).joined();
-        default: return dynamic_cast<support::recording_target &>(*streams_.front()).data;
+        case 0: return chain_.template put_on_top<stream::filter_output>();
+        case 1: return chain_.template put_on_top<stream::counted_output>(uint64(number));
+        case 2: return chain_.template put_on_top<stream::text_output>(int(number % 5));
+        case 3: return chain_.template put_on_top<stream::big_endian_output>();
+        case 4: return chain_.template put_on_top<stream::little_endian_output>();
+        default: return chain_.template put_on_top<stream::buffered_output>(number % 32);
         }
     }
 
-    /// What has arrived is the front of what was written; all of it, if no buffer holds anything.
-    void compare() {
-        auto const here = written();
-        check(std::string_view(model_.bytes).starts_with(here));
-        bool const buffered = std::any_of(model_.layers.begin(), model_.layers.end(),
-                                          [](auto const & each) { return each.kind == layer::buffered; });
-        if (!buffered)
-            check(here.size() == model_.bytes.size());
+    void copy(feed & in) {
+        bool const lent = in.flag();
+        auto const m = manners_of(in);
+        narrow_string const data = some_bytes(in);
+        auto const copy = [&](stream::input & source) {
+            told.result([&] { return source.skip(data.size() / 4); });
+            told.result([&] { return top().copy_from(source), source.tell(); });
+        };
+        stream::array_input memory(data);
+        told_source<stream::input> source(data, m, told);
+        lent ? copy(memory) : copy(source);
     }
 
-    bottom source_;
+    void number(feed & in) {
+        auto const width = in.below(8);
+        uint64 const value = in.long_number();
+        auto const write = [&](auto & out) -> int {
+            auto const run = [&](auto seed) {
+                using number = decltype(seed);
+                std::vector<number> values(11);
+                for (auto & each : values)
+                    each = seed = static_cast<number>(seed * 77 + 5);
+                return write_integers(out, std::span<number const>(values)), 0;
+            };
+            switch (width) {
+            case 0: return out.write8(static_cast<unsigned char>(value)), 0;
+            case 1: return out.write16(static_cast<uint16>(value)), 0;
+            case 2: return out.write24(static_cast<uint32>(value)), 0;
+            case 3: return out.write32(static_cast<uint32>(value)), 0;
+            case 4: return out.write64(value), 0;
+            case 5: return run(static_cast<uint16>(value));
+            case 6: return run(static_cast<uint32>(value));
+            default: return run(value);
+            }
+        };
+        if (auto * const big = chain_.template top_as<stream::big_endian_output>())
+            told.result([&] { return write(*big); });
+        if (auto * const little = chain_.template top_as<stream::little_endian_output>())
+            told.result([&] { return write(*little); });
+    }
+
+    void replace() {
+        auto * const filter = chain_.template top_as<stream::filter_output>();
+        if (filter == nullptr || chain_.height() == 1)
+            return;
+        filter->under(other_);
+        told.tell("replaced", &filter->under() == &other_);
+    }
+
     byte_vector vector_;
-    std::unique_ptr<char[]> array_;
-    model model_;
-    std::vector<std::unique_ptr<stream::output>> streams_;
+    char array_[150] = {};
+    told_sink other_{0, told};
+    chain<Kind, stream::output> chain_;
 };
 
 } // namespace
 
 void fuzz::run(std::string_view input) {
-    feed in(input);
-    auto const target = static_cast<bottom>(in.below(static_cast<uint32>(bottom::count)));
-    stack streams(target, in);
-    for (int steps = 0; steps < 200 && !in.empty(); ++steps)
-        streams.step(in);
-    streams.finish();
+    auto const library = sinks<of_library>(feed(input)).told.text;
+    check_same(library, sinks<of_callers>(feed(input)).told.text, "library and derived");
+    check_same(library, sinks<of_plain>(feed(input)).told.text, "library and plain");
 }

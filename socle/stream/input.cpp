@@ -63,12 +63,12 @@ void input::unread(char const * data, uint32 count) {
     } else {
         std::size_t const held = pending();
         std::size_t const length = held + count;
-        uint64 const source = _tell(); // before anything changes, as it may throw
+        uint64 const here = tell(); // before anything changes, as it may throw
         pushback_.resize(length);
         std::memmove(pushback_.data() + count, pushback_.data() + pushback_pos_, held);
         pushback_size_ = length;
         pushback_pos_ = 0;
-        pushback_at_ = source - length;
+        pushback_at_ = here - count;
     }
     std::memcpy(pushback_.data() + pushback_pos_, data, count);
     memory_.limit = 0;
