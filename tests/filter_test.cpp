@@ -193,6 +193,7 @@ TEST(endian, a_callers_source_is_asked_as_promised) {
     // A class of the caller's above a stream of ours is asked too.
     struct watching : input_in_bytes {
         using input_in_bytes::input_in_bytes;
+        explicit watching(input_in_bytes const & other) : input_in_bytes(other) {}
         int _read() override {
             ++singles;
             return input_in_bytes::_read();
@@ -204,6 +205,13 @@ TEST(endian, a_callers_source_is_asked_as_promised) {
     watching in(memory);
     EXPECT_EQ(in.read32(), support::big_machine ? 0x78563412u : 0x12345678u);
     EXPECT_EQ(in.singles, 4);
+
+    // What a reader has found out about itself does not hold for one that begins as its copy.
+    input_in_bytes plain(memory);
+    plain.read16();
+    watching copy(plain);
+    copy.read16();
+    EXPECT_EQ(copy.singles, 2);
 }
 
 TEST(endian, a_value_that_does_not_fit_goes_as_far_as_single_bytes_go) {

@@ -67,9 +67,10 @@ endian_input::endian_input(input & stream) : direct_input(stream), host_big_endi
 
 endian_input::~endian_input() = default;
 
-/// The slow path. `own`: nobody overrides how single bytes are read.
-uint64 endian_input::read_on(uint32 width, bool big, bool own) {
-    input * const lender = own ? underlying() : nullptr;
+/// The slow path, which finds out whether the other may be taken.
+uint64 endian_input::read_on(uint32 width, bool big) {
+    own_.known = typeid(*this) == (big ? typeid(big_endian_input) : typeid(little_endian_input));
+    input * const lender = own_.known ? underlying() : nullptr;
     switch (width) {
     case 2: return value<2>(*this, lender, big, host_big_endian());
     case 3: return value<3>(*this, lender, big, host_big_endian());
@@ -84,9 +85,7 @@ big_endian_input::big_endian_input(input & stream) : endian_input(stream) {}
 
 big_endian_input::~big_endian_input() = default;
 
-uint32 big_endian_input::read24() {
-    return static_cast<uint32>(read_on(3, true, typeid(*this) == typeid(big_endian_input)));
-}
+uint32 big_endian_input::read24() { return static_cast<uint32>(read_on(3, true)); }
 
 bool big_endian_input::_ours() const { return typeid(*this) == typeid(big_endian_input); }
 
@@ -94,9 +93,7 @@ little_endian_input::little_endian_input(input & stream) : endian_input(stream) 
 
 little_endian_input::~little_endian_input() = default;
 
-uint32 little_endian_input::read24() {
-    return static_cast<uint32>(read_on(3, false, typeid(*this) == typeid(little_endian_input)));
-}
+uint32 little_endian_input::read24() { return static_cast<uint32>(read_on(3, false)); }
 
 bool little_endian_input::_ours() const { return typeid(*this) == typeid(little_endian_input); }
 

@@ -3,8 +3,6 @@
 #include "socle/basic/internal/byte_order.h"
 #include "socle/stream/direct_input.h"
 
-#include <typeinfo>
-
 namespace stream {
 
 /// Reads whole integers in a stated byte order.
@@ -37,19 +35,29 @@ protected:
     /// Whether this machine keeps the high byte first.
     bool host_big_endian() const noexcept { return host_big_endian_; }
 
-    // The value that comes next: at once if its bytes lie open in memory beneath an object of just the class `Own`,
-    // where nobody can have overridden how they are read.
-    template <class Own, class Value>
+    // The value that comes next: at once if its bytes lie open in memory beneath an object of just one of the two
+    // classes below, where nobody can have overridden how they are read.
+    template <class Value>
     Value next(bool big) {
-        bool const own = typeid(*this) == typeid(Own);
-        if (char const * const at = own && underlying() ? open_bytes(*underlying(), sizeof(Value)) : nullptr)
+        if (char const * const at = own_.known && underlying() ? open_bytes(*underlying(), sizeof(Value)) : nullptr)
             return basic::load<Value>(at, big);
-        return static_cast<Value>(read_on(sizeof(Value), big, own));
+        return static_cast<Value>(read_on(sizeof(Value), big));
     }
-    uint64 read_on(uint32 width, bool big, bool own);
+    uint64 read_on(uint32 width, bool big);
 
 private:
+    // Whether the dynamic type has been found to be such a class. A copy may be part of another.
+    struct own {
+        own() = default;
+        own(own const &) {}
+        own & operator=(own const &) { return *this; }
+        ~own() = default;
+
+        bool known = false;
+    };
+
     bool host_big_endian_;
+    own own_;
 };
 
 /// The high byte comes first.
@@ -65,10 +73,10 @@ public:
 
     /// @{
     /// Reads an integer, the high byte first.
-    SOCLE_INLINE_API uint16 read16() override { return next<big_endian_input, uint16>(true); }
+    SOCLE_INLINE_API uint16 read16() override { return next<uint16>(true); }
     uint32 read24() override;
-    SOCLE_INLINE_API uint32 read32() override { return next<big_endian_input, uint32>(true); }
-    SOCLE_INLINE_API uint64 read64() override { return next<big_endian_input, uint64>(true); }
+    SOCLE_INLINE_API uint32 read32() override { return next<uint32>(true); }
+    SOCLE_INLINE_API uint64 read64() override { return next<uint64>(true); }
     /// @}
 
 private:
@@ -88,10 +96,10 @@ public:
 
     /// @{
     /// Reads an integer, the low byte first.
-    SOCLE_INLINE_API uint16 read16() override { return next<little_endian_input, uint16>(false); }
+    SOCLE_INLINE_API uint16 read16() override { return next<uint16>(false); }
     uint32 read24() override;
-    SOCLE_INLINE_API uint32 read32() override { return next<little_endian_input, uint32>(false); }
-    SOCLE_INLINE_API uint64 read64() override { return next<little_endian_input, uint64>(false); }
+    SOCLE_INLINE_API uint32 read32() override { return next<uint32>(false); }
+    SOCLE_INLINE_API uint64 read64() override { return next<uint64>(false); }
     /// @}
 
 private:
