@@ -53,7 +53,6 @@ private:
 /// of the entry: 123 for a path, "." and "..". A search finds all entries but "." and "..", in the order of a search
 /// for `*`, as they are now.
 file_search * FindFirstFileW(open_folder const & folder, WIN32_FIND_DATAW & data);
-file_search * FindFirstFileA(open_folder const & folder, WIN32_FIND_DATAA & data);
 uint32 GetFileKindW(open_folder const & folder, wide_string const & name);
 uint32 GetFileAttributesW(open_folder const & folder, wide_string const & name);
 bool GetFileAttributesExW(open_folder const & folder, wide_string const & name, WIN32_FILE_ATTRIBUTE_DATA & data);

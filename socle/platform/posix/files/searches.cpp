@@ -119,10 +119,6 @@ file_search * begun(system_code code, std::unique_ptr<file_search> search, Data 
     return report(code) && next(search.get(), data) ? search.release() : nullptr;
 }
 
-system_code begin_search(open_folder const & folder, file_search & search) {
-    return folder.is_open() ? list_folder(folder.get()->folder, search) : ERROR_INVALID_HANDLE;
-}
-
 } // namespace
 
 } // namespace posix
@@ -150,7 +146,9 @@ file_search * FindFirstFileW(wide_string const & pattern, WIN32_FIND_DATAW & dat
 
 file_search * FindFirstFileW(open_folder const & folder, WIN32_FIND_DATAW & data) {
     auto search = std::make_unique<file_search>();
-    system_code const code = posix::begin_search(folder, *search);
+    system_code code = ERROR_INVALID_HANDLE;
+    if (folder.is_open())
+        code = posix::list_folder(folder.get()->folder, *search);
     return posix::begun(code, std::move(search), data, FindNextFileW);
 }
 
@@ -166,12 +164,6 @@ bool FindNextFileW(file_search * search, WIN32_FIND_DATAW & data) {
 file_search * FindFirstFileA(narrow_string const & pattern, WIN32_FIND_DATAA & data) {
     auto search = std::make_unique<file_search>();
     system_code const code = posix::begin_search(from_ansi(pattern), *search);
-    return posix::begun(code, std::move(search), data, FindNextFileA);
-}
-
-file_search * FindFirstFileA(open_folder const & folder, WIN32_FIND_DATAA & data) {
-    auto search = std::make_unique<file_search>();
-    system_code const code = posix::begin_search(folder, *search);
     return posix::begun(code, std::move(search), data, FindNextFileA);
 }
 

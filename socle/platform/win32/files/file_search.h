@@ -19,10 +19,6 @@ namespace win32 {
 /// Begins a search and finds its first entry; null if there is none.
 file_search * begin_search(wide_string const & pattern, bool entries_only, WIN32_FIND_DATAW & data);
 
-/// Goes on with a search that has found `first` to the first entry that the ANSI page has a name for; null if there is
-/// none.
-file_search * narrowed(file_search * search, WIN32_FIND_DATAW const & first, WIN32_FIND_DATAA & data);
-
 } // namespace win32
 
 } // namespace platform

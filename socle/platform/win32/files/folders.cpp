@@ -88,11 +88,6 @@ file_search * FindFirstFileW(open_folder const & folder, WIN32_FIND_DATAW & data
     return win32::begin_search(folder.get()->path + u"\\*", true, data);
 }
 
-file_search * FindFirstFileA(open_folder const & folder, WIN32_FIND_DATAA & data) {
-    WIN32_FIND_DATAW first;
-    return win32::narrowed(FindFirstFileW(folder, first), first, data);
-}
-
 uint32 GetFileKindW(open_folder const & folder, wide_string const & name) {
     return with_entry(folder, name, INVALID_FILE_ATTRIBUTES, [](auto const & path) { return GetFileKindW(path); });
 }

@@ -44,12 +44,6 @@ file_search * begin_search(wide_string const & pattern, bool entries_only, WIN32
     return there ? search.release() : nullptr;
 }
 
-file_search * narrowed(file_search * search, WIN32_FIND_DATAW const & first, WIN32_FIND_DATAA & data) {
-    std::unique_ptr<file_search> kept(search);
-    bool const there = kept != nullptr && (take(first, data) || FindNextFileA(kept.get(), data));
-    return there ? kept.release() : nullptr;
-}
-
 } // namespace win32
 
 file_search * FindFirstFileW(wide_string const & pattern, WIN32_FIND_DATAW & data) {
@@ -68,7 +62,9 @@ bool FindNextFileW(file_search * search, WIN32_FIND_DATAW & data) {
 
 file_search * FindFirstFileA(narrow_string const & pattern, WIN32_FIND_DATAA & data) {
     WIN32_FIND_DATAW first;
-    return win32::narrowed(FindFirstFileW(from_ansi(pattern), first), first, data);
+    std::unique_ptr<file_search> search(FindFirstFileW(from_ansi(pattern), first));
+    bool const there = search != nullptr && (take(first, data) || FindNextFileA(search.get(), data));
+    return there ? search.release() : nullptr;
 }
 
 bool FindNextFileA(file_search * search, WIN32_FIND_DATAA & data) {
