@@ -10,15 +10,12 @@ namespace any {
 
 namespace {
 
-void decode(narrow_string const & text, wide_string & result, bool ansi) {
-    if (!system_pages().to_unicode(text, result, ansi))
-        throw exception("cannot convert to Unicode", "any::name");
-}
+constexpr char const * origin = "any::name";
 
 narrow_string encode(wide_string const & text, bool ansi) {
     narrow_string result;
     if (!system_pages().from_unicode(text, result, ansi))
-        throw exception("cannot convert from Unicode", "any::name");
+        throw exception("cannot convert from Unicode", origin);
     return result;
 }
 
@@ -36,9 +33,9 @@ void name::set(name const & other) {
 
 void name::set_utf8(narrow_string const & text) { utf8_coder::decode(text, value_); }
 
-void name::set_ansi(narrow_string const & text) { decode(text, value_, true); }
+void name::set_ansi(narrow_string const & text) { decode(text, value_, true, origin); }
 
-void name::set_oem(narrow_string const & text) { decode(text, value_, false); }
+void name::set_oem(narrow_string const & text) { decode(text, value_, false, origin); }
 
 void name::set_pstr(unsigned char const * text) { set_ansi(narrow_string(text + 1, text + 1 + *text)); }
 

@@ -1,6 +1,5 @@
 #include "socle/any/string.h"
 
-#include "socle/any/exception.h"
 #include "socle/any/system_pages_internal.h"
 
 #include <algorithm>
@@ -24,9 +23,10 @@ struct page_facts {
             while (bytes.size() < last)
                 bytes += static_cast<char>(bytes.size() + 1);
             units = system_pages().to_unicode(bytes, ansi);
-            return units.size() == bytes.size() && system_pages().from_unicode(units, ansi) == bytes;
+            narrow_string const back = system_pages().from_unicode(units, ansi);
+            return units.size() == bytes.size() && back == bytes;
         };
-        ascii = return_up_to(0x7F) && units == wide_string(bytes.begin(), bytes.end());
+        ascii = return_up_to(0x7F) && std::ranges::equal(units, bytes);
         stable = return_up_to(0xFF);
     }
 };
@@ -66,10 +66,7 @@ string::string(narrow_string const & text, bool ansi) { set(text, ansi); }
 
 string::string(unsigned char const * text, bool ansi) { set(text, ansi); }
 
-void string::set(narrow_string const & text, bool ansi) {
-    if (!system_pages().to_unicode(text, *this, ansi))
-        throw exception("cannot convert to Unicode", "any::string");
-}
+void string::set(narrow_string const & text, bool ansi) { decode(text, *this, ansi, "any::string"); }
 
 void string::set(unsigned char const * text, bool ansi) { set(narrow_string(text + 1, text + 1 + *text), ansi); }
 

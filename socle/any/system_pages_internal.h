@@ -1,6 +1,7 @@
 #pragma once
 
 #include "socle/any/converter.h"
+#include "socle/any/exception.h"
 
 namespace any {
 
@@ -8,6 +9,11 @@ namespace any {
 inline converter const & system_pages() {
     static converter const pages;
     return pages;
+}
+
+inline void decode(narrow_string const & text, wide_string & result, bool ansi, char const * origin) {
+    if (!system_pages().to_unicode(text, result, ansi))
+        throw exception("cannot convert to Unicode", origin);
 }
 
 } // namespace any

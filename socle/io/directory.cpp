@@ -9,6 +9,7 @@
 #include "socle/platform/folders.h"
 #include "socle/platform/paths.h"
 
+#include <memory>
 #include <utility>
 
 namespace io {
@@ -51,7 +52,9 @@ bool directory::create(bool) {
 }
 
 bool directory::create_parents(bool) {
-    return path().size() >= 2 && !exists() && directory(path().parent()).create(false);
+    if (path().size() < 2 || exists())
+        return false;
+    return directory(path().parent()).create(false);
 }
 
 bool directory::create_with_parents(bool overwrite) {
@@ -105,11 +108,13 @@ struct directory::iterator::search {
     platform::open_folder folder; // from the first question about an entry on
 };
 
-directory::iterator::iterator() : dir_(&directory::current), search_(new search) {}
+directory::iterator::iterator() : dir_(&directory::current), search_(std::make_unique<search>()) {}
 
-directory::iterator::iterator(directory const & folder) : dir_(&folder), search_(new search) { first(folder); }
+directory::iterator::iterator(directory const & folder) : dir_(&folder), search_(std::make_unique<search>()) {
+    first(folder);
+}
 
-directory::iterator::iterator(iterator const & other) : dir_(other.dir_), search_(new search) {
+directory::iterator::iterator(iterator const & other) : dir_(other.dir_), search_(std::make_unique<search>()) {
     first(*dir_);
     search_->wide = other.search_->wide;
     search_->narrow = other.search_->narrow;
@@ -193,23 +198,23 @@ void directory::iterator::skip_hidden() {
 
 bool directory::iterator::trivial() const {
     return is_hidden(search_->name, [&](wide_string const & name) {
+        if (platform::open_folder const * const in = name.empty() ? nullptr : folder())
+            return platform::GetFileKindW(*in, system_name(any::string(name))) != platform::INVALID_FILE_ATTRIBUTES;
         any::path path(dir_->path());
         path.add_leaf(any::string(name));
-        platform::open_folder const * const in = name.empty() ? nullptr : folder();
-        return in == nullptr
-                   ? item(path).exists()
-                   : platform::GetFileKindW(*in, system_name(any::string(name))) != platform::INVALID_FILE_ATTRIBUTES;
+        return system_kind(path).exists();
     });
 }
 
 /// The folder, held from now on; null where it cannot be.
 platform::open_folder const * directory::iterator::folder() const {
     platform::open_folder & held = search_->folder;
-    if (held.is_open())
-        return &held;
-    any::path inside(dir_->path());
-    inside.add_leaf(any::string());
-    return held.open_target(inside.size() == 1 ? u"." : system_name(inside)) ? &held : nullptr;
+    if (!held.is_open()) {
+        wide_string path = system_name(dir_->path());
+        path += path.empty() ? u'.' : u'\\';
+        held.open_target(path);
+    }
+    return held.is_open() ? &held : nullptr;
 }
 
 void directory::iterator::close() {

@@ -42,7 +42,9 @@ protected:
 private:
     /// Narrow calls do not find the other names.
     static bool comes_back(wide_string const & name) {
-        return wide_calls || platform::from_ansi(platform::to_ansi(name)) == name;
+        if (wide_calls)
+            return true;
+        return platform::from_ansi(platform::to_ansi(name)) == name;
     }
 
     any::path const & top_;

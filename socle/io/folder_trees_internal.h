@@ -15,11 +15,11 @@ template <typename Exists>
 bool is_hidden(std::u16string_view name, Exists exists) {
     constexpr std::u16string_view rsrc = u".rsrc", info = u".info";
     static_assert(rsrc.size() == info.size());
-    auto const stem = wide_string(name.substr(0, name.size() - std::min(name.size(), info.size())));
+    auto stem = wide_string(name.substr(0, name.size() - std::min(name.size(), info.size())));
     if (name.ends_with(rsrc))
         return exists(stem);
     if (name.ends_with(info))
-        return exists(stem) || exists(stem + wide_string(rsrc));
+        return exists(stem) || exists(stem.append(rsrc));
     return name == u"." || name == u"..";
 }
 

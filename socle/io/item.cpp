@@ -194,7 +194,8 @@ void item::create_temp(io::directory const & folder) {
 void item::create_parents() {
     // From here upward what is missing, then from the top down.
     std::vector<any::path> missing(1, path_.parent());
-    for (any::path above = missing.back().parent(); !above.empty() && !item(above).exists(); above = above.parent())
+    for (any::path above = missing.back().parent(); !above.empty() && !system_kind(above).exists();
+         above = above.parent())
         missing.push_back(above);
     for (; !missing.empty(); missing.pop_back())
         io::directory(missing.back()).create(true);

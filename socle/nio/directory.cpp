@@ -10,6 +10,7 @@
 #include "socle/platform/paths.h"
 
 #include <charconv>
+#include <memory>
 #include <utility>
 #include <vector>
 
@@ -143,11 +144,11 @@ struct directory::iterator::search {
     platform::open_folder folder; // from the first question about an entry on
 };
 
-directory::iterator::iterator() : directory_(u"."), search_(new search) {}
+directory::iterator::iterator() : directory_(u"."), search_(std::make_unique<search>()) {}
 
-directory::iterator::iterator(nio::item const & from) : search_(new search) { _first(from.path()); }
+directory::iterator::iterator(nio::item const & from) : search_(std::make_unique<search>()) { _first(from.path()); }
 
-directory::iterator::iterator(iterator const & other) : search_(new search) {
+directory::iterator::iterator(iterator const & other) : search_(std::make_unique<search>()) {
     _first(other.directory_);
     search_->data = other.search_->data;
     current_ = other.current_;
@@ -190,7 +191,9 @@ bool directory::iterator::is_link() const {
 
 void directory::iterator::load(attributes & into) const {
     platform::open_folder & folder = search_->folder;
-    if (folder.is_open() || folder.open_target(directory_ + u'\\'))
+    if (!folder.is_open())
+        folder.open_target(directory_ + u'\\');
+    if (folder.is_open())
         return into.load_entry(folder, search_->data.cFileName, current_);
     item entry(current_);
     into.load(entry);
@@ -200,8 +203,10 @@ bool directory::iterator::operator==(iterator const & other) const { return sear
 
 void directory::iterator::_first(wide_string const & path) {
     directory_ = path;
-    // An empty path is no directory, where `\*` would search the root.
-    search_->handle.reset(platform::FindFirstFileW(path.empty() ? path : path + u"\\*", search_->data));
+    wide_string pattern = path;
+    if (!path.empty()) // it is no directory, where `\*` would search the root
+        pattern += u"\\*";
+    search_->handle.reset(platform::FindFirstFileW(pattern, search_->data));
     while (search_->handle && _trivial())
         _succ();
     show();
