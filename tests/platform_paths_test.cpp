@@ -15,7 +15,7 @@ namespace fs = std::filesystem;
 class platform_paths : public testing::Test {
 protected:
     ~platform_paths() override {
-        for (char letter : {'N', 'M'})
+        for (char letter : {'N', 'M', 'R'})
             detach_volume(letter);
         fs::current_path("/");
     }
@@ -106,6 +106,13 @@ TEST_F(platform_paths, on_a_volume_get_its_letter_however_they_are_spelled) {
     for (wide_string const path : {u"M:\\.socle_streams2", u"M:\\deep\\.socle_streams"})
         EXPECT_EQ(posix::resolve(path, resolved), 0u);
     EXPECT_EQ(posix::resolve(u"N:\\f:note", resolved), 123u);
+    EXPECT_EQ(posix::resolve(u"N:\\no\\a?", resolved), 123u);
+
+    ASSERT_EQ(attach_volume('R', "/", "FAT"), 0u);
+    EXPECT_EQ(full(scratch_.path("f")), u'R' + scratch_.path("f").substr(1));
+    EXPECT_EQ(full(scratch_.path("vol/sub/f")), u"M:\\f");
+    for (wide_string const root : {u"C:\\", u"R:\\", u"R:\\.", u"N:\\"})
+        EXPECT_EQ(posix::resolve(root, resolved), 0u);
 }
 
 // Beside what is so on every system.

@@ -21,7 +21,7 @@ constexpr uint32 kept_bits =
 
 bool disk_bits(host::at const & file, uint32 & bits) {
     narrow_string value;
-    if (get_attribute(file, ntfs_bits_attribute, true, value) || value.size() != sizeof bits)
+    if (get_attribute(file, ntfs_bits_attribute, value) || value.size() != sizeof bits)
         return false;
     bits = basic::load<uint32>(value.data(), false);
     return true;
@@ -43,11 +43,8 @@ host_error get_record(host::at const & file, uint32 & bits) {
     narrow_string text;
     if (host_error const error = get_record_text(file, record_attribute, text))
         return error;
-    uint32 read = 0;
-    char const * const end = text.data() + text.size();
-    auto const [last, error] = std::from_chars(text.data(), end, read, 16);
-    if (error == std::errc() && last == end)
-        bits = read & kept_bits;
+    read_number(text, 16, bits);
+    bits &= kept_bits;
     return {};
 }
 

@@ -33,7 +33,7 @@ system_code clear_part(resolved_path const & at, narrow_string const & name) {
     if (host::lstat(at.at(name), &status) != 0)
         return last_code_if(errno != ENOENT);
     descriptor_guard const part = open_descriptor(at.at(name), O_RDONLY | O_NOFOLLOW | O_NONBLOCK);
-    if (part.get() >= 0 && host::flock(part.get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK)
+    if (part.get() >= 0 && is_locked_out(part.get(), LOCK_EX))
         return ERROR_SHARING_VIOLATION;
     return code_of(remove_with_streams(at.on->streams.get(), at.at(name), host::unlink));
 }
@@ -88,7 +88,7 @@ system_code copy_attributes(host::at const & from, host::at const & to) {
         narrow_string value;
         if (!name.starts_with("user.") || is_claim(name))
             continue;
-        host_error error = get_attribute(from, name.c_str(), true, value);
+        host_error error = get_attribute(from, name.c_str(), value);
         if (error == ENODATA)
             continue;
         if (!error && (error = set_attribute(to, name.c_str(), value)) == ENOTSUP)
@@ -144,9 +144,9 @@ system_code copy_all(resolved_path const & from, int source, struct stat const &
 bool unchanged(int file, struct stat const & before, host::at const & path) {
     struct stat now {};
     struct stat there {};
-    return host::fstat(file, &now) == 0 && host::lstat(path, &there) == 0 && there.st_dev == before.st_dev
-           && there.st_ino == before.st_ino && now.st_size == before.st_size
-           && now.st_mtim.tv_sec == before.st_mtim.tv_sec && now.st_mtim.tv_nsec == before.st_mtim.tv_nsec;
+    return host::fstat(file, &now) == 0 && host::lstat(path, &there) == 0 && is_same_file(there, before)
+           && now.st_size == before.st_size && now.st_mtim.tv_sec == before.st_mtim.tv_sec
+           && now.st_mtim.tv_nsec == before.st_mtim.tv_nsec;
 }
 
 /// Lets a new name in a folder last.
@@ -183,7 +183,7 @@ system_code move_file(resolved_path const & from, resolved_path const & to) {
     if (source.get() < 0)
         return last_code_at(from);
     // Whoever writes there would write to what is about to go.
-    if (host::flock(source.get(), LOCK_SH | LOCK_NB) != 0 && errno == EWOULDBLOCK)
+    if (is_locked_out(source.get(), LOCK_SH))
         return ERROR_SHARING_VIOLATION;
     struct stat status {};
     if (host::fstat(source.get(), &status) != 0)

@@ -32,7 +32,7 @@ timespec host_time(uint64 units) {
 
 bool disk_time(host::at const & file, uint64 & units) {
     narrow_string value;
-    if (get_attribute(file, ntfs_created_attribute, true, value) || value.size() != sizeof units)
+    if (get_attribute(file, ntfs_created_attribute, value) || value.size() != sizeof units)
         return false;
     std::copy(value.begin(), value.end(), reinterpret_cast<char *>(&units));
     return true;
@@ -43,11 +43,7 @@ system_code get_recorded_time(host::at const & file, uint64 & units) {
     narrow_string text;
     if (host_error const error = get_record_text(file, created_attribute, text))
         return code_of(error);
-    uint64 read = 0;
-    char const * const end = text.data() + text.size();
-    auto const [last, error] = std::from_chars(text.data(), end, read);
-    if (error == std::errc() && last == end)
-        units = read;
+    read_number(text, 10, units);
     return {};
 }
 

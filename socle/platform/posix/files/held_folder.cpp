@@ -29,8 +29,7 @@ system_code listed_folder::open(std::u16string_view path, bool follow_link) {
     if (text.has_stream)
         return ERROR_DIRECTORY;
     // It need not be told from the folder above.
-    narrow_string const host = text.leaf.empty() ? text.folder : text.folder + '/' + text.leaf;
-    file_ = open_descriptor(text.on->at(host), O_RDONLY | O_DIRECTORY | (follow_link ? 0 : O_NOFOLLOW));
+    file_ = open_descriptor(text.on->at(text.path()), O_RDONLY | O_DIRECTORY | (follow_link ? 0 : O_NOFOLLOW));
     if (file_.get() < 0) {
         // What is missing in front of the search's last name is a path.
         host_error const error = host_error::last();
@@ -39,8 +38,9 @@ system_code listed_folder::open(std::u16string_view path, bool follow_link) {
     on_ = text.on->shared_from_this();
     if (system_code const code = any_attached() ? find_volume() : system_code())
         return code;
-    bool const left = on_.get() != text.on && text.on->top.get() >= 0; // by a link, or as its folder has been moved
-    host_error const error = left ? text.on->place().check() : host_error();
+    if (on_.get() == text.on || text.on->top.get() < 0)
+        return {};
+    host_error const error = text.on->place().check(); // it was left by a link, or as its folder has been moved
     return error == ENOENT ? ERROR_PATH_NOT_FOUND : code_of(error);
 }
 

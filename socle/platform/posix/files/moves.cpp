@@ -16,9 +16,9 @@ bool same_entry(resolved_path const & a, resolved_path const & b) {
     auto const leaf = [](resolved_path const & at) { return std::string_view(at.name).substr(at.beside("").size()); };
     struct stat first {};
     struct stat second {};
-    return leaf(a) == leaf(b) && host::stat(a.at(a.beside(".")), &first) == 0
-           && host::stat(b.at(b.beside(".")), &second) == 0 && first.st_dev == second.st_dev
-           && first.st_ino == second.st_ino;
+    if (leaf(a) != leaf(b) || host::stat(a.at(a.beside(".")), &first) != 0)
+        return false;
+    return host::stat(b.at(b.beside(".")), &second) == 0 && is_same_file(first, second);
 }
 
 /// A folder's streams lie within its volume, as far as one rename goes.

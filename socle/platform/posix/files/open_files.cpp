@@ -34,9 +34,7 @@ system_code lock(int file, open_request const & request) {
     bool const excludes_writers = reads(request) && (request.sharing & FILE_SHARE_WRITE) == 0;
     if (!writes(request) && !excludes_writers)
         return {};
-    int const kind = writes(request) ? LOCK_EX : LOCK_SH;
-    // On a host without locks everybody is let in.
-    bool const refused = host::flock(file, kind | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+    bool const refused = is_locked_out(file, writes(request) ? LOCK_EX : LOCK_SH);
     return refused ? ERROR_SHARING_VIOLATION : system_code();
 }
 
@@ -45,7 +43,7 @@ descriptor_guard open_for(resolved_path const & at, open_request const & request
     int const folder = (at.is_folder ? O_DIRECTORY : 0) | (stream != nullptr ? stream->flags() : 0);
     if (times_only(request)) {
         descriptor_guard file = open_above_standard(at.at(), O_PATH | folder);
-        bool const lost = file.get() < 0 && (errno == ENOENT || errno == ELOOP) && !at.is_folder && stream == nullptr;
+        bool const lost = file.get() < 0 && leads_nowhere(host_error::last()) && !at.is_folder && stream == nullptr;
         // A link without a target answers for itself.
         return lost ? open_above_standard(at.at(), O_PATH | O_NOFOLLOW) : std::move(file);
     }
@@ -82,10 +80,10 @@ system_code check_new(resolved_path const & at, open_request const & request) {
         return {};
     struct stat status {};
     bool const there = host::lstat(at.at(), &status) == 0;
-    bool const link = there && S_ISLNK(status.st_mode);
-    if (at.is_folder && !(there && (link || S_ISDIR(status.st_mode))))
+    bool const link = S_ISLNK(status.st_mode);
+    if (at.is_folder && !link && !S_ISDIR(status.st_mode))
         return ERROR_PATH_NOT_FOUND;
-    if (there && (link || request.disposition == CREATE_NEW))
+    if (link || (there && request.disposition == CREATE_NEW))
         return ERROR_FILE_EXISTS;
     return there || at.safe ? system_code() : ERROR_INVALID_NAME;
 }
@@ -102,7 +100,7 @@ system_code open_file(resolved_path const & at, open_request const & request, de
                 return admit(file.get(), at, request, stream);
             if (stream != nullptr && errno == ELOOP)
                 return ERROR_ACCESS_DENIED; // what somebody has put there leads nowhere
-            if (request.disposition == OPEN_EXISTING || (errno != ENOENT && errno != ELOOP))
+            if (request.disposition == OPEN_EXISTING || !leads_nowhere(host_error::last()))
                 return last_code_at(at);
         }
         if (system_code const code = check_new(at, request))

@@ -5,7 +5,14 @@ namespace platform::posix {
 namespace {
 
 bool cannot_promise(host_error error) {
-    return error == EINVAL || error == ENOSYS || error == ENOTSUP || error == EPERM || error == EMLINK;
+    switch (error.value()) {
+    case EINVAL:
+    case ENOSYS:
+    case ENOTSUP:
+    case EPERM:
+    case EMLINK: return true;
+    default: return false;
+    }
 }
 
 } // namespace

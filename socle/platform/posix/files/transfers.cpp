@@ -18,12 +18,8 @@ system_code transfer_code(int file, host_error error) {
     return wrong_access || error == EISDIR ? ERROR_ACCESS_DENIED : code_of(error);
 }
 
-/// Whether a failed transfer is to be tried again. One that would wait on a descriptor that does not is waited for.
-bool again(int file, short events) {
-    if (errno == EINTR)
-        return true;
-    return (errno == EAGAIN || errno == EWOULDBLOCK) && (host::wait_for(file, events) >= 0 || errno == EINTR);
-}
+/// Whether a failed transfer is to be tried again: one that would wait on a descriptor that does not is waited for.
+bool again(int file, short events) { return errno == EAGAIN && host::wait_for(file, events) >= 0; }
 
 system_code read_file(int file, char * buffer, uint32 size, uint32 & done) {
     done = 0;

@@ -2,6 +2,7 @@
 
 #include <climits>
 #include <string>
+#include <sys/file.h>
 
 namespace platform::posix {
 
@@ -12,8 +13,14 @@ host_error held_place::check() const {
     struct stat there {};
     if (host::fstat(folder, &held) != 0 || host::lstat(path, &there) != 0)
         return host_error::last();
-    return host_error(held.st_dev == there.st_dev && held.st_ino == there.st_ino ? 0 : ENOENT);
+    return host_error(is_same_file(held, there) ? 0 : ENOENT);
 }
+
+bool is_same_file(struct stat const & one, struct stat const & other) {
+    return one.st_dev == other.st_dev && one.st_ino == other.st_ino;
+}
+
+bool is_locked_out(int file, int kind) { return host::flock(file, kind | LOCK_NB) != 0 && errno == EWOULDBLOCK; }
 
 host_error path_of(int file, narrow_string & path) {
     char text[PATH_MAX];
@@ -24,9 +31,14 @@ host_error path_of(int file, narrow_string & path) {
     return {};
 }
 
+host_error open_place(host::at const & file, int flags, descriptor_guard & opened, narrow_string & path) {
+    opened = open_descriptor(file, O_PATH | flags);
+    return opened.get() < 0 ? host_error::last() : path_of(opened.get(), path);
+}
+
 host_error real_path(host::at const & file, narrow_string & path) {
-    descriptor_guard const opened = open_descriptor(file, O_PATH);
-    host_error const error = opened.get() < 0 ? host_error::last() : path_of(opened.get(), path);
+    descriptor_guard opened;
+    host_error const error = open_place(file, 0, opened, path);
     return host_error::last_if(error && host::realpath(file, path) != 0);
 }
 

@@ -46,8 +46,16 @@ struct held_place {
     host_error check() const;
 };
 
+bool is_same_file(struct stat const & one, struct stat const & other);
+
+/// Whether somebody else's lock refuses one of this `kind`, LOCK_SH or LOCK_EX. A host without locks refuses nobody.
+bool is_locked_out(int file, int kind);
+
 /// Where an open file lies now, as the host tells it: absolute and free of links.
 host_error path_of(int file, narrow_string & path);
+
+/// Opens a file with O_PATH and `flags` beside, and tells where it lies.
+host_error open_place(host::at const & file, int flags, descriptor_guard & opened, narrow_string & path);
 
 /// The path of a file without the links in it.
 host_error real_path(host::at const & file, narrow_string & path);

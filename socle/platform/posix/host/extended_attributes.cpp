@@ -2,10 +2,9 @@
 
 namespace platform::posix {
 
-host_error get_attribute(host::at const & file, char const * name, bool follow_link, narrow_string & value) {
-    auto const get = follow_link ? host::getxattr : host::lgetxattr;
+host_error get_attribute(host::at const & file, char const * name, narrow_string & value) {
     char block[256];
-    ssize_t size = get(file, name, block, sizeof block);
+    ssize_t size = host::getxattr(file, name, block, sizeof block);
     if (size >= 0) {
         value.assign(block, static_cast<std::size_t>(size));
         return {};
@@ -13,10 +12,10 @@ host_error get_attribute(host::at const & file, char const * name, bool follow_l
     value.clear();
     // It may grow between two calls.
     while (size < 0 && errno == ERANGE) {
-        if (size = get(file, name, nullptr, 0); size < 0)
+        if (size = host::getxattr(file, name, nullptr, 0); size < 0)
             break;
         value.resize(static_cast<std::size_t>(size) + 1);
-        size = get(file, name, value.data(), value.size());
+        size = host::getxattr(file, name, value.data(), value.size());
     }
     host_error const error = host_error::last_if(size < 0);
     value.resize(error ? 0 : static_cast<std::size_t>(size));
@@ -24,7 +23,7 @@ host_error get_attribute(host::at const & file, char const * name, bool follow_l
 }
 
 host_error get_record_text(host::at const & file, char const * name, narrow_string & text) {
-    host_error const error = get_attribute(file, name, true, text);
+    host_error const error = get_attribute(file, name, text);
     return error == ENODATA || error == ENOTSUP || error == EACCES ? host_error() : error;
 }
 

@@ -3,6 +3,7 @@
 #include "socle/platform/posix/host/host_calls.h"
 #include "socle/platform/posix/host/host_error.h"
 
+#include <charconv>
 #include <string_view>
 #include <vector>
 
@@ -14,10 +15,10 @@ constexpr char const * ntfs_bits_attribute = "system.ntfs_attrib";
 constexpr char const * ntfs_created_attribute = "system.ntfs_crtime";
 constexpr char const * ntfs_streams_attribute = "ntfs.streams.list";
 
-/// The value of an extended attribute; empty on failure, which is ENODATA if there is none.
-host_error get_attribute(host::at const & file, char const * name, bool follow_link, narrow_string & value);
+/// The value of an extended attribute; links are followed. Empty on failure, which is ENODATA if there is none.
+host_error get_attribute(host::at const & file, char const * name, narrow_string & value);
 
-/// The same of what the library keeps beside a file; links are followed. Empty as well where the host keeps none, or
+/// The same of what the library keeps beside a file. Empty as well where the host keeps none, or
 /// shows none to this user.
 host_error get_record_text(host::at const & file, char const * name, narrow_string & text);
 
@@ -34,6 +35,18 @@ private:
     std::size_t size_ = 0; // of the names, with a zero byte behind each
     bool all_ = false;     // as the names are too many to tell
 };
+
+/// Reads the number that such a text is, all of it. False, and `number` left alone, where it is none.
+template <typename Number>
+bool read_number(std::string_view text, int base, Number & number) {
+    Number read = 0;
+    char const * const end = text.data() + text.size();
+    auto const [last, error] = std::from_chars(text.data(), end, read, base);
+    bool const whole = error == std::errc() && last == end;
+    if (whole)
+        number = read;
+    return whole;
+}
 
 /// What the mode of a file has beside the owner's write bit while that is lifted: bits without a meaning of their own.
 /// Where a process has ended then, the file is known for one that may not be written.

@@ -63,18 +63,16 @@ bool has_attribute_calls(at const & file) {
     return !file.is_path() && !file.is_descriptor() && has;
 }
 
-ssize_t attribute_of(at const & file, char const * name, void * value, std::size_t size, bool follow_link) {
+ssize_t attribute_of(at const & file, char const * name, void * value, std::size_t size) {
     if (has_attribute_calls(file)) {
         struct {
             alignas(8) uint64 value;
             uint32 size;
             uint32 flags;
         } arguments{reinterpret_cast<std::uintptr_t>(value), static_cast<uint32>(size), 0};
-        unsigned const flags = follow_link ? 0 : AT_SYMLINK_NOFOLLOW;
-        return ::syscall(call_number(464), file.folder(), file.name(), flags, name, &arguments, sizeof arguments);
+        return ::syscall(call_number(464), file.folder(), file.name(), 0, name, &arguments, sizeof arguments);
     }
-    linked const path(file, false);
-    return (follow_link ? ::getxattr : ::lgetxattr)(path.name(), name, value, size);
+    return ::getxattr(linked(file, false).name(), name, value, size);
 }
 
 bool fails(char const * call) { return asked(call) > 0; }
@@ -98,6 +96,29 @@ ssize_t transferred(char const * name, std::size_t size, Call call) {
         if (result != -1 || errno != EINTR)
             return result;
     }
+}
+
+ssize_t write_without_signal(int file, void const * buffer, std::size_t size) {
+    ssize_t const sent = ::send(file, buffer, size, MSG_NOSIGNAL);
+    if (sent >= 0 || errno != ENOTSOCK)
+        return sent;
+    // The signal goes to this thread: it is held back while the call runs, and taken away unless it was there before.
+    sigset_t pipe_signal;
+    sigset_t before;
+    sigset_t pending;
+    sigemptyset(&pipe_signal);
+    sigaddset(&pipe_signal, SIGPIPE);
+    pthread_sigmask(SIG_BLOCK, &pipe_signal, &before);
+    sigpending(&pending);
+    ssize_t const written = ::write(file, buffer, size);
+    int const error = errno;
+    if (written < 0 && error == EPIPE && sigismember(&pending, SIGPIPE) == 0) {
+        timespec const at_once{};
+        sigtimedwait(&pipe_signal, nullptr, &at_once);
+    }
+    pthread_sigmask(SIG_SETMASK, &before, nullptr);
+    errno = error;
+    return written;
 }
 
 } // namespace
@@ -135,34 +156,13 @@ ssize_t write(int file, void const * buffer, std::size_t size) {
 }
 
 ssize_t write_quietly(int file, void const * buffer, std::size_t size) {
-    if (fails("write_quietly"))
-        return -1;
-    ssize_t const sent = ::send(file, buffer, size, MSG_NOSIGNAL);
-    if (sent >= 0 || errno != ENOTSOCK)
-        return sent;
-    // The signal goes to this thread: it is held back while the call runs, and taken away unless it was there before.
-    sigset_t pipe_signal;
-    sigset_t before;
-    sigset_t pending;
-    sigemptyset(&pipe_signal);
-    sigaddset(&pipe_signal, SIGPIPE);
-    pthread_sigmask(SIG_BLOCK, &pipe_signal, &before);
-    sigpending(&pending);
-    ssize_t const written = ::write(file, buffer, size);
-    int const error = errno;
-    if (written < 0 && error == EPIPE && sigismember(&pending, SIGPIPE) == 0) {
-        timespec const at_once{};
-        while (sigtimedwait(&pipe_signal, nullptr, &at_once) < 0 && errno == EINTR) {
-        }
-    }
-    pthread_sigmask(SIG_SETMASK, &before, nullptr);
-    errno = error;
-    return written;
+    return transferred("write_quietly", size,
+                       [&](std::size_t count) { return write_without_signal(file, buffer, count); });
 }
 
 int wait_for(int file, short events) {
     pollfd waited{file, events, 0};
-    return fails("wait_for") ? -1 : ::poll(&waited, 1, -1);
+    return retried("wait_for", [&] { return ::poll(&waited, 1, -1); });
 }
 
 off_t lseek(int file, off_t distance, int method) { return fails("lseek") ? -1 : ::lseek(file, distance, method); }
@@ -261,11 +261,7 @@ ssize_t getdents(int folder, void * buffer, std::size_t size) {
 }
 
 ssize_t getxattr(at const & file, char const * name, void * value, std::size_t size) {
-    return fails("getxattr") ? -1 : attribute_of(file, name, value, size, true);
-}
-
-ssize_t lgetxattr(at const & file, char const * name, void * value, std::size_t size) {
-    return fails("lgetxattr") ? -1 : attribute_of(file, name, value, size, false);
+    return fails("getxattr") ? -1 : attribute_of(file, name, value, size);
 }
 
 int setxattr(at const & file, char const * name, void const * value, std::size_t size, int flags) {

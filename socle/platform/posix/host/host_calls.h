@@ -11,7 +11,8 @@
 #include <unistd.h>
 
 /// Every call that this folder makes to the host's files: the same names, results and `errno` as the host's own. So a
-/// test can let any of them fail. Opening, reading, writing, locking, truncating and syncing go on after a signal.
+/// test can let any of them fail. Opening, reading, writing, waiting, locking, truncating and syncing go on after a
+/// signal.
 namespace platform::posix::host {
 
 /// Asked before each call, with its name; what it returns but 0 is the `errno` with which the call fails instead.
@@ -87,7 +88,6 @@ char * getcwd(char * buffer, std::size_t size);
 ssize_t getdents(int folder, void * buffer, std::size_t size);
 
 ssize_t getxattr(at const & file, char const * name, void * value, std::size_t size);
-ssize_t lgetxattr(at const & file, char const * name, void * value, std::size_t size);
 /// With XATTR_CREATE in `flags` only an attribute that is not there yet.
 int setxattr(at const & file, char const * name, void const * value, std::size_t size, int flags);
 int removexattr(at const & file, char const * name);

@@ -2,6 +2,17 @@
 
 namespace platform::posix {
 
+bool is_about_path(host_error error) {
+    switch (error.value()) {
+    case ENOENT:
+    case ENOTDIR:
+    case ELOOP:
+    case EACCES:
+    case ENAMETOOLONG: return true;
+    default: return false;
+    }
+}
+
 system_code code_of(host_error error) {
     switch (error.value()) {
     case 0: return {};

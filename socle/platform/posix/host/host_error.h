@@ -26,6 +26,20 @@ private:
     int error_ = 0;
 };
 
+/// Throws a failure.
+inline void require(host_error error) {
+    if (error)
+        throw error;
+}
+/// Throws why the call before failed, unless it worked.
+inline void require(bool worked) { require(host_error::last_if(!worked)); }
+
+/// Whether a path leads to nothing, or into a loop of links.
+constexpr bool leads_nowhere(host_error error) { return error == ENOENT || error == ELOOP; }
+
+/// Whether an error says something of the path, and not of what the process has left.
+bool is_about_path(host_error error);
+
 /// The one way from the host's errors to the system's codes.
 system_code code_of(host_error error);
 

@@ -21,15 +21,15 @@ namespace {
 
 thread_local held_paths::folders * held = nullptr;
 
-/// Whether an error says something of the path, and not of what the process has left.
-bool is_about_path(host_error error) {
-    return error == ENOENT || error == ENOTDIR || error == ELOOP || error == EACCES || error == ENAMETOOLONG;
+bool is_folder(host::at const & path) {
+    struct stat status {};
+    return host::stat(path, &status) == 0 && S_ISDIR(status.st_mode);
 }
 
 /// Goes on from the folder to the name that was resolved so far.
 system_code go_on_from(host_text const & text, resolved_path & resolved) {
     if (host_error const error = find_folder(*text.on, text.folder, resolved.found))
-        return error == ENOENT || error == ELOOP ? ERROR_PATH_NOT_FOUND : code_of(error);
+        return leads_nowhere(error) ? ERROR_PATH_NOT_FOUND : code_of(error);
     bool const open = resolved.found->file.get() >= 0;
     resolved.folder = open ? resolved.found->file.get() : AT_FDCWD;
     resolved.real = resolved.found->real + '/' + resolved.name;
@@ -57,7 +57,7 @@ system_code place(host_text const & text, resolved_path & resolved) {
         return error == ENOENT ? ERROR_PATH_NOT_FOUND : code_of(error);
     }
     if (!attached) {
-        resolved.name = text.folder + '/' + text.leaf;
+        resolved.name = text.path();
         return {};
     }
     resolved.name = text.leaf;
@@ -65,15 +65,13 @@ system_code place(host_text const & text, resolved_path & resolved) {
     if (code == ERROR_PATH_NOT_FOUND && !text.safe)
         return ERROR_INVALID_NAME;
     // The place of the streams is hidden before it is there as well.
-    return code && text.on->hides_path(text.folder + '/' + text.leaf) ? ERROR_ACCESS_DENIED : code;
+    return code && text.on->hides_path(text.path()) ? ERROR_ACCESS_DENIED : code;
 }
 
 /// Goes on to the file itself, if it is there, through a name that may be a link: the file's volume keeps the streams.
 system_code go_on_to_file(resolved_path & resolved) {
     auto file = std::make_shared<found_folder>();
-    file->file = open_descriptor(resolved.at(), O_PATH);
-    host_error const error = file->file.get() < 0 ? host_error::last() : path_of(file->file.get(), file->real);
-    if (error)
+    if (host_error const error = open_place(resolved.at(), 0, file->file, file->real))
         return is_about_path(error) ? system_code() : code_of(error);
     resolved.folder = file->file.get();
     resolved.name.clear();
@@ -95,8 +93,7 @@ host_error find_folder(volume const & on, narrow_string const & folder, std::sha
     host::at const path = on.at(folder);
     auto opened = std::make_shared<found_folder>();
     opened->spelled = folder;
-    opened->file = open_descriptor(path, O_PATH | O_DIRECTORY);
-    host_error error = opened->file.get() < 0 ? host_error::last() : path_of(opened->file.get(), opened->real);
+    host_error error = open_place(path, O_DIRECTORY, opened->file, opened->real);
     if (error && !is_about_path(error)) {
         // A file is there even if the process has no descriptor left to ask where.
         error = host_error::last_if(host::realpath(path, opened->real) != 0);
@@ -146,9 +143,9 @@ system_code to_host_text(path_text const & path, host_text & text) {
     text.stream = text.has_stream ? last.substr(colon + 1) : std::u16string_view();
     std::u16string_view const leaf = last.substr(0, colon);
     // A volume's own folder may have streams as well.
-    if (leaf.empty() ? path.names.size() > 1 || !text.has_stream : !convert(leaf))
+    if (leaf.empty() ? path.names.size() > 1 : !convert(leaf))
         return ERROR_INVALID_NAME;
-    text.leaf = leaf.empty() ? narrow_string() : host;
+    text.leaf = host;
     text.safe = is_safe_name(leaf);
     return {};
 }
@@ -195,16 +192,13 @@ system_code to_stream(std::u16string_view stream, resolved_path & resolved) {
 }
 
 system_code code_at(resolved_path const & at, host_error error) {
-    if (error != ENOENT && error != ELOOP)
+    if (!leads_nowhere(error))
         return code_of(error);
     if (!at.safe) // nothing can be made under it
         return ERROR_INVALID_NAME;
     if (at.folder != AT_FDCWD || at.name == "/")
         return ERROR_FILE_NOT_FOUND;
-    narrow_string const parent = at.beside(".");
-    struct stat status {};
-    bool const there = host::stat(at.at(parent), &status) == 0 && S_ISDIR(status.st_mode);
-    return there ? ERROR_FILE_NOT_FOUND : ERROR_PATH_NOT_FOUND;
+    return is_folder(at.at(at.beside("."))) ? ERROR_FILE_NOT_FOUND : ERROR_PATH_NOT_FOUND;
 }
 
 } // namespace posix
@@ -223,14 +217,14 @@ held_paths::~held_paths() {
 
 bool IsParentThere(wide_string const & path) {
     posix::host_text text;
-    if (path.empty() || std::u16string_view(u"\\/.").find(path.back()) != std::u16string_view::npos
-        || !posix::report(posix::to_host_text(path, text)))
+    if (path.empty() || std::u16string_view(u"\\/.").find(path.back()) != std::u16string_view::npos)
+        return false;
+    if (!posix::report(posix::to_host_text(path, text)))
         return false;
     std::shared_ptr<posix::found_folder const> found;
     if (posix::any_attached())
         return !posix::find_folder(*text.on, text.folder, found);
-    struct stat status {};
-    return posix::host::stat(text.folder.empty() ? "/" : text.folder, &status) == 0 && S_ISDIR(status.st_mode);
+    return posix::is_folder(text.folder.empty() ? "/" : text.folder.c_str());
 }
 
 } // namespace platform

@@ -54,6 +54,13 @@ struct host_text {
     bool has_stream = false;
     wide_string stream;
     bool safe = true;
+
+    narrow_string path() const {
+        narrow_string whole = folder;
+        if (!leaf.empty())
+            whole.append("/").append(leaf);
+        return whole;
+    }
 };
 
 system_code to_host_text(path_text const & path, host_text & text);

@@ -42,10 +42,11 @@ system_code attach(char letter, narrow_string const & folder, narrow_string cons
     if (volume_of_letter(static_cast<unsigned char>(letter)) != nullptr)
         return ERROR_ALREADY_EXISTS;
     auto const added = std::make_shared<volume>(capital);
-    descriptor_guard const opened =
-        folder.find('\0') == narrow_string::npos ? open_descriptor(folder, O_PATH | O_DIRECTORY) : descriptor_guard();
-    if (opened.get() < 0 || path_of(opened.get(), added->folder))
+    if (folder.find('\0') != narrow_string::npos)
         return ERROR_PATH_NOT_FOUND;
+    descriptor_guard opened;
+    if (host_error const error = open_place(folder, O_DIRECTORY, opened, added->folder))
+        return is_about_path(error) ? ERROR_PATH_NOT_FOUND : code_of(error);
     if (added->folder == "/")
         added->folder.clear();
     // The standard streams keep their numbers.
@@ -57,7 +58,7 @@ system_code attach(char letter, narrow_string const & folder, narrow_string cons
         if (system_code const code = make_named_streams(added->place(), added->streams))
             return code;
         narrow_string value;
-        added->ntfs_disk = !get_attribute(host::at(added->top.get()), ntfs_bits_attribute, true, value);
+        added->ntfs_disk = !get_attribute(host::at(added->top.get()), ntfs_bits_attribute, value);
     }
     table().push_back(added);
     return {};
@@ -90,7 +91,7 @@ bool any_attached() { return table().size() > 1; }
 
 bool any_below(std::string_view host) {
     return std::any_of(table().begin(), table().end(),
-                       [&](auto const & v) { return v->folder.size() > host.size() && is_inside(v->folder, host); });
+                       [&](auto const & v) { return v->folder != host && is_inside(v->folder, host); });
 }
 
 } // namespace platform::posix

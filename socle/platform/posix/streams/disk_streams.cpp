@@ -11,8 +11,7 @@ namespace platform::posix {
 bool disk_streams::found_at(held_place const & volume) {
     narrow_string value;
     host::at const top(volume.folder);
-    return !get_attribute(top, ntfs_bits_attribute, true, value)
-           && !get_attribute(top, ntfs_streams_attribute, true, value);
+    return !get_attribute(top, ntfs_bits_attribute, value) && !get_attribute(top, ntfs_streams_attribute, value);
 }
 
 system_code disk_streams::locate(host::at const & file, wide_string const & name, purpose, stream_place & place) const {
@@ -20,9 +19,9 @@ system_code disk_streams::locate(host::at const & file, wide_string const & name
     if (!to_host_name(name, leaf))
         return ERROR_INVALID_NAME;
     // The driver would take a link itself for the file, and make a file that is missing.
-    descriptor_guard opened = open_descriptor(file, O_PATH);
+    descriptor_guard opened;
     narrow_string path;
-    if (host_error const error = opened.get() < 0 ? host_error::last() : path_of(opened.get(), path))
+    if (host_error const error = open_place(file, 0, opened, path))
         return code_of(error);
     if (path == volume_ || path == "/") {
         // Behind the mount point's own name, the colon would be part of a name in the folder above it.
@@ -38,7 +37,7 @@ system_code disk_streams::locate(host::at const & file, wide_string const & name
     struct stat there {};
     if (place.folder.get() < 0 || host::fstat(opened.get(), &wanted) != 0 || host::lstat(place.at(), &there) != 0)
         return last_code();
-    if (wanted.st_dev != there.st_dev || wanted.st_ino != there.st_ino)
+    if (!is_same_file(wanted, there))
         return ERROR_PATH_NOT_FOUND;
     place.name += ':' + leaf;
     return {};
@@ -47,7 +46,7 @@ system_code disk_streams::locate(host::at const & file, wide_string const & name
 system_code disk_streams::list(host::at const & file, std::vector<wide_string> & names) const {
     names.clear();
     narrow_string text;
-    if (host_error const error = get_attribute(file, ntfs_streams_attribute, true, text))
+    if (host_error const error = get_attribute(file, ntfs_streams_attribute, text))
         return code_of(error);
     for (std::size_t at = 0; at < text.size();) {
         std::size_t const end = std::min(text.find('\0', at), text.size());

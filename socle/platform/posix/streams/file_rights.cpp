@@ -43,8 +43,8 @@ void let_follow(int file, file_rights const & rights, struct stat & now) {
         return;
     if (host::chmod(at, mode) == 0)
         now.st_mode = (now.st_mode & S_IFMT) | mode;
-    else if (errno != EROFS)
-        throw host_error::last();
+    else
+        require(errno == EROFS);
 }
 
 } // namespace platform::posix

@@ -17,7 +17,7 @@ namespace {
 /// Why files at `volume` can have no user attributes.
 host_error keeps_no_attributes(held_place const & volume) {
     narrow_string value;
-    host_error const error = get_attribute(host::at(volume.folder), note_attribute, true, value);
+    host_error const error = get_attribute(host::at(volume.folder), note_attribute, value);
     return error == ENODATA ? host_error() : error;
 }
 
@@ -44,15 +44,12 @@ private:
     descriptor_guard file_;
 };
 
-/// What `errno` tells of opening a stream: a link in its place leads nowhere.
-host_error opening_error() { return host_error(errno == ELOOP ? EACCES : errno); }
-
 /// Copies one stream; the source stays locked while `in` lives.
 system_code copy_stream(named_streams const & from, host::at const & file, named_streams const & to,
                         host::at const & copy, wide_string const & name, descriptor_guard & in) {
     if (system_code const code = open_stream(from, file, name, O_RDONLY, in))
         return code;
-    if (host::flock(in.get(), LOCK_SH | LOCK_NB) != 0 && errno == EWOULDBLOCK)
+    if (is_locked_out(in.get(), LOCK_SH))
         return ERROR_SHARING_VIOLATION;
     descriptor_guard out;
     system_code const code = open_stream(to, copy, name, O_WRONLY, out);
@@ -67,8 +64,7 @@ system_code stream_place::admit(int stream) const {
     struct stat status {};
     if (host::fstat(stream, &status) != 0)
         return last_code();
-    mode_t const lent = borrowed && status.st_uid != rights->owner ? S_IROTH : 0;
-    if (!is_stream(status, owner, *rights) || (status.st_mode & lent) != lent)
+    if (!is_stream(status, owner, *rights, borrowed))
         return ERROR_ACCESS_DENIED;
     try {
         if (!borrowed)
@@ -118,11 +114,10 @@ system_code open_stream(named_streams const & streams, host::at const & file, wi
     if (stream.get() < 0 && errno == ENOENT && writes)
         stream = open_descriptor(place.at(), access | place.flags() | O_CREAT | O_EXCL, new_stream_mode);
     if (stream.get() < 0)
-        return errno == EEXIST ? ERROR_SHARING_VIOLATION : code_of(opening_error());
+        return errno == EEXIST ? ERROR_SHARING_VIOLATION : last_code();
     if (system_code const code = place.admit(stream.get()))
         return code;
-    bool const busy = writes && host::flock(stream.get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
-    return busy ? ERROR_SHARING_VIOLATION : system_code();
+    return writes && is_locked_out(stream.get(), LOCK_EX) ? ERROR_SHARING_VIOLATION : system_code();
 }
 
 host_error remove_belongings(named_streams::belongings const & gone) {
@@ -143,10 +138,10 @@ host_error remove_with_streams(named_streams const * streams, host::at const & f
 system_code copy_streams(named_streams const & from, host::at const & file, named_streams const & to,
                          host::at const & copy, std::vector<descriptor_guard> & held) {
     std::vector<wide_string> names;
-    if (system_code const code = from.list(file, names))
+    if (system_code const code = from.list(file, names); code || names.empty())
         return code;
     descriptor_guard all;
-    if (system_code const code = names.empty() ? system_code() : from.hold(file, all))
+    if (system_code const code = from.hold(file, all))
         return code;
     bool const one_by_one = all.get() < 0;
     held.push_back(std::move(all));

@@ -18,15 +18,13 @@ bool is_id(std::string_view name) {
 
 ids folders_in(stream_store const & store) {
     descriptor_guard const folder = open_descriptor({store.descriptor(), "."}, O_RDONLY | O_DIRECTORY | O_NOFOLLOW);
-    if (folder.get() < 0)
-        throw host_error::last();
+    require(folder.get() >= 0);
     ids found;
     folder_reader entries(folder.get());
     while (dirent64 const * const entry = entries.next())
         if (is_id(entry->d_name))
             found.insert(entry->d_name);
-    if (entries.error())
-        throw entries.error();
+    require(entries.error());
     return found;
 }
 
@@ -43,11 +41,9 @@ void drop_claimed_below(descriptor_guard && top, ids & left) {
         narrow_string const path = paths.back();
         paths.pop_back();
         descriptor_guard const folder = open_descriptor({top.get(), path.c_str()}, O_RDONLY | O_DIRECTORY | O_NOFOLLOW);
-        if (folder.get() < 0) {
-            if (errno == ENOENT)
-                continue;
-            throw host_error::last();
-        }
+        if (folder.get() < 0 && errno == ENOENT)
+            continue;
+        require(folder.get() >= 0);
         drop_claimed(host::at(folder.get()), left);
         folder_reader entries(folder.get());
         while (dirent64 const * const entry = entries.next()) {
@@ -61,8 +57,7 @@ void drop_claimed_below(descriptor_guard && top, ids & left) {
             else if (S_ISREG(status.st_mode))
                 drop_claimed(at, left);
         }
-        if (entries.error())
-            throw entries.error();
+        require(entries.error());
     }
 }
 
@@ -72,9 +67,8 @@ void remove_left(stream_store const & store, narrow_string const & id) {
         open_descriptor({store.descriptor(), id.c_str()}, O_RDONLY | O_DIRECTORY | O_NOFOLLOW);
     if (folder.get() < 0 && errno == ENOENT)
         return;
-    if (folder.get() < 0)
-        throw host_error::last();
-    if (host::flock(folder.get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK)
+    require(folder.get() >= 0);
+    if (is_locked_out(folder.get(), LOCK_EX))
         return;
     ids left = {id};
     try {
@@ -84,10 +78,8 @@ void remove_left(stream_store const & store, narrow_string const & id) {
         if (error != ENOENT && error != ENOTDIR)
             throw;
     }
-    if (left.empty())
-        return;
-    if (host_error const error = remove_streams(store.descriptor(), id, folder.get()))
-        throw error;
+    if (!left.empty())
+        require(remove_streams(store.descriptor(), id, folder.get()));
 }
 
 } // namespace

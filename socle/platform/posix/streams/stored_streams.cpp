@@ -25,15 +25,13 @@ system_code told(Step step) {
     }
 }
 
-/// The folder that a file claims.
-streams_folder look(held_place const & volume, host::at const & file) {
-    streams_folder found = find_streams(volume, file, claimant_at(file));
+/// The folder that a file claims; none if it claims none.
+streams_folder look(held_place const & volume, host::at const & file, claimant const & owner) {
+    streams_folder found = find_streams(volume, file, owner);
     if (!found.is_open() && found.lost)
         throw host_error(EUCLEAN);
     return found;
 }
-
-bool lock(int file, int kind) { return host::flock(file, kind | LOCK_NB) == 0 || errno != EWOULDBLOCK; }
 
 /// Whether the file's streams have to be made anew, in a folder of this user's own: copies before they are changed, by
 /// the file's owner those that another user has made, and by others what does not let them in as the file does.
@@ -69,8 +67,7 @@ streams_folder settle(held_place const & volume, host::at const & file, claimant
     }
     if (must_be_own(found, owner.rights, stored, wanted)) {
         try {
-            if (geteuid() != owner.rights.owner && host::access(file, W_OK) != 0)
-                throw host_error::last();
+            require(geteuid() == owner.rights.owner || host::access(file, W_OK) == 0);
             make_streams(volume, file, owner, found);
             again = true;
             return found;
@@ -82,8 +79,7 @@ streams_folder settle(held_place const & volume, host::at const & file, claimant
     let_all_follow(found, owner.rights);
     if (!changes)
         return found;
-    if (!lock(found.folder.get(), LOCK_SH))
-        throw host_error(EWOULDBLOCK);
+    lock(found.folder.get(), LOCK_SH);
     claimant const now = claimant_at(file);
     again = !now.has_own() || now.claims.front().id != found.claim.id;
     if (!again && found.serves())
@@ -96,8 +92,7 @@ void enter(streams_folder & found, narrow_string const & stored, file_rights con
            stream_place & place) {
     uid_t const owner = found.status.st_uid;
     descriptor_guard folder(host::duplicate(found.folder.get(), 0));
-    if (folder.get() < 0)
-        throw host_error::last();
+    require(folder.get() >= 0);
     std::size_t at = 0;
     for (std::size_t end = stored.find('/'); end != narrow_string::npos; end = stored.find('/', at)) {
         narrow_string const inner = stored.substr(at, end - at);
@@ -134,8 +129,7 @@ void list_folder(int folder, narrow_string const & begun, std::vector<wide_strin
         else if (errno != ENOENT && errno != ENOTDIR && errno != ELOOP)
             throw host_error::last();
     }
-    if (entries.error())
-        throw entries.error();
+    require(entries.error());
 }
 
 } // namespace
@@ -160,9 +154,7 @@ system_code stored_streams::list(host::at const & file, std::vector<wide_string>
     names.clear();
     return told([&] {
         claimant const owner = claimant_at(file);
-        streams_folder found = find_streams(volume_, file, owner);
-        if (!found.is_open() && found.lost)
-            throw host_error(EUCLEAN);
+        streams_folder found = look(volume_, file, owner);
         if (!found.is_open())
             return;
         let_all_follow(found, owner.rights);
@@ -173,9 +165,9 @@ system_code stored_streams::list(host::at const & file, std::vector<wide_string>
 
 system_code stored_streams::hold(host::at const & file, descriptor_guard & held) const {
     return told([&] {
-        streams_folder found = look(volume_, file);
-        if (found.is_open() && !lock(found.folder.get(), LOCK_EX))
-            throw host_error(EWOULDBLOCK);
+        streams_folder found = look(volume_, file, claimant_at(file));
+        if (found.is_open())
+            lock(found.folder.get(), LOCK_EX);
         held = std::move(found.folder);
     });
 }
@@ -202,16 +194,14 @@ system_code stored_streams::find_belongings(host::at const & file, belongings & 
         struct stat status {};
         if (owner.claims.empty())
             return;
-        if (host::lstat(file, &status) != 0)
-            throw host_error::last();
+        require(host::lstat(file, &status) == 0);
         if (S_ISLNK(status.st_mode))
             return; // to what has streams
         streams_folder streams = find_streams(volume_, file, owner);
         if (!streams.is_open() || streams.borrowed)
             return;
         found.around = descriptor_guard(host::duplicate(streams.store.descriptor(), 0));
-        if (found.around.get() < 0)
-            throw host_error::last();
+        require(found.around.get() >= 0);
         found.folder = std::move(streams.folder);
         found.name = streams.claim.id;
     });

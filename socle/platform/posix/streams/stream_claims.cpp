@@ -19,14 +19,19 @@ narrow_string attribute_of(stream_claim const & claim) { return narrow_string(cl
 bool read_claim(std::string_view text, stream_claim & claim) {
     constexpr std::size_t id_length = 2 * stream_id_bytes;
     std::size_t const last = text.rfind(' ');
-    if (text.find(' ') != id_length || last == id_length || last == std::string_view::npos
-        || text.find_first_not_of("0123456789abcdef") != id_length)
+    if (text.find(' ') != id_length || last == id_length || text.find_first_not_of("0123456789abcdef") != id_length)
         return false;
     claim.id = text.substr(0, id_length);
     claim.store = text.substr(id_length + 1, last - id_length - 1);
-    char const * const end = text.data() + text.size();
-    auto const [at, error] = std::from_chars(text.data() + last + 1, end, claim.maker);
-    return error == std::errc() && at == end;
+    return read_number(text.substr(last + 1), 10, claim.maker);
+}
+
+/// Empty where there is none.
+narrow_string text_of(host::at const & file, char const * attribute) {
+    narrow_string text;
+    host_error const error = get_attribute(file, attribute, text);
+    require(error == ENODATA ? host_error() : error);
+    return text;
 }
 
 narrow_string identity_of(host::at const & file, struct statx const & status) {
@@ -39,8 +44,7 @@ narrow_string identity_of(host::at const & file, struct statx const & status) {
     }
     // No birth time: inodes are at least apart from those of other file systems.
     struct statfs system {};
-    if (host::statfs(file, &system) != 0)
-        throw host_error::last();
+    require(host::statfs(file, &system) == 0);
     for (int half : system.f_fsid.__val)
         append_hex(identity += '/', static_cast<unsigned>(half));
     return identity;
@@ -50,32 +54,25 @@ narrow_string identity_of(host::at const & file, struct statx const & status) {
 
 narrow_string identity_of(host::at const & file) {
     struct statx status {};
-    if (host::statx(file, 0, STATX_INO | STATX_BTIME, &status) != 0)
-        throw host_error::last();
+    require(host::statx(file, 0, STATX_INO | STATX_BTIME, &status) == 0);
     return identity_of(file, status);
 }
 
 claimant claimant_at(host::at const & file) {
     claimant result;
     std::vector<narrow_string> names;
-    if (host_error const error = list_attributes(file, names))
-        throw error;
+    require(list_attributes(file, names));
     struct statx status {};
-    if (host::statx(file, 0, STATX_BASIC_STATS | STATX_BTIME, &status) != 0)
-        throw host_error::last();
+    require(host::statx(file, 0, STATX_BASIC_STATS | STATX_BTIME, &status) == 0);
     result.identity = identity_of(file, status);
     result.rights = {status.stx_uid, status.stx_gid, status.stx_mode, false};
     for (narrow_string const & name : names) {
-        result.rights.listed = result.rights.listed || name == "system.posix_acl_access";
+        result.rights.listed |= name == "system.posix_acl_access";
         if (!is_claim(name))
             continue;
-        narrow_string text;
-        host_error const error = get_attribute(file, name.c_str(), true, text);
-        if (error && error != ENODATA)
-            throw error;
         stream_claim claim;
         claim.file = name.substr(claim_attribute.size());
-        if (!error && read_claim(text, claim))
+        if (read_claim(text_of(file, name.c_str()), claim))
             result.claims.push_back(claim);
     }
     std::stable_partition(result.claims.begin(), result.claims.end(),
@@ -86,8 +83,7 @@ claimant claimant_at(host::at const & file) {
 bool set_claim(host::at const & file, stream_claim const & claim, bool replace) {
     narrow_string const text = claim.id + ' ' + claim.store + ' ' + std::to_string(claim.maker);
     host_error const error = set_attribute(file, attribute_of(claim).c_str(), text, replace ? 0 : XATTR_CREATE);
-    if (error && error != EEXIST)
-        throw error;
+    require(error == EEXIST ? host_error() : error);
     return !error;
 }
 
@@ -97,17 +93,13 @@ void remove_claim(host::at const & file, stream_claim const & claim) {
 }
 
 stream_note note_of(int folder) {
-    narrow_string text;
-    host_error const error = get_attribute(host::at(folder), note_attribute, true, text);
-    if (error && error != ENODATA)
-        throw error;
+    narrow_string const text = text_of(host::at(folder), note_attribute);
     std::size_t const space = text.find(' ');
     return space == narrow_string::npos ? stream_note() : stream_note{text.substr(0, space), text.substr(space + 1)};
 }
 
 void set_note(int folder, stream_note const & note) {
-    if (host_error const error = set_attribute(host::at(folder), note_attribute, note.file + ' ' + note.path))
-        throw error;
+    require(set_attribute(host::at(folder), note_attribute, note.file + ' ' + note.path));
 }
 
 } // namespace platform::posix

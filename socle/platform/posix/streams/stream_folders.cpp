@@ -21,8 +21,7 @@ descriptor_guard open_folder(host::at const & folder) {
 
 struct stat status_of(int file) {
     struct stat status {};
-    if (host::fstat(file, &status) != 0)
-        throw host_error::last();
+    require(host::fstat(file, &status) == 0);
     return status;
 }
 
@@ -34,29 +33,24 @@ void each_entry(int folder, Step step) {
     folder_reader entries(folder);
     while (dirent64 const * const entry = entries.next())
         step(entry->d_name);
-    if (entries.error())
-        throw entries.error();
+    require(entries.error());
 }
 
-void lock(int file, int kind) {
-    if (host::flock(file, kind | LOCK_NB) != 0 && errno == EWOULDBLOCK)
-        throw host_error(EWOULDBLOCK);
+bool belongs(struct stat const & status, uid_t owner, file_rights const & rights) {
+    return status.st_uid == owner || status.st_uid == rights.owner;
 }
 
 void follow_entries(int folder, uid_t owner, file_rights const & rights, int depth) {
     each_entry(folder, [&](char const * name) {
         host::at const at(folder, name);
         descriptor_guard const entry = open_descriptor(at, O_PATH | O_NOFOLLOW);
-        if (entry.get() < 0)
-            throw host_error::last();
+        require(entry.get() >= 0);
         struct stat status = status_of(entry.get());
-        if (S_ISDIR(status.st_mode) && is_inner(name) && depth > 0
-            && (status.st_uid == owner || status.st_uid == rights.owner)) {
+        if (S_ISDIR(status.st_mode) && is_inner(name) && depth > 0 && belongs(status, owner, rights)) {
             descriptor_guard const inner = open_folder(at);
-            if (inner.get() < 0)
-                throw host_error::last();
+            require(inner.get() >= 0);
             follow_entries(inner.get(), owner, rights, depth - 1);
-        } else if (!is_stream(status, owner, rights)) {
+        } else if (!is_stream(status, owner, rights, false)) {
             return;
         }
         let_follow(entry.get(), rights, status);
@@ -72,18 +66,14 @@ bool may_borrow(struct stat const & status, file_rights const & rights) {
 void copy_stream(streams_folder const & streams, file_rights const & rights, host::at const & from,
                  host::at const & to) {
     descriptor_guard const in = open_descriptor(from, O_RDONLY | O_NOFOLLOW | O_NONBLOCK);
-    if (in.get() < 0)
-        throw host_error(errno == ELOOP ? EACCES : errno);
-    struct stat const status = status_of(in.get());
-    if (!is_stream(status, streams.status.st_uid, rights) || (streams.borrowed && !may_borrow(status, rights)))
+    require(in.get() >= 0);
+    if (!is_stream(status_of(in.get()), streams.status.st_uid, rights, streams.borrowed))
         throw host_error(EACCES);
     lock(in.get(), LOCK_SH);
     descriptor_guard const out = open_descriptor(to, O_WRONLY | O_CREAT | O_EXCL, S_IRUSR | S_IWUSR);
-    if (out.get() < 0)
-        throw host_error::last();
+    require(out.get() >= 0);
     struct stat made = status_of(out.get());
-    if (host_error const error = copy_bytes(in.get(), out.get()))
-        throw error;
+    require(copy_bytes(in.get(), out.get()));
     let_follow(out.get(), rights, made);
 }
 
@@ -102,8 +92,8 @@ void open_claimed(streams_folder & streams, stream_store && store, stream_claim 
     if (!store.is_open())
         return;
     streams.folder = open_folder({store.descriptor(), claim.id.c_str()});
-    if (streams.folder.get() < 0 && errno != ENOENT)
-        throw host_error(errno == ENOTDIR || errno == ELOOP ? EACCES : errno);
+    if (streams.is_open() || errno != ENOENT)
+        require_open(streams.folder);
     streams.store = std::move(store);
     streams.claim = claim;
     if (streams.is_open())
@@ -113,30 +103,25 @@ void open_claimed(streams_folder & streams, stream_store && store, stream_claim 
 /// The folder above a path free of links; none if the file has moved meanwhile.
 descriptor_guard open_above(narrow_string const & path) {
     narrow_string const above = path.substr(0, std::max<std::size_t>(path.rfind('/'), 1));
-    descriptor_guard folder = open_descriptor(above, O_PATH | O_DIRECTORY);
+    descriptor_guard folder;
     narrow_string there;
-    if (folder.get() < 0)
-        throw host_error::last();
-    if (host_error const error = path_of(folder.get(), there))
-        throw error;
+    require(open_place(above, O_DIRECTORY, folder, there));
     return there == above ? std::move(folder) : descriptor_guard();
 }
 
 /// The same, looked for where the file is, and further up.
 void look_upwards(streams_folder & streams, host::at const & file, stream_claim const & claim) {
     narrow_string path;
-    if (host_error const error = real_path(file, path))
-        throw error;
+    require(real_path(file, path));
     descriptor_guard & folder = streams.above;
     folder = path == "/" ? descriptor_guard() : open_above(path);
     while (folder.get() >= 0) {
         path.resize(path.rfind('/'));
         open_claimed(streams, stream_store::open({folder.get(), path}), claim);
-        if (streams.is_open())
+        if (streams.is_open() || path.empty())
             return;
-        folder = path.empty() ? descriptor_guard() : open_descriptor({folder.get(), ".."}, O_PATH | O_DIRECTORY);
-        if (folder.get() < 0 && !path.empty())
-            throw host_error::last();
+        folder = open_descriptor({folder.get(), ".."}, O_PATH | O_DIRECTORY);
+        require(folder.get() >= 0);
     }
 }
 
@@ -157,8 +142,7 @@ bool owner_is_there(streams_folder const & streams, stream_note const & note, cl
 /// What a path in the volume of the store is called in a note.
 narrow_string path_in_volume(stream_store const & store, host::at const & file) {
     narrow_string path;
-    if (host_error const error = real_path(file, path))
-        throw error;
+    require(real_path(file, path));
     if (path.starts_with(store.volume()))
         path.erase(0, std::min(store.volume().size() + 1, path.size()));
     return path.empty() ? "." : path;
@@ -183,10 +167,8 @@ void remove_entries(int folder, int depth) {
 class new_folder {
 public:
     explicit new_folder(stream_store const & store) : store_(store) {
-        if (host_error const error = make_hex_id(stream_id_bytes, id_))
-            throw error;
-        if (host::mkdir({store.descriptor(), id_.c_str()}, S_IRWXU) != 0)
-            throw host_error::last();
+        require(make_hex_id(stream_id_bytes, id_));
+        require(host::mkdir({store.descriptor(), id_.c_str()}, S_IRWXU) == 0);
         folder_ = open_folder({store.descriptor(), id_.c_str()});
         if (folder_.get() >= 0)
             return;
@@ -214,11 +196,13 @@ private:
 
 } // namespace
 
-bool is_stream(struct stat const & status, uid_t owner, file_rights const & rights) {
+void lock(int file, int kind) { require(host_error(is_locked_out(file, kind) ? EWOULDBLOCK : 0)); }
+
+bool is_stream(struct stat const & status, uid_t owner, file_rights const & rights, bool borrowed) {
     // Root may have made one that it could not hand on any more.
     bool const begun = status.st_uid == 0 && status.st_size == 0;
-    return S_ISREG(status.st_mode) && status.st_nlink == 1
-           && (status.st_uid == owner || status.st_uid == rights.owner || begun);
+    return S_ISREG(status.st_mode) && status.st_nlink == 1 && (begun || belongs(status, owner, rights))
+           && (!borrowed || may_borrow(status, rights));
 }
 
 streams_folder find_streams(held_place const & volume, host::at const & file, claimant const & owner) {
@@ -281,7 +265,9 @@ bool make_streams(held_place const & volume, host::at const & file, claimant con
             return false;
         copy_entries(from, owner.rights, from.folder.get(), made.descriptor(), deepest);
     }
-    stream_claim claim{{}, made.id(), store.identity(), 0};
+    stream_claim claim;
+    claim.id = made.id();
+    claim.store = store.identity();
     narrow_string const path = path_in_volume(store, file);
     struct stat status = status_of(made.descriptor());
     // Asked again afterwards: the first write to a file on an overlay gives it a new identity.
@@ -322,16 +308,14 @@ descriptor_guard open_inner(int folder, char const * name, uid_t owner, file_rig
     host::at const at(folder, name);
     descriptor_guard inner = open_folder(at);
     if (inner.get() < 0 && errno == ENOENT && create) {
-        if (host::mkdir(at, S_IRWXU) != 0 && errno != EEXIST)
-            throw host_error::last();
+        require(host::mkdir(at, S_IRWXU) == 0 || errno == EEXIST);
         inner = open_folder(at);
     }
-    if (inner.get() < 0)
-        throw host_error(errno == ENOTDIR || errno == ELOOP ? EACCES : errno);
+    require_open(inner);
     struct stat status = status_of(inner.get());
     // Root may have made one that it could not hand on any more.
     bool const begun = status.st_uid == 0 && geteuid() == 0 && create;
-    if (status.st_uid != owner && status.st_uid != rights.owner && !begun)
+    if (!begun && !belongs(status, owner, rights))
         throw host_error(EACCES);
     if (create)
         let_follow(inner.get(), rights, status);

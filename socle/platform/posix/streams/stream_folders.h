@@ -36,6 +36,9 @@ streams_folder find_streams(held_place const & volume, host::at const & file, cl
 bool make_streams(held_place const & volume, host::at const & file, claimant const & owner,
                   streams_folder const & from);
 
+/// Locks a folder of streams, or one of them: EWOULDBLOCK where somebody else's lock refuses one of this `kind`.
+void lock(int file, int kind);
+
 /// Lets all in the folder follow the file, see `let_follow`.
 void let_all_follow(streams_folder & streams, file_rights const & rights);
 
@@ -45,8 +48,9 @@ void note_place(streams_folder const & streams, host::at const & file);
 /// Opens a folder for long names in `folder`. With `create`, makes it if it is missing.
 descriptor_guard open_inner(int folder, char const * name, uid_t owner, file_rights const & rights, bool create);
 
-/// Whether what is open, or was found, can be a stream of a file with these rights, in a folder of `owner`.
-bool is_stream(struct stat const & status, uid_t owner, file_rights const & rights);
+/// Whether what is open, or was found, can be a stream of a file with these rights, in a folder of `owner`; for one
+/// that is `borrowed`, whether its original has left it to be read as well.
+bool is_stream(struct stat const & status, uid_t owner, file_rights const & rights, bool borrowed);
 
 /// Removes the folder of an id, which is open, with all in it. Links are removed, not followed.
 host_error remove_streams(int store, narrow_string const & id, int folder);

@@ -13,16 +13,12 @@ constexpr mode_t store_mode = S_ISVTX | S_IRWXU | S_IWGRP | S_IXGRP | S_IWOTH | 
 constexpr char const * store_mark = "store";
 
 descriptor_guard open_folder(host::at const & folder, int flags) {
-    descriptor_guard opened = open_descriptor(folder, flags | O_DIRECTORY | O_NOFOLLOW);
-    if (opened.get() < 0)
-        throw host_error(errno == ENOTDIR || errno == ELOOP ? EACCES : errno);
-    return opened;
+    return open_descriptor(folder, flags | O_DIRECTORY | O_NOFOLLOW);
 }
 
 struct statx status_of(int file) {
     struct statx status {};
-    if (host::statx(host::at(file), 0, STATX_BASIC_STATS | STATX_BTIME, &status) != 0)
-        throw host_error::last();
+    require(host::statx(host::at(file), 0, STATX_BASIC_STATS | STATX_BTIME, &status) == 0);
     return status;
 }
 
@@ -39,9 +35,7 @@ bool is_owned_well(struct statx const & top, struct statx const & store) {
 
 bool is_marked(int store) {
     narrow_string text;
-    host_error const error = get_attribute(host::at(store), note_attribute, true, text);
-    if (error && error != ENODATA && error != EACCES)
-        throw error;
+    require(get_record_text(host::at(store), note_attribute, text));
     return text == store_mark;
 }
 
@@ -50,42 +44,43 @@ bool is_begun(int top, mode_t mode) {
     if ((mode & 07777) != S_IRWXU)
         return false;
     descriptor_guard const folder = open_folder({top, store_leaf}, O_RDONLY);
+    require_open(folder);
     folder_reader entries(folder.get());
     bool const empty = entries.next() == nullptr;
-    if (entries.error())
-        throw entries.error();
+    require(entries.error());
     return empty;
 }
 
 void finish(int store) {
-    if (host_error const error = set_attribute(host::at(store), note_attribute, store_mark))
-        throw error;
-    if (host::chmod(host::at(store), store_mode) != 0)
-        throw host_error::last();
+    require(set_attribute(host::at(store), note_attribute, store_mark));
+    require(host::chmod(host::at(store), store_mode) == 0);
 }
 
 } // namespace
+
+void require_open(descriptor_guard const & folder) {
+    if (folder.get() < 0)
+        throw host_error(errno == ENOTDIR || errno == ELOOP ? EACCES : errno);
+}
 
 stream_store stream_store::open(held_place const & volume) {
     stream_store store;
     store.volume_ = volume;
     if (host_error const error = volume.check())
         throw error == ENOENT || error == ENOTDIR ? host_error(EUCLEAN) : error;
-    try {
-        store.folder_ = open_folder({volume.folder, store_leaf}, O_PATH);
-    } catch (host_error const & error) {
-        if (error == ENOENT)
-            return store;
-        throw;
-    }
+    store.folder_ = open_folder({volume.folder, store_leaf}, O_PATH);
+    if (!store.is_open() && errno == ENOENT)
+        return store;
+    require_open(store.folder_);
     struct statx const top = status_of(volume.folder);
     struct statx const status = status_of(store.folder_.get());
-    bool const taken_over = geteuid() == 0 && !is_owned_well(top, status);
-    if (!on_one_system(top, status) || (!taken_over && !is_owned_well(top, status)))
+    bool const root = geteuid() == 0;
+    bool const taken_over = !is_owned_well(top, status);
+    if (!on_one_system(top, status) || (taken_over && !root))
         throw host_error(EACCES);
     if (taken_over || (status.stx_mode & 07777) != store_mode) {
         // Somebody may have changed the modes of the whole volume.
-        bool const ours = geteuid() == 0 || geteuid() == status.stx_uid;
+        bool const ours = root || geteuid() == status.stx_uid;
         // Asked first: what is in a store is made when it is marked.
         bool const begun = ours && is_begun(volume.folder, status.stx_mode);
         host::at const folder(store.folder_.get());
@@ -93,9 +88,9 @@ stream_store stream_store::open(held_place const & volume) {
             if (!begun)
                 throw host_error(EACCES);
             store.folder_ = descriptor_guard();
-        } else if ((taken_over && host::chown(folder, 0, 0) != 0)
-                   || (ours && host::chmod(folder, store_mode) != 0 && errno != EROFS)) {
-            throw host_error::last();
+        } else {
+            require(!taken_over || host::chown(folder, 0, 0) == 0);
+            require(!ours || host::chmod(folder, store_mode) == 0 || errno == EROFS);
         }
     }
     if (store.is_open())
@@ -108,12 +103,13 @@ stream_store stream_store::make(held_place const & volume) {
     if (store.is_open())
         return store;
     host::at const place(volume.folder, store_leaf);
-    if (host::mkdir(place, S_IRWXU) != 0 && errno != EEXIST)
-        throw host_error::last();
+    require(host::mkdir(place, S_IRWXU) == 0 || errno == EEXIST);
     store = open(volume);
     if (store.is_open())
         return store;
-    finish(open_folder({volume.folder, store_leaf}, O_RDONLY).get());
+    descriptor_guard const made = open_folder(place, O_RDONLY);
+    require_open(made);
+    finish(made.get());
     return open(volume);
 }
 

@@ -6,6 +6,9 @@ namespace platform::posix {
 
 constexpr std::string_view store_name = ".socle_streams";
 
+/// Throws why the folder of a store, or one in it, did not open: EACCES for something else in its place.
+void require_open(descriptor_guard const & folder);
+
 /// The folder at the top of a volume that holds the folders of its files' streams. Everybody may enter it and make
 /// folders in it; only its owner can list it, and only theirs can remove them. These throw `host_error`.
 ///
