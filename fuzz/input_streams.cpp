@@ -2,6 +2,7 @@
 
 #include "fuzz/support/plain_sources.h"
 #include "socle/stream/array_output.h"
+#include "socle/stream/infinite_output.h"
 #include "socle/stream/integers.h"
 #include "socle/stream/vector_output.h"
 
@@ -198,7 +199,7 @@ private:
     }
 
     void copy(feed & in) {
-        auto const target = in.below(4), way = in.below(3), size = in.below(40), failing = in.below(9);
+        auto const target = in.below(5), way = in.below(3), size = in.below(40), failing = in.below(9);
         uint64 const count = in.below(60);
         byte_vector vector;
         char array[300] = {};
@@ -207,6 +208,8 @@ private:
             sink = std::make_unique<stream::vector_output>(vector);
         else if (target == 1)
             sink = std::make_unique<stream::array_output>(array, uint32(sizeof array));
+        else if (target == 2)
+            sink = std::make_unique<stream::infinite_output>();
         else
             sink = std::make_unique<told_sink>(failing, told);
         type<stream::copier> const like(size);

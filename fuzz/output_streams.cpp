@@ -11,12 +11,12 @@ namespace {
 
 using namespace fuzz;
 
-/// Targets of these sizes, which tell what they get.
+/// Targets of these sizes, which tell what they get. One may be refused after it was put beneath.
 template <class Multi>
 class series : public Multi {
 public:
     series(narrow_string limits, unsigned failing, account & to)
-        : limits_(std::move(limits)), failing_(failing), account_(to) {}
+        : limits_(std::move(limits)), failing_(failing % 32), refused_(failing / 32), account_(to) {}
 
     void next() override {
         account_.tell("  next");
@@ -24,11 +24,13 @@ public:
             return Multi::next();
         this->limit(static_cast<unsigned char>(limits_[targets_.size()]) % 40u);
         this->under(targets_.emplace_back(std::exchange(failing_, 0u), account_));
+        if (targets_.size() == refused_)
+            throw support::failure();
     }
 
 private:
     narrow_string limits_;
-    unsigned failing_;
+    unsigned failing_, refused_;
     account & account_;
     std::deque<told_sink> targets_;
 };
@@ -60,7 +62,10 @@ private:
         case 0:
         case 1: chain_.template put<stream::vector_output>(vector_, start); break;
         case 2:
-        case 3: chain_.template put<stream::array_output>(array_, uint32(sizeof array_), start); break;
+        case 3:
+            chain_.template put<stream::array_output>(array_, std::min(uint32(in.byte()), uint32(sizeof array_)),
+                                                      start);
+            break;
         case 4: chain_.template put<stream::infinite_output>(); break;
         case 5:
             chain_.put_bottom(std::make_unique<series<type<stream::multi_output>>>(some_bytes(in), failing, told));

@@ -1,5 +1,4 @@
 #include "socle/stream/line_input.h"
-#include "socle/stream/text_output.h"
 #include "socle/stream/vector_input.h"
 #include "socle/stream/xml_output.h"
 #include "tests/support/streams.h"
@@ -9,9 +8,7 @@
 namespace {
 
 using support::bytes;
-using support::fragment_source;
 using support::recording_target;
-using support::text;
 
 TEST(line_input, takes_each_byte_through_a_callers_class) {
     struct counting : stream::line_input {
@@ -24,38 +21,6 @@ TEST(line_input, takes_each_byte_through_a_callers_class) {
     counting in(memory);
     EXPECT_EQ(in.read_line(), "ab");
     EXPECT_EQ(in.reads, 3);
-}
-
-TEST(line_input, reads_nothing_where_nothing_fits) {
-    fragment_source source({"\nab"});
-    stream::line_input in(source);
-    char line[1] = {'*'};
-    EXPECT_EQ(in.read_line(nullptr, 9), 0u);
-    EXPECT_EQ(in.read_line(line, 0), 0u);
-    EXPECT_EQ(line[0], '*');
-    EXPECT_EQ(in.read_line(line, 1), 0u);
-    EXPECT_EQ(line[0], '\0');
-    EXPECT_TRUE(source.asked.empty());
-}
-
-TEST(text_output, turns_ends_byte_by_byte_and_leaves_texts_as_they_are) {
-    struct {
-        int mode;
-        std::string written;
-        std::size_t writes;
-    } const table[] = {{0, "a\r\n", 1}, {3, "a\r\n", 3}, {-1, "a", 1}};
-    for (auto const & c : table) {
-        recording_target target;
-        stream::text_output out(target, c.mode);
-        out.write("a\r\n", 3);
-        EXPECT_EQ(target.data, c.written) << c.mode;
-        EXPECT_EQ(target.writes.size(), c.writes);
-        out.write(narrow_string("\r\n"));
-        out.write('.');
-        out.reset();
-        out.write(static_cast<unsigned char>('\n'));
-        EXPECT_EQ(target.data, c.written + (c.mode == 0 ? "\r\n.\n" : "\r\n.")) << c.mode;
-    }
 }
 
 TEST(xml_output, writes_a_document) {

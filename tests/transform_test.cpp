@@ -1,18 +1,14 @@
 #include "socle/nio/blocks.h"
-#include "socle/nio/buffered_input.h"
 #include "socle/stream/array_input.h"
 #include "socle/stream/array_output.h"
 #include "socle/stream/copier.h"
 #include "socle/stream/filter_output.h"
-#include "socle/stream/vector_input.h"
-#include "socle/stream/vector_output.h"
 #include "tests/support/streams.h"
 
 #include <gtest/gtest.h>
 
 namespace {
 
-using support::failure;
 using support::fragment_source;
 using support::raised;
 using support::recording_target;
@@ -28,49 +24,6 @@ TEST(transform, refuses_to_work) {
               "stream::transform: partial stream processing is not implemented");
 }
 
-TEST(copier, moves_in_blocks) {
-    struct {
-        uint32 size;
-        uint64 count;
-        std::vector<uint32> asked, writes;
-    } const table[] = {
-        {4, all_ones, {4, 4, 4, 4}, {4, 4, 2, 0}},
-        {4, 10, {4, 4, 2}, {4, 4, 2}},
-        {4, 11, {4, 4, 3}, {4, 4, 2}},
-        {4, 8, {4, 4}, {4, 4}},
-        {4, 0, {0}, {0}},
-        {65536, 3, {3}, {3}},
-        {65536, all_ones, {65536, 65536}, {10, 0}},
-        {0, 2, {1, 1}, {1, 1}},
-    };
-    std::string const data = "0123456789";
-    for (auto const & c : table) {
-        fragment_source source({data});
-        recording_target target;
-        target.write("before", 6);
-        target.mark();
-        target.writes.clear();
-        stream::copier copier(c.size);
-        auto const expected = static_cast<std::size_t>(std::min<uint64>(c.count, data.size()));
-        EXPECT_EQ(copier.process(source, target, c.count), expected);
-        EXPECT_EQ(source.asked, c.asked);
-        EXPECT_EQ(target.writes, c.writes);
-        EXPECT_EQ(target.drift(), expected);
-        // The same from memory, to a caller's sink and to one of the library.
-        byte_vector const vector = support::bytes(data);
-        stream::vector_input memory(vector), again(vector);
-        recording_target callers;
-        byte_vector copy;
-        stream::vector_output library(copy);
-        EXPECT_EQ(copier.process(memory, callers, c.count), expected);
-        EXPECT_EQ(callers.writes, c.writes);
-        EXPECT_EQ(copier.process(again, library, c.count), expected);
-        EXPECT_EQ(text(copy), data.substr(0, expected));
-        EXPECT_EQ(again.tell(), expected);
-    }
-    EXPECT_EQ(stream::copier().buffer_size(), 65536u);
-}
-
 TEST(copier, copies_within_one_array_as_through_its_block) {
     for (bool const lent : {false, true}) {
         byte_vector data = support::pattern(60);
@@ -84,27 +37,6 @@ TEST(copier, copies_within_one_array_as_through_its_block) {
         stream::filter_output out(array);
         stream::copier(40).process(in, out, 40);
         EXPECT_EQ(text(data).substr(12, 40), expected) << lent;
-    }
-}
-
-TEST(copier, stops_where_a_stream_fails) {
-    auto const data = support::pattern(50);
-    for (int n = 1; n <= 7; ++n) {
-        for (bool const source_fails : {true, false}) {
-            stream::vector_input memory(data);
-            support::failing_source source(memory, source_fails ? n : 0);
-            recording_target target(source_fails ? 0 : n);
-            bool failed = false;
-            try {
-                stream::copier(10).process(source, target);
-            } catch (failure const &) {
-                failed = true;
-            }
-            EXPECT_EQ(failed, n <= 6);
-            auto const moved = std::min<std::size_t>(static_cast<std::size_t>(n - 1) * 10, 50);
-            EXPECT_EQ(target.data, text({data.begin(), data.begin() + long(moved)}));
-            EXPECT_EQ(target.drift(), moved);
-        }
     }
 }
 
@@ -173,11 +105,6 @@ TEST(blocks, a_lying_source_is_not_believed) {
     support::recording_target to;
     EXPECT_EQ(nio::copy(from, to, 20, 8), 20u);
     EXPECT_EQ(to.data, std::string(20, 'l'));
-    nio::buffered_input in(from, 8);
-    char block[20];
-    EXPECT_EQ(in.read(block, 3), 3u);
-    EXPECT_EQ(in.read(block, 20), 20u);
-    EXPECT_EQ(std::string(block, 20), std::string(20, 'l'));
 }
 
 } // namespace

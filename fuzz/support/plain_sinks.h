@@ -339,11 +339,14 @@ protected:
     void limit(uint64 bytes) { limit_ = bytes; }
 
 private:
-    /// A series that has ended is not asked again.
+    /// A series that has ended is not asked again; one that failed is.
     void make_room() {
         while (!under_ || written_ >= limit_) {
-            if (!ended_)
-                next();
+            auto const written = written_;
+            if (!ended_ && refuses<support::failure>([&] { next(); })) {
+                written_ = written;
+                throw support::failure();
+            }
             ended_ = !under_;
             if (ended_)
                 throw stream::exception("I have run out of files to write", "stream::multi_output");
