@@ -26,7 +26,15 @@ TEST(string, forms) {
     EXPECT_EQ(*counted, 300 % 256);
     EXPECT_EQ(narrow_string(reinterpret_cast<char const *>(counted + 1)), narrow_string(300, 'x'));
     text.assign({u'a', u'\0', u'b', u'\0'});
-    EXPECT_EQ(text.str(true), narrow_string("a\0b", 3));
+    narrow_string const & form = text.str(true);
+    EXPECT_EQ(form, narrow_string("a\0b", 3));
+
+    any::string const other(u"other"), copy = text;
+    EXPECT_NE(&copy.str(true), &form);
+    other.str(true);
+    text = other;
+    EXPECT_EQ(form, copy.str(true)) << "is valid until it is asked for again";
+    EXPECT_EQ(text.str(true), "other");
 }
 
 TEST(string, takes_every_form) {

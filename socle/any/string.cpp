@@ -78,21 +78,26 @@ void string::get_str(narrow_string & result, bool ansi) const {
 }
 
 narrow_string const & string::str(bool ansi) const {
-    get_str(narrow_form_, ansi);
-    return narrow_form_;
+    narrow_string & form = other_forms().narrow;
+    get_str(form, ansi);
+    return form;
 }
 
 char const * string::cstr(bool ansi) const { return str(ansi).c_str(); }
 
 unsigned char const * string::pstr(bool ansi) const {
-    get_str(narrow_form_, ansi);
-    narrow_form_.insert(narrow_form_.begin(), static_cast<char>(narrow_form_.size()));
-    return reinterpret_cast<unsigned char const *>(narrow_form_.data());
+    narrow_string & form = other_forms().narrow;
+    get_str(form, ansi);
+    form.insert(form.begin(), static_cast<char>(form.size()));
+    return reinterpret_cast<unsigned char const *>(form.data());
 }
 
-string::ci_string const & string::ci_wstr() const {
-    ci_form_.assign(data(), size());
-    return ci_form_;
+string::ci_string const & string::ci_wstr() const { return other_forms().ci.assign(data(), size()); }
+
+string::forms & string::other_forms() const {
+    if (!cache_.made)
+        cache_.made = std::make_unique<forms>();
+    return *cache_.made;
 }
 
 string string::ext() const {

@@ -4,6 +4,7 @@
 #include "socle/basic/types.h"
 #include "socle/un/ci_wchar_t_traits.h"
 
+#include <memory>
 #include <utility>
 
 namespace any {
@@ -63,8 +64,23 @@ public:
     bool pattern_match(string const & pattern) const;
 
 private:
-    mutable narrow_string narrow_form_;
-    mutable ci_string ci_form_;
+    struct forms {
+        narrow_string narrow;
+        ci_string ci;
+    };
+    // Made when one is asked for first. No object takes over those of another.
+    struct cache {
+        cache() = default;
+        cache(cache const &) noexcept {}
+        cache & operator=(cache const &) noexcept { return *this; }
+        ~cache() = default;
+
+        std::unique_ptr<forms> made;
+    };
+
+    forms & other_forms() const;
+
+    mutable cache cache_;
 };
 
 } // namespace any
