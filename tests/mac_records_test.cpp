@@ -18,12 +18,17 @@ std::string stored(un::structure const & record) {
     return support::text(data);
 }
 
+/// The record at the start of `data`, which reads alike from open memory and byte by byte from a caller's class.
 template <class Record>
 Record from(byte_vector const & data) {
-    Record record;
+    Record record, again;
     stream::vector_input in(data);
     EXPECT_EQ(record.read(in, false), record.size());
     EXPECT_EQ(in.tell(), std::min<uint64>(data.size(), record.size()));
+    stream::vector_input beneath(data);
+    support::failing_source source(beneath, 1000);
+    again.read(source, false);
+    EXPECT_EQ(stored(again), stored(record));
     return record;
 }
 
@@ -75,6 +80,17 @@ TEST(mac_records, start_with_zeros_and_unknown_types) {
     EXPECT_EQ(stored(extended_file_info()) + stored(extended_folder_info()), zeros + zeros);
     EXPECT_EQ(stored(point(-2, 0x102)) + stored(rect(1, 2, 3, 4)), std::string("\xFF\xFE\1\2\0\1\0\2\0\3\0\4", 12));
     EXPECT_TRUE(file_info().valid());
+}
+
+TEST(mac_records, have_their_fields_at_their_places) {
+    byte_vector const data = support::bytes("ABCDEFGHIJKLMNOPQ");
+    std::string const zeros(8, '\0');
+    EXPECT_EQ(stored(from<file_info>(data)), "ABCDEFGHIJKLMN" + zeros.substr(6));
+    EXPECT_EQ(stored(from<folder_info>(data)), "ABCDEFGHIJKLMN" + zeros.substr(6));
+    EXPECT_EQ(stored(from<extended_file_info>(data)), zeros + "IJKLMNOP");
+    EXPECT_EQ(stored(from<extended_folder_info>(data)), "ABCD" + zeros.substr(4) + "IJKLMNOP");
+    EXPECT_EQ(from<file_info>(data).location.h, 'M' << 8 | 'N');
+    EXPECT_EQ(from<rect>(data).right, 'G' << 8 | 'H');
 }
 
 TEST(mac_records, numbers_behind_the_end_have_all_bits_set) {

@@ -1,5 +1,7 @@
 #include "socle/un/digits.h"
 
+#include "socle/un/digit_values_internal.h"
+
 #include <algorithm>
 #include <charconv>
 #include <iterator>
@@ -10,15 +12,6 @@ namespace un {
 namespace {
 
 constexpr std::string_view digits = "0123456789abcdefghijklmnopqrstuvwxyz";
-constexpr int no_value = 0xFF;
-
-int value_of(char c) {
-    if (c >= '0' && c <= '9')
-        return c - '0';
-    if (c >= 'a' && c <= 'z')
-        return c - 'a' + 10;
-    return c >= 'A' && c <= 'Z' ? c - 'A' + 10 : no_value;
-}
 
 /// The digits of `value` in `buffer`, none for 0. Those of 16 and more are NULs, which the standard library has no word
 /// for.
@@ -49,13 +42,10 @@ narrow_string hex_of(Bytes const & bytes) {
 
 } // namespace
 
-bool is_digit(char c, int radix) {
-    int const value = value_of(c);
-    return radix >= 2 && value < radix && value != no_value;
-}
+bool is_digit(char c, int radix) { return radix >= 2 && digit_value(c) < radix; }
 
 unsigned char from_digit(char c, int radix) {
-    return is_digit(c, radix) ? static_cast<unsigned char>(value_of(c)) : static_cast<unsigned char>(0);
+    return is_digit(c, radix) ? static_cast<unsigned char>(digit_value(c)) : static_cast<unsigned char>(0);
 }
 
 char to_digit(unsigned char value, int radix) {
@@ -73,7 +63,7 @@ uint64 read(narrow_string const & text, int radix) {
     if (radix < 2)
         return result;
     for (char const c : text) {
-        int const value = value_of(c);
+        int const value = digit_value(c);
         if (value >= 16)
             break;
         result = result * static_cast<uint64>(radix) + static_cast<uint64>(value);

@@ -1,6 +1,6 @@
 #include "socle/io/mac/extended_info.h"
 
-#include "socle/stream/endian_input.h"
+#include "socle/io/mac/read_record_internal.h"
 #include "socle/stream/endian_output.h"
 
 namespace io::mac {
@@ -10,12 +10,12 @@ extended_info::~extended_info() = default;
 extended_file_info::~extended_file_info() = default;
 
 uint32 extended_file_info::read(stream::input & input, bool) {
-    stream::big_endian_input in(input);
-    in.skip(8);
-    extended_flags = in.read16();
-    reserved2 = in.read16();
-    put_away_folder_id = in.read32();
-    return size();
+    return read_record<fixed_size()>(input, [this](auto in) {
+        in.skip(8);
+        in.number(extended_flags);
+        in.number(reserved2);
+        in.number(put_away_folder_id);
+    });
 }
 
 uint32 extended_file_info::write(stream::output & output) const {
@@ -32,13 +32,14 @@ uint32 extended_file_info::size() const { return fixed_size(); }
 extended_folder_info::~extended_folder_info() = default;
 
 uint32 extended_folder_info::read(stream::input & input, bool) {
-    stream::big_endian_input in(input);
-    scroll_position.read(in, true);
-    in.skip(4);
-    extended_flags = in.read16();
-    reserved2 = in.read16();
-    put_away_folder_id = in.read32();
-    return size();
+    return read_record<fixed_size()>(input, [this](auto in) {
+        in.number(scroll_position.v);
+        in.number(scroll_position.h);
+        in.skip(4);
+        in.number(extended_flags);
+        in.number(reserved2);
+        in.number(put_away_folder_id);
+    });
 }
 
 uint32 extended_folder_info::write(stream::output & output) const {

@@ -1,6 +1,6 @@
 #include "socle/io/mac/info.h"
 
-#include "socle/stream/endian_input.h"
+#include "socle/io/mac/read_record_internal.h"
 #include "socle/stream/endian_output.h"
 
 namespace io::mac {
@@ -12,13 +12,14 @@ info::~info() = default;
 file_info::~file_info() = default;
 
 uint32 file_info::read(stream::input & input, bool) {
-    stream::big_endian_input in(input);
-    type.read(in, true);
-    creator.read(in, true);
-    flags = in.read16();
-    location.read(in, true);
-    in.skip(2);
-    return size();
+    return read_record<fixed_size()>(input, [this](auto in) {
+        in.code(type);
+        in.code(creator);
+        in.number(flags);
+        in.number(location.v);
+        in.number(location.h);
+        in.skip(2);
+    });
 }
 
 uint32 file_info::write(stream::output & output) const {
@@ -36,12 +37,14 @@ uint32 file_info::size() const { return fixed_size(); }
 folder_info::~folder_info() = default;
 
 uint32 folder_info::read(stream::input & input, bool) {
-    stream::big_endian_input in(input);
-    bounds.read(in, true);
-    flags = in.read16();
-    location.read(in, true);
-    in.skip(2);
-    return size();
+    return read_record<fixed_size()>(input, [this](auto in) {
+        for (short * side : {&bounds.top, &bounds.left, &bounds.bottom, &bounds.right})
+            in.number(*side);
+        in.number(flags);
+        in.number(location.v);
+        in.number(location.h);
+        in.skip(2);
+    });
 }
 
 uint32 folder_info::write(stream::output & output) const {

@@ -30,14 +30,14 @@ void os_type::from_string(narrow_string const & text) {
 }
 
 uint32 os_type::read(stream::input & input, bool strict) {
-    narrow_string text;
-    while (text.size() < fixed_size()) {
+    char bytes[fixed_size()];
+    for (char & next : bytes) {
         int const byte = input.read();
         if (strict && byte == -1)
             throw exception("stream is too short", "io::mac::os_type", 0);
-        text += static_cast<char>(byte);
+        next = static_cast<char>(byte);
     }
-    from_string(text);
+    value = basic::load<uint32>(bytes, true);
     return fixed_size();
 }
 

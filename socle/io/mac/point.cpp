@@ -1,6 +1,6 @@
 #include "socle/io/mac/point.h"
 
-#include "socle/stream/endian_input.h"
+#include "socle/io/mac/read_record_internal.h"
 #include "socle/stream/endian_output.h"
 
 namespace io::mac {
@@ -10,10 +10,10 @@ point::point(short down, short right) : v(down), h(right) {}
 point::~point() = default;
 
 uint32 point::read(stream::input & input, bool) {
-    stream::big_endian_input in(input);
-    v = static_cast<short>(in.read16());
-    h = static_cast<short>(in.read16());
-    return size();
+    return read_record<fixed_size()>(input, [this](auto in) {
+        in.number(v);
+        in.number(h);
+    });
 }
 
 uint32 point::write(stream::output & output) const {

@@ -1,6 +1,6 @@
 #include "socle/io/mac/rect.h"
 
-#include "socle/stream/endian_input.h"
+#include "socle/io/mac/read_record_internal.h"
 #include "socle/stream/endian_output.h"
 
 namespace io::mac {
@@ -10,10 +10,10 @@ rect::rect(short t, short l, short b, short r) : top(t), left(l), bottom(b), rig
 rect::~rect() = default;
 
 uint32 rect::read(stream::input & input, bool) {
-    stream::big_endian_input in(input);
-    for (short * side : {&top, &left, &bottom, &right})
-        *side = static_cast<short>(in.read16());
-    return size();
+    return read_record<fixed_size()>(input, [this](auto in) {
+        for (short * side : {&top, &left, &bottom, &right})
+            in.number(*side);
+    });
 }
 
 uint32 rect::write(stream::output & output) const {
