@@ -1,8 +1,6 @@
 // Single bytes and lines of a file of 64 MiB, and copies of one of 256 MiB, all in the system's cache.
 
-#include "bench/lines_data.h"
-#include "bench/rows.h"
-#include "bench/scratch.h"
+#include "bench/files_data.h"
 #include "socle/io/fork_input.h"
 #include "socle/io/fork_output.h"
 #include "socle/stream/buffered_input.h"
@@ -12,44 +10,20 @@
 
 #include <cstdio>
 #include <cstring>
-#include <fcntl.h>
 #include <functional>
 #include <memory>
 #include <vector>
 
 namespace {
 
-uint32 const block = 64 << 10;
-uint32 const size = bench::sized(64u << 20);
-uint32 const copy_size = bench::sized(256u << 20);
+using bench::copy_size;
+using bench::host_file;
+using bench::large_file;
+using bench::target_file;
+using bench::text_file;
 
-std::string const & text_file() {
-    static std::string const path = bench::scratch::folder().file("lines", bench::lines_of(size));
-    return path;
-}
-
-std::string const & large_file() {
-    static std::string const path = bench::scratch::folder().file("large", std::string(copy_size, 'x'));
-    return path;
-}
-
-std::string target_file() { return bench::scratch::folder().path("target").string(); }
-
-/// A descriptor of the host.
-class host_file {
-public:
-    host_file(std::string const & path, int flags) : handle_(open(path.c_str(), flags, 0666)) {
-        if (handle_ < 0)
-            std::abort();
-    }
-    host_file(host_file const &) = delete;
-    host_file & operator=(host_file const &) = delete;
-    ~host_file() { close(handle_); }
-    operator int() const { return handle_; }
-
-private:
-    int handle_;
-};
+uint32 const block = bench::file_block;
+uint32 const size = bench::file_size;
 
 using c_file = std::unique_ptr<std::FILE, int (*)(std::FILE *)>;
 
@@ -83,15 +57,6 @@ void with_output(Act act) {
         out.flush();
     }
     file.data_fork().close(true);
-}
-
-/// Measures `turn`, which goes through `items`.
-void measure(benchmark::State & state, void (*turn)(), uint64 items) {
-    turn();
-    bench::meter const meter;
-    for (auto _ : state)
-        turn();
-    meter.done(state, items);
 }
 
 void read_limit() {
@@ -263,29 +228,27 @@ void copy_rdbuf() {
 }
 
 [[maybe_unused]] bool const registered = [] {
-    auto const add = [](char const * row, char const * who, void (*turn)(), uint64 items) {
-        bench::add(row, who, measure, turn, items);
-    };
-    char const * const reads = "byte reads, file of 64 MiB";
+    auto const add = bench::add_file_row;
+    char const * const reads = bench::file_reads;
     add(reads, "limit: read(2) and a loop", read_limit, size);
     add(reads, "socle, stream::input &", read_reference, size);
     add(reads, "socle, buffered_input &", read_class, size);
     add(reads, "getc_unlocked", read_getc, size);
     add(reads, "ifstream::get", read_ifstream, size);
-    char const * const writes = "byte writes, file of 64 MiB";
+    char const * const writes = bench::file_writes;
     add(writes, "limit: a loop and write(2)", write_limit, size);
     add(writes, "socle, stream::output &", write_reference, size);
     add(writes, "socle, buffered_output &", write_class, size);
     add(writes, "putc_unlocked", write_putc, size);
     add(writes, "ofstream::put", write_ofstream, size);
-    char const * const lines = "lines, file of 64 MiB";
+    char const * const lines = bench::file_lines;
     add(lines, "limit: read(2) and memchr", line_limit, size);
     add(lines, "socle, any line end, into a buffer", line_buffer, size);
     add(lines, "socle, any line end, into a string", line_string, size);
     add(lines, "socle, any line end, into a string, again", line_string_again, size);
     add(lines, "std::getline", line_std, size);
     add(lines, "getline(3)", line_posix, size);
-    char const * const copies = "copies, file to file, 256 MiB";
+    char const * const copies = bench::file_copies;
     add(copies, "limit: read(2) and write(2)", copy_limit, copy_size);
     add(copies, "socle, copier", copy_copier, copy_size);
     add(copies, "std::filesystem::copy_file", copy_filesystem, copy_size);

@@ -1,6 +1,5 @@
 // Texts cut at commas, numbers as text, and bytes given back.
 
-#include "bench/codes_data.h"
 #include "bench/pieces_data.h"
 #include "socle/stream/filter_input.h"
 #include "socle/stream/vector_input.h"
@@ -15,7 +14,8 @@
 
 namespace {
 
-using bench::spread_values;
+using bench::format;
+using bench::parse;
 
 std::size_t count_commas(std::string const & text) {
     std::size_t found = 0;
@@ -26,28 +26,6 @@ std::size_t count_commas(std::string const & text) {
     return found;
 }
 
-std::vector<std::string> const & numbers() {
-    static std::vector<std::string> const texts = [] {
-        std::vector<std::string> made;
-        for (int64 const value : spread_values())
-            made.push_back(std::to_string(value));
-        return made;
-    }();
-    return texts;
-}
-
-template <class Parse>
-void parse(benchmark::State & state, Parse one) {
-    auto const & all = numbers();
-    for (auto _ : state) {
-        uint64 sum = 0;
-        for (auto const & text : all)
-            sum += one(text);
-        benchmark::DoNotOptimize(sum);
-    }
-    state.SetItemsProcessed(static_cast<int64>(state.iterations() * all.size()));
-}
-
 uint64 parse_loop(std::string const & text) {
     uint64 value = 0;
     for (char const c : text) {
@@ -56,16 +34,6 @@ uint64 parse_loop(std::string const & text) {
         value = value * 10 + static_cast<uint64>(c - '0');
     }
     return value;
-}
-
-template <class Format>
-void format(benchmark::State & state, Format one) {
-    auto const & all = spread_values();
-    bench::meter const meter;
-    for (auto _ : state)
-        for (int64 const value : all)
-            benchmark::DoNotOptimize(one(static_cast<uint64>(value)));
-    meter.done(state, all.size());
 }
 
 /// Digits from the last one, into a buffer, and from there into a string.
@@ -119,7 +87,7 @@ void unread_sungetc(benchmark::State & state) {
     add(bench::split_row, "limit: memchr alone", [](State & state) { bench::split(state, count_commas); });
     add(bench::split_row, "socle, un::tokenizer",
         [](State & state) { bench::split(state, [](std::string const & text) { return un::tokenizer(text, ','); }); });
-    char const * const parsing = "parse 64-bit numbers, 1,000,000";
+    using bench::parsing;
     add(parsing, "limit: plain loop", [](State & state) { parse(state, parse_loop); });
     add(parsing, "socle, un::read",
         [](State & state) { parse(state, [](std::string const & text) { return un::read(text, 10); }); });
@@ -133,7 +101,7 @@ void unread_sungetc(benchmark::State & state) {
     add(parsing, "strtoull", [](State & state) {
         parse(state, [](std::string const & text) { return std::strtoull(text.c_str(), nullptr, 10); });
     });
-    char const * const formatting = "format 64-bit numbers, 1,000,000";
+    using bench::formatting;
     add(formatting, "limit: plain loop into a new string", [](State & state) { format(state, format_loop); });
     add(formatting, "socle, un::write",
         [](State & state) { format(state, [](uint64 value) { return un::write(value, 10, 0); }); });

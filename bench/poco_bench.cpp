@@ -1,4 +1,3 @@
-#include "bench/codes_data.h"
 #include "bench/integers.h"
 #include "bench/pieces_data.h"
 

@@ -27,14 +27,17 @@ void add(std::string const & row, std::string const & competitor, Function funct
 /// Bytes that this program, with its libraries, has asked of the heap so far.
 uint64 allocated() noexcept;
 
-/// Made before the loop of a benchmark, and told at its end how many items one turn has.
+/// Counts what is asked of the heap from its making on.
 class meter {
 public:
-    void done(benchmark::State & state, uint64 items) const {
-        uint64 const taken = allocated() - before_;
+    uint64 taken() const { return allocated() - before_; }
+
+    /// At the end of a benchmark: one turn has so many items.
+    void done(benchmark::State & state, uint64 items) const { report(state, items, taken()); }
+    static void report(benchmark::State & state, uint64 items, uint64 allocated) {
         double const all = static_cast<double>(state.iterations()) * static_cast<double>(items);
         state.SetItemsProcessed(static_cast<int64>(state.iterations() * items));
-        state.counters["allocated"] = static_cast<double>(taken) / all;
+        state.counters["allocated"] = static_cast<double>(allocated) / all;
     }
 
 private:

@@ -3,6 +3,8 @@
 #include "socle/io/file.h"
 #include "socle/platform/host.h"
 
+#include <cstdlib>
+#include <fcntl.h>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -34,6 +36,22 @@ private:
     }
 
     std::filesystem::path root_;
+};
+
+/// A descriptor of the host.
+class host_file {
+public:
+    host_file(std::string const & path, int flags) : handle_(open(path.c_str(), flags, 0666)) {
+        if (handle_ < 0)
+            std::abort();
+    }
+    host_file(host_file const &) = delete;
+    host_file & operator=(host_file const &) = delete;
+    ~host_file() { close(handle_); }
+    operator int() const { return handle_; }
+
+private:
+    int handle_;
 };
 
 /// The library's file of a host's path.

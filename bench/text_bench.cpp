@@ -1,6 +1,6 @@
 // Paths cut and joined, and patterns matched, over 100,000 names each.
 
-#include "bench/rows.h"
+#include "bench/text_data.h"
 #include "socle/any/path.h"
 
 #include <benchmark/benchmark.h>
@@ -12,41 +12,17 @@
 #include <filesystem>
 #include <fnmatch.h>
 #include <locale.h>
-#include <random>
 
 namespace {
 
-std::size_t const count = bench::sized(100'000);
+using bench::host_paths;
+using bench::name_count;
+using bench::names;
+using bench::narrow_names;
+using bench::paths;
 
 void done(benchmark::State & state) {
-    state.SetItemsProcessed(static_cast<int64_t>(state.iterations()) * static_cast<int64_t>(count));
-}
-
-/// Names of 6 to 30 characters, a few of them accented if asked for.
-std::vector<any::string> const & names(bool accents) {
-    static auto const make = [](bool accented) {
-        std::mt19937 random(3);
-        std::vector<any::string> made(count);
-        for (auto & name : made) {
-            for (std::size_t length = 2 + random() % 25; name.size() < length;)
-                name +=
-                    static_cast<char16_t>(accented && random() % 8 == 0 ? 0xE0 + random() % 16 : u'a' + random() % 26);
-            name += random() % 4 == 0 ? u".txt" : u".png";
-        }
-        return made;
-    };
-    static std::vector<any::string> const made[] = {make(false), make(true)};
-    return made[accents];
-}
-
-std::vector<std::string> narrow_names(bool accents, bool utf8) {
-    std::vector<std::string> made;
-    for (auto const & name : names(accents))
-        if (utf8)
-            made.push_back(std::filesystem::path(static_cast<std::u16string const &>(name)).string());
-        else
-            made.push_back(name.str(true));
-    return made;
+    state.SetItemsProcessed(static_cast<int64_t>(state.iterations()) * static_cast<int64_t>(name_count));
 }
 
 /// Whether a name holds the pieces of a pattern, in turn: what a match comes down to.
@@ -130,28 +106,6 @@ BENCHMARK_CAPTURE(match_fnmatch, accents, by_parts, true, "C")->Name("match *a*e
 BENCHMARK_CAPTURE(match_fnmatch, accents_utf8, by_parts, true, "C.UTF-8")
     ->Name("match *a*e*.png, accents/fnmatch, UTF-8 locale");
 
-/// Five folders and a name each.
-std::vector<any::string> const & paths() {
-    static std::vector<any::string> const made = [] {
-        auto const & parts = names(false);
-        std::vector<any::string> all(count);
-        for (std::size_t i = 0; i < count; ++i) {
-            all[i] = u"/home";
-            for (std::size_t k = 0; k < 5; ++k)
-                all[i] += u"/" + parts[(i * 7 + k * 13) % count];
-        }
-        return all;
-    }();
-    return made;
-}
-
-std::vector<std::string> host_paths() {
-    std::vector<std::string> made;
-    for (auto const & path : paths())
-        made.push_back(path.str(true));
-    return made;
-}
-
 std::vector<std::u16string> cut(std::u16string const & text) {
     std::vector<std::u16string> parts;
     parts.reserve(1 + static_cast<std::size_t>(std::ranges::count(text, u'/')));
@@ -168,7 +122,7 @@ void cut_vector(benchmark::State & state) {
     for (auto _ : state)
         for (auto const & text : paths())
             benchmark::DoNotOptimize(cut(text));
-    meter.done(state, count);
+    meter.done(state, name_count);
 }
 
 void cut_path(benchmark::State & state) {
@@ -176,7 +130,7 @@ void cut_path(benchmark::State & state) {
     for (auto _ : state)
         for (auto const & text : paths())
             benchmark::DoNotOptimize(any::path(text, true));
-    meter.done(state, count);
+    meter.done(state, name_count);
 }
 
 void cut_filesystem(benchmark::State & state) {
@@ -185,7 +139,7 @@ void cut_filesystem(benchmark::State & state) {
     for (auto _ : state)
         for (auto const & text : all)
             benchmark::DoNotOptimize(std::filesystem::path(text));
-    meter.done(state, count);
+    meter.done(state, name_count);
 }
 
 BENCHMARK(cut_vector)->Name("cut a path/limit: a vector of strings");
@@ -212,7 +166,7 @@ void join_vector(benchmark::State & state) {
             benchmark::DoNotOptimize(text);
         }
     }
-    meter.done(state, count);
+    meter.done(state, name_count);
 }
 
 void join_path(benchmark::State & state) {
@@ -223,7 +177,7 @@ void join_path(benchmark::State & state) {
     for (auto _ : state)
         for (auto const & path : all)
             benchmark::DoNotOptimize(path.full_string());
-    meter.done(state, count);
+    meter.done(state, name_count);
 }
 
 void join_filesystem(benchmark::State & state) {
@@ -242,7 +196,7 @@ void join_filesystem(benchmark::State & state) {
             benchmark::DoNotOptimize(path);
         }
     }
-    meter.done(state, count);
+    meter.done(state, name_count);
 }
 
 BENCHMARK(join_vector)->Name("join a path/limit: a vector of strings");

@@ -1,8 +1,7 @@
 // Recursive walks through 500 folders with 20,000 files, as a client writes them: what kind each entry is, and what the
 // system says of each file.
 
-#include "bench/rows.h"
-#include "bench/scratch.h"
+#include "bench/walk_data.h"
 #include "socle/io/directory.h"
 #include "socle/nio/attributes.h"
 #include "socle/nio/directory.h"
@@ -19,23 +18,9 @@ namespace {
 
 namespace fs = std::filesystem;
 
-uint32 const folders = bench::sized(500), files = 40;
+using bench::walk_tree;
 
-/// The tree, made once: 25 folders in a folder.
-fs::path const & tree() {
-    static fs::path const root = [] {
-        fs::path const made = bench::scratch::folder().path("tree");
-        for (uint32 i = 0; i < folders; ++i) {
-            fs::path const above = made / std::to_string(i / 25);
-            fs::path const folder = i % 25 == 0 ? above : above / std::to_string(i);
-            fs::create_directories(folder);
-            for (uint32 k = 0; k < files; ++k)
-                std::ofstream(folder / ("file " + std::to_string(k) + ".txt")) << k;
-        }
-        return made;
-    }();
-    return root;
-}
+uint64 const files = uint64(bench::walk_folders) * bench::walk_files;
 
 bool dots(char const * name) { return std::string_view(name) == "." || std::string_view(name) == ".."; }
 
@@ -67,7 +52,7 @@ uint64 walk_getdents(int folder, bool attributes) {
 }
 
 uint64 walk_system(bool attributes) {
-    int const root = open(tree().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    int const root = open(walk_tree().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     uint64 const found = walk_getdents(root, attributes);
     close(root);
     return found;
@@ -88,10 +73,10 @@ uint64 walk_readdir_in(std::string const & path, bool attributes) {
     return found;
 }
 
-uint64 walk_readdir(bool attributes) { return walk_readdir_in(tree().string(), attributes); }
+uint64 walk_readdir(bool attributes) { return walk_readdir_in(walk_tree().string(), attributes); }
 
 uint64 walk_fts(bool attributes) {
-    char const * const roots[] = {tree().c_str(), nullptr};
+    char const * const roots[] = {walk_tree().c_str(), nullptr};
     FTS * const walk = fts_open(const_cast<char **>(roots), FTS_PHYSICAL | (attributes ? 0 : FTS_NOSTAT), nullptr);
     uint64 found = 0;
     while (FTSENT const * const entry = fts_read(walk))
@@ -102,7 +87,7 @@ uint64 walk_fts(bool attributes) {
 
 uint64 walk_filesystem(bool attributes) {
     uint64 found = 0;
-    for (auto const & entry : fs::recursive_directory_iterator(tree())) {
+    for (auto const & entry : fs::recursive_directory_iterator(walk_tree())) {
         bool const is_file = entry.is_regular_file();
         found += is_file;
         if (attributes && is_file) {
@@ -115,7 +100,7 @@ uint64 walk_filesystem(bool attributes) {
 
 uint64 walk_filesystem_status(bool) {
     uint64 found = 0;
-    for (auto const & entry : fs::recursive_directory_iterator(tree()))
+    for (auto const & entry : fs::recursive_directory_iterator(walk_tree()))
         found += fs::is_regular_file(fs::status(entry.path()));
     return found;
 }
@@ -135,7 +120,8 @@ uint64 walk_io_in(io::directory const & folder, bool attributes) {
 }
 
 uint64 walk_io(bool attributes) {
-    return walk_io_in(io::directory(any::path(any::string(platform::from_host(tree().string())), true)), attributes);
+    return walk_io_in(io::directory(any::path(any::string(platform::from_host(walk_tree().string())), true)),
+                      attributes);
 }
 
 uint64 walk_nio_in(nio::directory const & folder, bool attributes) {
@@ -156,18 +142,18 @@ uint64 walk_nio_in(nio::directory const & folder, bool attributes) {
 }
 
 uint64 walk_nio(bool attributes) {
-    return walk_nio_in(nio::directory(platform::from_host(tree().string())), attributes);
+    return walk_nio_in(nio::directory(platform::from_host(walk_tree().string())), attributes);
 }
 
 [[maybe_unused]] bool const registered = [] {
     auto const add = [](bool attributes, std::string const & who, uint64 (*walk)(bool)) {
         auto const measure = [=](benchmark::State & state) {
-            if (walk(attributes) != uint64(folders) * files)
+            if (walk(attributes) != files)
                 std::abort();
             bench::meter const meter;
             for (auto _ : state)
                 benchmark::DoNotOptimize(walk(attributes));
-            meter.done(state, uint64(folders) * files);
+            meter.done(state, files);
         };
         bench::add(attributes ? "walk 500 folders with attributes, 20,000 files" : "walk 500 folders, 20,000 files",
                    who, measure);
