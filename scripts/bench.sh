@@ -56,11 +56,11 @@ done
 
 bench/catalog.sh build/bench/examples/catalog/catalog >"$scratch/catalog"
 
+# A page can be made of them again.
+mkdir -p build/bench/measured
+cp "$scratch"/{full.json,tenth.json,peak,catalog} build/bench/measured
 cp bench/RESULTS.md "$scratch/before.md"
 python3 bench/results.py "$scratch" "$before" "$after" "$(g++ --version | head -1)" >bench/RESULTS.md
 # The distribution's own, which has the package.
 /usr/bin/python3 bench/picture.py bench/RESULTS.md "$scratch/before.md" >bench/ratios.svg
-# A page can be made of them again.
-mkdir -p build/bench/measured
-cp "$scratch"/{full.json,tenth.json,peak,catalog} build/bench/measured
 echo 'written: bench/RESULTS.md and bench/ratios.svg'

@@ -18,6 +18,7 @@ integer-reads   44
 integer-writes  38
 integer-runs    7.7
 lines           19
+crc             12.4
 copies          0.5
 wz              260
 utf8            40

@@ -34,6 +34,13 @@ TEST(crc, table_and_worked_values) {
     EXPECT_EQ(crc.result(), (byte_vector{0x31, 0xC3}));
 }
 
+TEST(crc, of_32_bits_comes_in_pieces) {
+    auto const digits = bytes("123456789");
+    EXPECT_EQ(algorithm::crc::crc_32(digits.data(), 9), 0xCBF43926u);
+    EXPECT_EQ(algorithm::crc::crc_32(digits.data() + 4, 5, algorithm::crc::crc_32(digits.data(), 4)), 0xCBF43926u);
+    EXPECT_EQ(algorithm::crc::crc_32(nullptr, 0), 0u);
+}
+
 TEST(crc, finishes_once_until_reset) {
     crc_16 crc;
     crc.hook(1, 2);

@@ -1,3 +1,4 @@
+#include "socle/algorithm/crc.h"
 #include "socle/basic/byte_blocks_internal.h"
 #include "socle/nio/utf8_internal.h"
 #include "socle/stream/array_input.h"
@@ -9,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <span>
 #include <vector>
 
 /// What takes many bytes at once, in windows of every size that end where memory does.
@@ -25,6 +27,45 @@ TEST(edges, find_a_byte) {
             if (end < size)
                 window[end] = end % 2 == 0 ? '\r' : '\n';
             EXPECT_EQ(basic::find_either(window.data(), size, '\r', '\n'), end) << size;
+        }
+}
+
+/// Bit by bit.
+uint32 plain_crc_16(uint32 state, std::span<char const> bytes) {
+    for (char const byte : bytes) {
+        state ^= static_cast<uint32>(static_cast<unsigned char>(byte)) << 8;
+        for (int bit = 0; bit < 8; ++bit)
+            state = ((state & 0x8000) != 0 ? state << 1 ^ 0x1021 : state << 1) & 0xFFFF;
+    }
+    return state;
+}
+
+uint32 plain_crc_32(uint32 before, std::span<char const> bytes) {
+    uint32 state = ~before;
+    for (char const byte : bytes) {
+        state ^= static_cast<unsigned char>(byte);
+        for (int bit = 0; bit < 8; ++bit)
+            state = (state & 1) != 0 ? state >> 1 ^ 0xEDB88320 : state >> 1;
+    }
+    return ~state;
+}
+
+TEST(edges, cyclic_redundancy_checks) {
+    support::guarded_memory memory;
+    algorithm::crc::xmodem crc;
+    uint32 noise = 1;
+    for (std::size_t size = 0; size <= 300; ++size)
+        for (std::size_t behind = 0; behind < 16; ++behind) {
+            // At each alignment, and up to the end of memory.
+            auto const bytes = memory.last(size + behind).first(size);
+            std::ranges::generate(bytes, [&] { return static_cast<char>((noise = noise * 69069 + 5) >> 24); });
+            auto const * const data = reinterpret_cast<unsigned char const *>(bytes.data());
+            crc.reset();
+            crc.update(reinterpret_cast<unsigned char const *>(&noise), 2); // to begin from any state
+            uint32 const begun = crc.state();
+            crc.update(data, static_cast<uint32>(size));
+            EXPECT_EQ(crc.state() & 0xFFFF, plain_crc_16(begun & 0xFFFF, bytes)) << size << ' ' << behind;
+            EXPECT_EQ(algorithm::crc::crc_32(data, size, noise), plain_crc_32(noise, bytes)) << size << ' ' << behind;
         }
 }
 

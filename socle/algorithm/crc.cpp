@@ -1,5 +1,8 @@
 #include "socle/algorithm/crc.h"
 
+#include "socle/basic/internal/byte_order.h"
+#include "socle/platform/crc_blocks.h"
+
 namespace algorithm::crc {
 
 constexpr std::array<uint32, 256> crc_table = [] {
@@ -21,10 +24,13 @@ constexpr uint32 step(uint32 state, unsigned char byte) {
 
 constexpr uint32 slice_size = 8;
 
+template <class Entry>
+using slice_tables = std::array<std::array<Entry, 256>, slice_size>;
+
 /// `slices[k][i]` is the state after byte i and k zero bytes, so that the bytes of a slice need not wait for each
 /// other.
 constexpr auto slices = [] {
-    std::array<std::array<uint16, 256>, slice_size> tables{};
+    slice_tables<uint16> tables{};
     for (uint32 i = 0; i < 256; ++i) {
         uint32 state = crc_table[i];
         for (auto & table : tables) {
@@ -43,6 +49,54 @@ uint32 slice_step(uint32 state, unsigned char const * bytes) {
     return next;
 }
 
+/// The same for CRC-32, from its polynomial with the bits turned around.
+constexpr auto slices_32 = [] {
+    slice_tables<uint32> tables{};
+    for (uint32 i = 0; i < 256; ++i) {
+        uint32 state = i;
+        for (int bit = 0; bit < 8; ++bit)
+            state = state >> 1 ^ ((state & 1) != 0 ? 0xEDB88320 : 0);
+        tables[0][i] = state;
+    }
+    for (uint32 k = 1; k < slice_size; ++k)
+        for (uint32 i = 0; i < 256; ++i)
+            tables[k][i] = tables[k - 1][i] >> 8 ^ tables[0][tables[k - 1][i] & 0xFF];
+    return tables;
+}();
+
+constexpr uint32 step_32(uint32 state, unsigned char byte) { return state >> 8 ^ slices_32[0][(state ^ byte) & 0xFF]; }
+
+uint32 slice_step_32(uint32 state, unsigned char const * bytes) {
+    uint32 next = 0;
+    for (uint32 i = 0; i < slice_size; ++i)
+        next ^= slices_32[slice_size - 1 - i][bytes[i] ^ (i < 4 ? state >> 8 * i & 0xFF : 0)];
+    return next;
+}
+
+constexpr platform::crc_factors factors = platform::crc_factors_of(16, 0x1021, false);
+constexpr platform::crc_factors factors_32 = platform::crc_factors_of(32, 0x04C11DB7, true);
+
+/// Below this, finding the way costs more than it saves.
+constexpr std::size_t least_folded = 128;
+
+/// Takes the bytes into the state, but for some at the end, of which there are at least `rest`. Returns how many.
+template <class State, class Step>
+std::size_t take_slices(uint32 & state, unsigned char const * bytes, std::size_t count, std::size_t rest,
+                        platform::crc_factors const & by, Step slice) {
+    std::size_t done = 0;
+    auto const fold = count >= least_folded + rest ? platform::find_crc_folding() : nullptr;
+    if (fold != nullptr) {
+        unsigned char block[16] = {};
+        basic::store(reinterpret_cast<char *>(block), static_cast<State>(state), !by.reflected);
+        done = (count - rest) / sizeof block * sizeof block;
+        fold(bytes, done, by, block);
+        state = slice(slice(0, block), block + slice_size);
+    }
+    for (; count - done >= slice_size + rest; done += slice_size)
+        state = slice(state, bytes + done);
+    return done;
+}
+
 } // namespace
 
 xmodem::~crc() = default;
@@ -55,10 +109,8 @@ void xmodem::reset() {
 void xmodem::update(unsigned char const * bytes, uint32 count) {
     uint32 running = state();
     // The last two bytes go in singly, so that the bits above the low 16 come out as with single bytes, too.
-    for (; count >= slice_size + 2; bytes += slice_size, count -= slice_size)
-        running = slice_step(running, bytes);
-    for (; count > 0; ++bytes, --count)
-        running = step(running, *bytes);
+    for (auto at = take_slices<uint16>(running, bytes, count, 2, factors, slice_step); at < count; ++at)
+        running = step(running, bytes[at]);
     state(running);
 }
 
@@ -70,6 +122,13 @@ void xmodem::finish() {
     state(state() & 0xFFFF);
     result({static_cast<unsigned char>(state() >> 8), static_cast<unsigned char>(state())});
     finished_ = true;
+}
+
+uint32 crc_32(unsigned char const * bytes, std::size_t count, uint32 before) {
+    uint32 state = ~before;
+    for (auto at = take_slices<uint32>(state, bytes, count, 0, factors_32, slice_step_32); at < count; ++at)
+        state = step_32(state, bytes[at]);
+    return ~state;
 }
 
 } // namespace algorithm::crc

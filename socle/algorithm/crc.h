@@ -3,6 +3,7 @@
 #include "socle/algorithm/digest.h"
 
 #include <array>
+#include <cstddef>
 
 namespace algorithm::crc {
 
@@ -39,5 +40,9 @@ private:
 
 /// The CRC of MacBinary headers and of BinHex files.
 using xmodem = crc<16, 0x1021, 0, 1, 0, 0>;
+
+/// The CRC-32 of ZIP, gzip and PNG files: the polynomial 0x04C11DB7, reflected, from all ones, and inverted at the end.
+/// `before` is that of the bytes in front, so that bytes may come in pieces.
+SOCLE_API uint32 crc_32(unsigned char const * bytes, std::size_t count, uint32 before = 0);
 
 } // namespace algorithm::crc

@@ -1,6 +1,7 @@
 // Runs one hot path, named by the argument, on a fixed input, so that its instructions can be counted. "nothing" makes
 // the inputs alone.
 
+#include "socle/algorithm/crc.h"
 #include "socle/any/string.h"
 #include "socle/nio/integer_codes.h"
 #include "socle/nio/utf8_internal.h"
@@ -119,6 +120,12 @@ std::map<std::string, std::function<void()>> const kernels = {
              for (uint32 length; (length = in.read_line(line, sizeof line)) != 0xFFFFFFFF;)
                  sum += length;
          });
+     }},
+    {"crc",
+     [] {
+         algorithm::crc::xmodem crc;
+         crc.update(reinterpret_cast<unsigned char const *>(text.data()), size);
+         sum += crc.state();
      }},
     {"copies",
      [] {
