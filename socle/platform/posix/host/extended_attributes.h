@@ -33,7 +33,7 @@ public:
 private:
     char block_[1024];
     std::size_t size_ = 0; // of the names, with a zero byte behind each
-    bool all_ = false;     // as the names are too many to tell
+    bool all_ = true;      // unless there are more
 };
 
 /// Reads the number that such a text is, all of it. False, and `number` left alone, where it is none.
