@@ -197,7 +197,8 @@ phase_s390x() {
         integer_codes backup_filter mac_records io_attributes nio_file orders'
     local programs
     read -rd "" -a programs <<<"$families" || true
-    programs=("${programs[@]/%/_test}" fuzz_buffers fuzz_endian fuzz_integer_codes fuzz_mac_records fuzz_utf8)
+    programs=("${programs[@]/%/_test}" fuzz_buffers fuzz_input_streams fuzz_integer_codes fuzz_mac_records
+        fuzz_output_streams fuzz_utf8)
     configure_port s390x
     cmake --build --preset s390x --target "${programs[@]}"
     run_tests ctest --preset s390x --label-regex "^($(IFS='|' && echo "${programs[*]}"))\$"

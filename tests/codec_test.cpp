@@ -15,32 +15,6 @@ using namespace std::string_literals;
 using support::fragment_source;
 using support::recording_target;
 
-wide_string decoded(narrow_string const & bytes, bool validate) {
-    wide_string out = u"old";
-    nio::_utf8_decode(bytes, out, validate);
-    return out;
-}
-
-TEST(utf8, decodes_what_it_knows_and_marks_the_rest) {
-    struct {
-        narrow_string bytes;
-        wide_string valid, any;
-    } const table[] = {
-        {"\x7F\xC2\x80\xDF\xBF\xE0\xA0\x80\xE2\x82\xAC", u"\x7F\x80\x7FF\x800\x20AC", u"\x7F\x80\x7FF\x800\x20AC"},
-        {"\xED\xA0\xBD\xED\xB8\x80", u"\xFFFD\xFFFD", u"\xD83D\xDE00"},
-        {"\xF0\x9F\x98\x80", u"\xFFFD", u"\xF600"},
-        {"\xFC\x84\x80\x80\x80\x81z", u"\xFFFDz", u"\x0001z"},
-        {"\xE0\x80\x80", u"\xFFFD", u"\0"s},
-        {"\x80\xFF\xFE", u"\xFFFD\xFFFD\xFFFD", u"\xFFFD\xFFFD\xFFFD"},
-        {"\xE2\x82\x41", u"\xFFFD\x41", u"\xFFFD\x41"},
-        {"\xEF\xBF\xBE\xEF\xBF\xBF\xEF\xBF\xBD", u"\xFFFD\xFFFD\xFFFD", u"\xFFFE\xFFFF\xFFFD"},
-    };
-    for (auto const & c : table) {
-        EXPECT_EQ(decoded(c.bytes, true), c.valid);
-        EXPECT_EQ(decoded(c.bytes, false), c.any);
-    }
-}
-
 TEST(codec, follows_its_selector) {
     EXPECT_EQ(nio::encode(u"\x20AC\x0416", 1252), "\x80_");
     EXPECT_EQ(nio::encode(u"\x20AC\x0416", 1251), "\x88\xC6");
@@ -91,24 +65,6 @@ TEST(fields, need_room_for_their_bytes) {
     stream::vector_input long_field(data);
     EXPECT_THROW(nio::read_string(long_field, 0xFFFFFFFF, 0, false), basic::exception);
     EXPECT_EQ(long_field.tell(), 3u);
-}
-
-TEST(utf8_coder, encodes) {
-    struct row {
-        wide_string text;
-        narrow_string bytes;
-    };
-    for (auto const & [text, bytes] : {
-             row{{u'a', u'\0', u'b'},
-                 "a\xC0\x80"
-                 "b"},
-             row{u"\x800\x20AC\xFFFF", "\xE0\xA0\x80\xE2\x82\xAC\xEF\xBF\xBF"},
-             row{{0xD83D, 0xDE00}, "\xED\xA0\xBD\xED\xB8\x80"},
-         }) {
-        EXPECT_EQ(any::utf8_coder::encode(text), bytes);
-        EXPECT_EQ(any::utf8_coder::encoded_size(text), bytes.size());
-        EXPECT_EQ(any::utf8_coder::decode(bytes), text);
-    }
 }
 
 TEST(utf8_coder, decodes_what_is_malformed_byte_by_byte) {

@@ -10,20 +10,6 @@ using elements = std::vector<any::string>;
 
 elements of(any::path const & path) { return {path.begin(), path.end()}; }
 
-TEST(path, cuts) {
-    struct row {
-        wide_string text;
-        elements cut;
-    };
-    for (auto const & [text, cut] : {
-             row{u"./a/./b", {u"a", u"b"}},
-             row{u"\\\\server\\share", {u"", u"", u"server", u"share"}},
-             row{{u'a', u'\0', u'/', u'\0'}, {wide_string{u'a', u'\0'}, wide_string{u'\0'}}},
-         })
-        EXPECT_EQ(of(any::path(text, true)), cut) << testing::PrintToString(text);
-    EXPECT_EQ(of(any::path(u"a/./b", false)), (elements{u"a", u".", u"b"}));
-}
-
 TEST(path, cuts_at_the_separators_given) {
     any::path path(u"a/b:c", u":", true);
     EXPECT_EQ(of(path), (elements{u"a/b", u"c"}));
