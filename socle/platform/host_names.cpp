@@ -40,9 +40,11 @@ bool to_host_name(std::u16string_view name, narrow_string & host) {
     host.clear();
     for (std::size_t i = 0; i < name.size(); ++i) {
         char16_t const unit = name[i];
-        if (std::u16string_view(u"\0/\\:", 4).find(unit) != std::u16string_view::npos)
+        if (unit == u'\0' || unit == u'/' || unit == u'\\' || unit == u':')
             return false;
-        if (unit == host_backslash || unit == host_colon) {
+        if (unit < 0x80) {
+            host += static_cast<char>(unit);
+        } else if (unit == host_backslash || unit == host_colon) {
             host += unit == host_colon ? ':' : '\\';
         } else if (unicode::is_high_surrogate(unit)) {
             if (i + 1 == name.size() || !unicode::is_low_surrogate(name[i + 1]))

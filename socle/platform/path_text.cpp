@@ -6,9 +6,7 @@ namespace platform {
 
 namespace {
 
-constexpr std::u16string_view separators = u"\\/";
-
-bool is_separator(char16_t unit) { return separators.find(unit) != std::u16string_view::npos; }
+bool is_separator(char16_t unit) { return unit == u'\\' || unit == u'/'; }
 
 bool has_drive(std::u16string_view path) {
     return path.size() >= 2 && path[1] == u':'
@@ -17,7 +15,7 @@ bool has_drive(std::u16string_view path) {
 
 /// What stands in front of the next separator; it and the separator are taken from `path`.
 std::u16string_view take_name(std::u16string_view & path) {
-    std::size_t const end = std::min(path.find_first_of(separators), path.size());
+    auto const end = static_cast<std::size_t>(std::ranges::find_if(path, is_separator) - path.begin());
     std::u16string_view const name = path.substr(0, end);
     path.remove_prefix(std::min(end + 1, path.size()));
     return name;
@@ -25,6 +23,7 @@ std::u16string_view take_name(std::u16string_view & path) {
 
 void add_names(std::u16string_view path, path_text & text) {
     bool const folder = !path.empty() && is_separator(path.back());
+    text.names.reserve(text.names.size() + 1 + static_cast<std::size_t>(std::ranges::count_if(path, is_separator)));
     while (!path.empty()) {
         std::u16string_view const name = take_name(path);
         if (name == u"..") {

@@ -114,10 +114,10 @@ host_error find_folder(volume const & on, narrow_string const & folder, std::sha
 }
 
 bool is_safe_name(std::u16string_view name) {
-    for (char16_t unit : name)
-        if (unit < 32 || std::u16string_view(u"\"*<>?|:").find(unit) != std::u16string_view::npos)
-            return false;
-    return true;
+    return std::ranges::none_of(name, [](char16_t unit) {
+        return unit < 32 || unit == u'"' || unit == u'*' || unit == u'<' || unit == u'>' || unit == u'?' || unit == u'|'
+               || unit == u':';
+    });
 }
 
 system_code to_host_text(path_text const & path, host_text & text) {
@@ -127,13 +127,10 @@ system_code to_host_text(path_text const & path, host_text & text) {
     text.folder = text.on->folder;
     text.is_folder = path.folder;
     narrow_string host;
-    auto const convert = [&](std::u16string_view name) {
-        return name.find_first_of(u"\\:") == std::u16string_view::npos && to_host_name(name, host);
-    };
     if (path.names.empty())
         return {};
     for (std::size_t i = 0; i + 1 < path.names.size(); ++i) {
-        if (!convert(path.names[i]))
+        if (!to_host_name(path.names[i], host))
             return ERROR_INVALID_NAME;
         text.folder.append("/").append(host);
     }
@@ -143,7 +140,7 @@ system_code to_host_text(path_text const & path, host_text & text) {
     text.stream = text.has_stream ? last.substr(colon + 1) : std::u16string_view();
     std::u16string_view const leaf = last.substr(0, colon);
     // A volume's own folder may have streams as well.
-    if (leaf.empty() ? path.names.size() > 1 : !convert(leaf))
+    if (leaf.empty() ? path.names.size() > 1 : !to_host_name(leaf, host))
         return ERROR_INVALID_NAME;
     text.leaf = host;
     text.safe = is_safe_name(leaf);
