@@ -12,6 +12,7 @@
 #include "socle/stream/array_input.h"
 #include "socle/stream/endian_input.h"
 
+#include <chrono>
 #include <cstring>
 #include <dirent.h>
 #include <endian.h>
@@ -256,6 +257,33 @@ uint64 catalogue_plain() {
     return digest(made);
 }
 
+/// What the host has no bit for is put in: one file of each folder.
+uint64 with_hidden(host_catalogue && made) {
+    for (auto & file : made)
+        file.hidden = file.name == "file 7.txt";
+    return digest(made);
+}
+
+uint64 catalogue_host() {
+    host_catalogue made;
+    walk_plain(catalogue_tree().string(), false, made);
+    return with_hidden(std::move(made));
+}
+
+uint64 catalogue_filesystem() {
+    host_catalogue made;
+    for (auto const & found : fs::recursive_directory_iterator(catalogue_tree())) {
+        if (!found.is_regular_file())
+            continue;
+        auto const modified = std::chrono::file_clock::to_sys(found.last_write_time());
+        bool const writable = (found.status().permissions() & fs::perms::owner_write) != fs::perms::none;
+        made.push_back({found.path().filename().string(), found.file_size(),
+                        std::chrono::floor<std::chrono::seconds>(modified).time_since_epoch().count(), !writable,
+                        false});
+    }
+    return with_hidden(std::move(made));
+}
+
 void walk_io(io::directory const & folder, std::vector<entry<any::string>> & to) {
     for (auto found = folder.begin(), end = folder.end(); found != end; ++found) {
         if (found.is_directory()) {
@@ -301,6 +329,8 @@ uint64 catalogue_nio() {
     add(unpacking, "socle, io::file", unpack_socle);
     job const catalogue{"job: catalogue 20,000 files", walk_folders * walk_files, catalogue_plain};
     add(catalogue, "limit: readdir, fstatat and getxattr", catalogue_plain);
+    add(catalogue, "readdir and fstatat, no hidden bit", catalogue_host);
+    add(catalogue, "std::filesystem, no hidden bit", catalogue_filesystem);
     add(catalogue, "socle, io::directory", catalogue_io);
     add(catalogue, "socle, nio::directory", catalogue_nio);
     return true;

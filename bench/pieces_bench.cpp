@@ -119,6 +119,16 @@ void unread_sungetc(benchmark::State & state) {
         });
     });
     char const * const unreading = "unread, a source that cannot seek";
+    add(unreading, "limit: a pointer moved", [](State & state) {
+        char const bytes[100] = {};
+        char const * volatile at = bytes;
+        give_back(state, [&] {
+            char const byte = *at;
+            at = at + 1;
+            at = at - 1;
+            return byte;
+        });
+    });
     add(unreading, "socle, read and unread", unread);
     add(unreading, "sbumpc and sungetc", unread_sungetc);
     return true;

@@ -6,9 +6,11 @@
 #include "socle/io/directory.h"
 #include "socle/nio/directory.h"
 
+#include <dirent.h>
 #include <fcntl.h>
 #include <functional>
 #include <sys/stat.h>
+#include <vector>
 
 namespace {
 
@@ -89,6 +91,34 @@ void measure_scan(benchmark::State & state, bool attached) {
     state.SetItemsProcessed(state.iterations() * 1000);
 }
 
+/// Removes a chain by the host's own calls: down, then up.
+void remove_chain(fs::path const & top) {
+    std::vector<int> opened{open(top.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)};
+    for (int below; (below = openat(opened.back(), "folder", O_RDONLY | O_DIRECTORY | O_CLOEXEC)) >= 0;)
+        opened.push_back(below);
+    for (; !opened.empty(); opened.pop_back()) {
+        unlinkat(opened.back(), "folder", AT_REMOVEDIR);
+        close(opened.back());
+    }
+    rmdir(top.c_str());
+}
+
+uint64 count_files(std::string const & path) {
+    DIR * const folder = opendir(path.c_str());
+    uint64 found = 0;
+    while (dirent const * const entry = readdir(folder)) {
+        struct stat about;
+        if (entry->d_name[0] == '.')
+            continue;
+        if (entry->d_type == DT_DIR)
+            found += count_files(path + '/' + entry->d_name);
+        else
+            found += fstatat(dirfd(folder), entry->d_name, &about, 0) == 0;
+    }
+    closedir(folder);
+    return found;
+}
+
 [[maybe_unused]] bool const registered = [] {
     for (uint32 const depth : {600u, 1200u}) {
         auto const add = [=](std::string const & who, bool attached, removal remove) {
@@ -99,11 +129,20 @@ void measure_scan(benchmark::State & state, bool attached) {
         auto const with_nio = [](fs::path const & top) {
             nio::directory(platform::from_host(top.string())).unlink_with_children(true);
         };
+        // A chain deeper than this process may have descriptors has no limit that is as simple.
+        if (depth < 1000)
+            add("limit: openat and unlinkat", false, remove_chain);
         add("std::filesystem", false, [](fs::path const & top) { fs::remove_all(top); });
         add("socle, io::directory", false, with_io);
         add("socle, nio::directory", false, with_nio);
         add("socle, nio::directory, a volume attached", true, with_nio);
     }
+    bench::add("scan 1,000 files, 10 deep", "limit: readdir and fstatat", [](benchmark::State & state) {
+        for (auto _ : state)
+            if (count_files(deep_tree().string()) != 1000)
+                std::abort();
+        state.SetItemsProcessed(state.iterations() * 1000);
+    });
     bench::add("scan 1,000 files, 10 deep", "socle, no volume attached", measure_scan, false);
     bench::add("scan 1,000 files, 10 deep", "socle, a volume attached", measure_scan, true);
     return true;

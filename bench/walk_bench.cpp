@@ -155,8 +155,7 @@ uint64 walk_nio(bool attributes) {
                 benchmark::DoNotOptimize(walk(attributes));
             meter.done(state, files);
         };
-        bench::add(attributes ? "walk 500 folders with attributes, 20,000 files" : "walk 500 folders, 20,000 files",
-                   who, measure);
+        bench::add(bench::walk_row(attributes), who, measure);
     };
     for (bool const attributes : {false, true}) {
         add(attributes, attributes ? "limit: getdents64 and fstatat" : "limit: getdents64", walk_system);

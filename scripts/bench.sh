@@ -8,6 +8,7 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 need cmake=cmake ninja-build=ninja rsync=rsync strace=strace g++=g++ pkg-config=pkg-config python3=python3 \
     libbenchmark-dev=/usr/include/benchmark/benchmark.h libboost-dev=/usr/include/boost/crc.hpp \
+    libboost-iostreams-dev=/usr/lib/x86_64-linux-gnu/libboost_iostreams.so \
     libprotobuf-dev=/usr/include/google/protobuf/io/coded_stream.h libabsl-dev=/usr/include/absl/strings/str_split.h \
     libicu-dev=/usr/include/unicode/ucnv.h libpoco-dev=/usr/include/Poco/BinaryReader.h \
     python3-matplotlib=/usr/lib/python3/dist-packages/matplotlib libcapnp-dev=/usr/include/kj/io.h qtbase5-dev=/usr/include/x86_64-linux-gnu/qt5/QtCore/QDataStream
