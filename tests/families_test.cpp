@@ -3,10 +3,12 @@
 #include "socle/io/directory.h"
 #include "socle/io/exception.h"
 #include "socle/io/file.h"
+#include "socle/nio/attributes.h"
 #include "socle/nio/directory.h"
 #include "socle/nio/file.h"
 #include "socle/nio/filesystem_exception.h"
 #include "socle/nio/move.h"
+#include "socle/platform/host.h"
 #include "tests/support/raised.h"
 #include "tests/support/scratch.h"
 
@@ -212,6 +214,8 @@ TYPED_TEST(families, items_are_asked_what_they_are) {
             EXPECT_EQ(item.is_directory(), directory);
         EXPECT_EQ(text_of(typename TestFixture::folder_type(item)), text_of(item));
     }
+    EXPECT_EQ(platform::is_link(this->here_.path("to_dir")), links);
+    EXPECT_FALSE(platform::is_link(this->here_.path("dir")) || platform::is_link(this->here_.path("missing")));
     std::string kinds;
     auto const folder = this->folder("");
     for (auto entry = folder.begin(), end = folder.end(); entry != end; ++entry)
@@ -259,7 +263,7 @@ TYPED_TEST(families, are_named_absolutely_and_by_links) {
 
 TEST(both_families, say_what_could_not_be_done) {
     scratch const here;
-    for (char const * file : {"a", "b", "s_t.rsrc", "._c", "._a", "n_"})
+    for (char const * file : {"a", "b", "s_t.rsrc", "._c", "._a", "._m_", "n_"})
         here.write(file, file);
     auto const item = [&](char const * name) { return io::item(any::path(here.path(name), true)); };
     auto const io_file = [&](char16_t const * name) { return io::file(any::path(here.path("") + name, true)); };
@@ -267,6 +271,10 @@ TEST(both_families, say_what_could_not_be_done) {
     auto const move = [&](char16_t const * to) {
         wide_string target = here.path("") + to;
         nio::move(here.path("a"), target, true);
+    };
+    auto const write_info = [&](char16_t const * name) {
+        nio::item of(here.path("") + name);
+        nio::attributes().apply(of, true, false);
     };
     struct {
         std::string words;
@@ -294,10 +302,15 @@ TEST(both_families, say_what_could_not_be_done) {
         {"cannot delete: 2", [&] { nio::directory(here.path("none")).unlink(true); }},
         {"cannot create: 183", [&] { nio::directory(here.path("") + u"n?").create(); }},
         {"nothing", [&] { nio::directory(here.path("a/b/c")).create(); }},
+        {"nothing", [&] { EXPECT_FALSE(nio::directory().create()); }},
+        {"nothing", [&] { write_info(u"i?"); }},
+        {"cannot create: 80", [&] { write_info(u"m?"); }},
+        {"nothing", [&] { EXPECT_TRUE(nio::directory().begin() == nio::directory().end()); }},
     };
     for (auto const & [words, act] : table)
         EXPECT_TRUE(raised(act).starts_with(words)) << words << ", but " << raised(act);
-    EXPECT_EQ(here.read("a") + here.read("b") + here.read("._c") + here.read("n_"), "ab._cn_");
+    EXPECT_EQ(here.read("a") + here.read("b") + here.read("._c") + here.read("._m_") + here.read("n_"), "ab._c._m_n_");
+    EXPECT_TRUE(here.exists("._i_"));
 }
 
 TEST(both_families, have_temporary_files) {

@@ -56,6 +56,8 @@ TEST(platform_directories, say_why_there_is_no_search) {
                        {"none", 2},    {"none/none", 3}, {"dangling", 0}, {"a*b", 50},     {"empty/", 2}};
     for (auto const & c : table)
         EXPECT_EQ(search_code(folder.path("") + u"\\" + from_host(c.pattern)), c.code) << c.pattern;
+    EXPECT_EQ(search_code(folder.path("empty") + u":s\\*"), 267u);
+    EXPECT_EQ(search_code(u"C:\\*"), 0u);
     EXPECT_EQ(search_code(u"."), 0u);
     EXPECT_EQ(search_code(u"Q:\\*"), 3u);
     EXPECT_EQ(search(folder.path("empty") + u"\\*"), (std::vector<wide_string>{u".", u".."}));

@@ -107,6 +107,8 @@ TEST_F(platform_paths, on_a_volume_get_its_letter_however_they_are_spelled) {
         EXPECT_EQ(posix::resolve(path, resolved), 0u);
     EXPECT_EQ(posix::resolve(u"N:\\f:note", resolved), 123u);
     EXPECT_EQ(posix::resolve(u"N:\\no\\a?", resolved), 123u);
+    scratch_.write("vol/f", "");
+    EXPECT_EQ(posix::resolve(u"N:\\f\\x", resolved), 3u);
 
     ASSERT_EQ(attach_volume('R', "/", "FAT"), 0u);
     EXPECT_EQ(full(scratch_.path("f")), u'R' + scratch_.path("f").substr(1));
@@ -125,6 +127,8 @@ TEST_F(platform_paths, of_volumes_are_checked) {
     wide_string system;
     EXPECT_TRUE(GetVolumeInformationW(u"C:\\", system));
     EXPECT_NE(system, u"unknown");
+    EXPECT_FALSE(GetVolumeInformationW(u"C:\\file", system));
+    EXPECT_EQ(last_error(), 123u);
     EXPECT_FALSE(GetVolumeInformationW(u"Q:\\", system));
     EXPECT_EQ(last_error(), 3u);
     EXPECT_EQ(detach_volume('C'), 3u);

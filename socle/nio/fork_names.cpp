@@ -19,8 +19,7 @@ constexpr std::u16string_view info_stream = u":AFP_AfpInfo";
 /// The part of an absolute path that names its volume, with a separator at the end; empty if there is none.
 wide_string volume_root(wide_string const & path) {
     auto const is_letter = [](char16_t unit) { return std::iswalpha(unit) != 0; };
-    auto const is_separator = [](char16_t unit) { return unit == u'\\' || unit == u'/'; };
-    if (path.size() >= 3 && is_letter(path[0]) && path[1] == u':' && is_separator(path[2]))
+    if (path.size() >= 3 && is_letter(path[0]) && path[1] == u':' && path[2] == u'\\')
         return path.substr(0, 3);
     if (!path.starts_with(u"\\\\"))
         return {};
@@ -58,7 +57,9 @@ bool is_ntfs_rsrc_name(wide_string const & path) { return path.ends_with(rsrc_st
 bool is_ntfs_info_name(wide_string const & path) { return path.ends_with(info_stream); }
 
 bool is_ntfs(wide_string const & path) {
-    wide_string const root = platform_is_nt ? volume_root(make_absolute(path)) : wide_string();
+    if (!platform_is_nt)
+        return false;
+    wide_string const root = volume_root(make_absolute(path));
     wide_string file_system;
     return !root.empty() && platform::GetVolumeInformationW(root, file_system) && file_system == u"NTFS";
 }
@@ -67,7 +68,9 @@ bool exists_ufs(wide_string const & path) { return exists(ufs_name(path)); }
 
 bool exists_ntfs(wide_string const & path) {
     platform::held_paths const hold;
-    return is_ntfs(path) && exists(ntfs_rsrc_name(path));
+    if (!is_ntfs(path))
+        return false;
+    return exists(ntfs_rsrc_name(path));
 }
 
 bool exists_rsrc(wide_string const & path) {

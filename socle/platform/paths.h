@@ -32,7 +32,7 @@ bool IsParentThere(wide_string const & path);
 /// with a NUL, or if the working directory is gone.
 bool GetFullPathNameW(wide_string const & path, wide_string & full);
 
-/// The name of the file system at a volume's root, as in `C:\`.
+/// The name of the file system at a volume's root, as in `C:\`. A path in it is refused.
 bool GetVolumeInformationW(wide_string const & root, wide_string & file_system);
 
 } // namespace platform

@@ -40,8 +40,7 @@ system_code listed_folder::open(std::u16string_view path, bool follow_link) {
         return code;
     if (on_.get() == text.on || text.on->top.get() < 0)
         return {};
-    host_error const error = text.on->place().check(); // it was left by a link, or as its folder has been moved
-    return error == ENOENT ? ERROR_PATH_NOT_FOUND : code_of(error);
+    return text.on->check_place(); // it was left by a link, or as its folder has been moved
 }
 
 system_code listed_folder::open(listed_folder const & above, narrow_string const & name) {
@@ -52,9 +51,16 @@ system_code listed_folder::open(listed_folder const & above, narrow_string const
     return above.crosses_ ? find_volume() : system_code();
 }
 
+host_error listed_folder::find_path(narrow_string & path) const {
+    host_error const error = path_of(file_.get(), path);
+    if (path == "/")
+        path.clear();
+    return error;
+}
+
 system_code listed_folder::find_volume() {
     narrow_string path;
-    host_error const error = path_of(file_.get(), path);
+    host_error const error = find_path(path);
     if (error == ENAMETOOLONG) {
         // So far down that the host has no path for it: on the volume of the folder above, as far as can be told.
         crosses_ = true;
@@ -62,7 +68,6 @@ system_code listed_folder::find_volume() {
     }
     if (error)
         return code_of(error);
-    path = path == "/" ? narrow_string() : path;
     on_ = volume_at(path).shared_from_this();
     at_top_ = path == on_->folder;
     crosses_ = any_below(path);
@@ -83,11 +88,11 @@ system_code listed_folder::entry(std::u16string_view name, resolved_path & at) c
     at.safe = is_safe_name(leaf);
     if (crosses_) {
         narrow_string path;
-        host_error const error = path_of(file_.get(), path);
-        if (error && error != ENAMETOOLONG)
-            return code_of(error);
+        host_error const error = find_path(path);
         if (!error)
-            at.on = &volume_at((path == "/" ? path : path + '/') + at.name);
+            at.on = &volume_at(path.append("/").append(at.name));
+        else if (error != ENAMETOOLONG)
+            return code_of(error);
     }
     return colon == std::u16string_view::npos ? system_code() : to_stream(name.substr(colon + 1), at);
 }

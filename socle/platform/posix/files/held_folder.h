@@ -32,6 +32,8 @@ public:
 
 private:
     system_code find_volume();
+    /// Where it lies now; "" for the host's root.
+    host_error find_path(narrow_string & path) const;
 
     descriptor_guard file_;
     std::shared_ptr<volume const> on_; // also where it has been detached since

@@ -16,9 +16,10 @@ bool same_entry(resolved_path const & a, resolved_path const & b) {
     auto const leaf = [](resolved_path const & at) { return std::string_view(at.name).substr(at.beside("").size()); };
     struct stat first {};
     struct stat second {};
-    if (leaf(a) != leaf(b) || host::stat(a.at(a.beside(".")), &first) != 0)
-        return false;
-    return host::stat(b.at(b.beside(".")), &second) == 0 && is_same_file(first, second);
+    narrow_string const folder = a.beside(".");
+    narrow_string const other = b.beside(".");
+    return leaf(a) == leaf(b) && host::stat(a.at(folder), &first) == 0 && host::stat(b.at(other), &second) == 0
+           && is_same_file(first, second);
 }
 
 /// A folder's streams lie within its volume, as far as one rename goes.

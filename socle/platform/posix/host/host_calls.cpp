@@ -194,7 +194,8 @@ int statx(at const & file, int flags, unsigned mask, struct statx * status) {
 }
 
 int statfs(at const & file, struct statfs * status) {
-    return fails("statfs") ? -1 : ::statfs(linked(file, false).name(), status);
+    linked const path(file, false);
+    return fails("statfs") ? -1 : ::statfs(path.name(), status);
 }
 
 int access(at const & file, int mode) {
@@ -247,8 +248,9 @@ int rename_no_replace(at const & from, at const & to) {
 }
 
 int realpath(at const & file, narrow_string & path) {
+    linked const asked(file, false);
     char resolved[PATH_MAX];
-    if (fails("realpath") || ::realpath(linked(file, false).name(), resolved) == nullptr)
+    if (fails("realpath") || ::realpath(asked.name(), resolved) == nullptr)
         return -1;
     path = resolved;
     return 0;
@@ -265,11 +267,13 @@ ssize_t getxattr(at const & file, char const * name, void * value, std::size_t s
 }
 
 int setxattr(at const & file, char const * name, void const * value, std::size_t size, int flags) {
-    return fails("setxattr") ? -1 : ::setxattr(linked(file, false).name(), name, value, size, flags);
+    linked const path(file, false);
+    return fails("setxattr") ? -1 : ::setxattr(path.name(), name, value, size, flags);
 }
 
 int removexattr(at const & file, char const * name) {
-    return fails("removexattr") ? -1 : ::removexattr(linked(file, false).name(), name);
+    linked const path(file, false);
+    return fails("removexattr") ? -1 : ::removexattr(path.name(), name);
 }
 
 ssize_t listxattr(at const & file, char * names, std::size_t size) {

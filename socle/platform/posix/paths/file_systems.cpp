@@ -68,14 +68,12 @@ wide_string file_system_of(volume const & on) {
 
 bool GetVolumeInformationW(wide_string const & root, wide_string & file_system) {
     posix::host_text text;
-    posix::resolved_path resolved;
     if (system_code const code = posix::to_host_text(root, text))
         return posix::report(code);
-    // The host is not asked for a drive's root: what fails there does not change how files keep their streams.
-    bool const drive = text.leaf.empty() && !text.has_stream;
-    if (system_code const code = drive ? system_code() : posix::resolve(root, resolved))
-        return posix::report(code);
-    file_system = posix::file_system_of(drive ? posix::volume_at(text.folder) : *resolved.on);
+    if (!text.leaf.empty() || text.has_stream)
+        return posix::report(ERROR_INVALID_NAME);
+    // The host is not asked: what fails there does not change how files keep their streams.
+    file_system = posix::file_system_of(posix::volume_at(text.folder));
     return true;
 }
 

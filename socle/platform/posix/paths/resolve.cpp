@@ -53,8 +53,7 @@ system_code place(host_text const & text, resolved_path & resolved) {
         }
         resolved.folder = text.on->top.get();
         resolved.name = ".";
-        host_error const error = text.on->place().check();
-        return error == ENOENT ? ERROR_PATH_NOT_FOUND : code_of(error);
+        return text.on->check_place();
     }
     if (!attached) {
         resolved.name = text.path();
@@ -193,7 +192,7 @@ system_code code_at(resolved_path const & at, host_error error) {
         return code_of(error);
     if (!at.safe) // nothing can be made under it
         return ERROR_INVALID_NAME;
-    if (at.folder != AT_FDCWD || at.name == "/")
+    if (at.folder != AT_FDCWD)
         return ERROR_FILE_NOT_FOUND;
     return is_folder(at.at(at.beside("."))) ? ERROR_FILE_NOT_FOUND : ERROR_PATH_NOT_FOUND;
 }

@@ -12,7 +12,7 @@ namespace {
 
 /// `C:` first, and never empty.
 std::vector<std::shared_ptr<volume const>> & table() {
-    static std::vector<std::shared_ptr<volume const>> volumes = {std::make_shared<volume>('C')};
+    static std::vector<std::shared_ptr<volume const>> volumes(1, std::make_shared<volume>('C'));
     return volumes;
 }
 
@@ -33,6 +33,11 @@ host::at volume::at(narrow_string const & path) const {
     if (top.get() < 0)
         return path.empty() ? host::at("/") : host::at(path);
     return {top.get(), path.size() > folder.size() ? path.c_str() + folder.size() + 1 : "."};
+}
+
+system_code volume::check_place() const {
+    host_error const error = place().check();
+    return error == ENOENT ? ERROR_PATH_NOT_FOUND : code_of(error);
 }
 
 system_code attach(char letter, narrow_string const & folder, narrow_string const & file_system) {

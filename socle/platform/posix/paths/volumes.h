@@ -20,6 +20,8 @@ struct volume : std::enable_shared_from_this<volume> {
     bool ntfs_disk = false;                 // whether it gives a file's NTFS attributes as extended ones
 
     held_place place() const { return {top.get(), folder}; }
+    /// 3 if the folder has been moved or removed.
+    system_code check_place() const;
     /// The path of something in the folder, or of itself, as the calls take it.
     host::at at(narrow_string const & path) const;
 

@@ -28,7 +28,7 @@ system_code told(Step step) {
 /// The folder that a file claims; none if it claims none.
 streams_folder look(held_place const & volume, host::at const & file, claimant const & owner) {
     streams_folder found = find_streams(volume, file, owner);
-    if (!found.is_open() && found.lost)
+    if (found.lost)
         throw host_error(EUCLEAN);
     return found;
 }
@@ -81,7 +81,7 @@ streams_folder settle(held_place const & volume, host::at const & file, claimant
         return found;
     lock(found.folder.get(), LOCK_SH);
     claimant const now = claimant_at(file);
-    again = !now.has_own() || now.claims.front().id != found.claim.id;
+    again = !now.has_own() || now.first() != found.claim.id;
     if (!again && found.serves())
         note_place(found, file);
     return found;
@@ -111,21 +111,20 @@ void enter(streams_folder & found, narrow_string const & stored, file_rights con
 void list_folder(int folder, narrow_string const & begun, std::vector<wide_string> & names) {
     folder_reader entries(folder);
     while (dirent64 const * const entry = entries.next()) {
-        std::string_view const name = entry->d_name;
+        narrow_string stored = begun + entry->d_name;
         wide_string stream;
-        if (!name.ends_with('~')) {
-            if ((entry->d_type == DT_REG || entry->d_type == DT_UNKNOWN)
-                && stream_name_of(begun + narrow_string(name), stream))
+        if (!stored.ends_with('~')) {
+            if ((entry->d_type == DT_REG || entry->d_type == DT_UNKNOWN) && stream_name_of(stored, stream))
                 names.push_back(stream);
             continue;
         }
         // No longer than the longest stored name, so that nothing put there by hand leads down without end.
         if (begun.size() >= 5 * 255)
             continue;
-        narrow_string const longer = begun + narrow_string(name.substr(0, name.size() - 1));
+        stored.pop_back();
         descriptor_guard const inner = open_descriptor({folder, entry->d_name}, O_RDONLY | O_DIRECTORY | O_NOFOLLOW);
         if (inner.get() >= 0)
-            list_folder(inner.get(), longer, names);
+            list_folder(inner.get(), stored, names);
         else if (errno != ENOENT && errno != ENOTDIR && errno != ELOOP)
             throw host_error::last();
     }

@@ -36,6 +36,8 @@ struct claimant {
     std::vector<stream_claim> claims; // one of its own comes first
 
     bool has_own() const { return !claims.empty() && claims.front().file == identity; }
+    /// The folder that it claims first; "" if it claims none.
+    std::string_view first() const { return claims.empty() ? std::string_view() : claims.front().id; }
 };
 
 /// Links are followed.

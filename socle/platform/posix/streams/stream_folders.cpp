@@ -5,7 +5,6 @@
 #include "socle/platform/posix/host/hex_id.h"
 
 #include <algorithm>
-#include <new>
 #include <sys/file.h>
 
 namespace platform::posix {
@@ -259,9 +258,7 @@ bool make_streams(held_place const & volume, host::at const & file, claimant con
     if (from.is_open()) {
         lock(from.folder.get(), LOCK_EX);
         claimant const now = claimant_at(file);
-        bool const same =
-            now.identity == owner.identity && !now.claims.empty() && now.claims.front().id == owner.claims.front().id;
-        if (!same)
+        if (now.identity != owner.identity || now.first() != owner.first())
             return false;
         copy_entries(from, owner.rights, from.folder.get(), made.descriptor(), deepest);
     }
@@ -327,13 +324,9 @@ host_error remove_streams(int store, narrow_string const & id, int folder) {
     host_error error;
     // Once more if something came in between: what stays would belong to nobody, until a sweep.
     for (int attempt = 0; attempt < 2; ++attempt) {
-        try {
-            host::lseek(folder, 0, SEEK_SET);
-            remove_entries(folder, deepest);
-            error = host_error::last_if(host::rmdir(at) != 0 && errno != ENOENT);
-        } catch (std::bad_alloc const &) {
-            error = host_error(ENOMEM);
-        }
+        host::lseek(folder, 0, SEEK_SET);
+        remove_entries(folder, deepest);
+        error = host_error::last_if(host::rmdir(at) != 0 && errno != ENOENT);
         if (!error)
             break;
     }
