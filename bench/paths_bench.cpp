@@ -49,7 +49,6 @@ bool stat_path(std::string const & path) {
         char names[256];
         return stat_path(path) && listxattr(path.c_str(), names, sizeof names) >= 0;
     });
-    add_path(attributes, "stat alone", stat_path);
     add_path(attributes, "socle, io::attributes", [](std::string const &) {
         io::attributes loaded;
         loaded.load(path(), io::attributes::no_sidecar);

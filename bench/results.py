@@ -12,8 +12,9 @@ TIE = 1.3
 UNKNOWN = "the cause is not known yet"
 HERE = os.path.dirname(os.path.abspath(__file__))
 # Peers that the distribution may lack, and how many rows they stand in otherwise.
-PEERS = {"protobuf": "integers and wz", "boost": "CRC and splitting", "absl": "splitting", "ICU": "UTF-8 and code pages",
-         "Qt": "UTF-8", "QDataStream": "integers", "Poco": "integers, wz and splitting", "kj": "single bytes"}
+PEERS = {"protobuf": "integers and wz", "boost": "CRC and splitting", "Boost.Iostreams": "files", "absl": "splitting",
+         "ICU": "UTF-8 and code pages", "Qt": "UTF-8", "QFile": "files", "QDataStream": "integers",
+         "Poco": "files, integers, wz and splitting", "kj": "single bytes"}
 
 
 def medians(path):
