@@ -56,7 +56,7 @@ carrier::volume::~volume() {
 carrier::carrier(narrow_string const & folder, carrying const & how, report & report)
     : how_(how), report_(report),
       top_(std::make_shared<target_folder>(top_folder(folder, how.dry), readable_path(folder))),
-      volume_(*top_, in_streams() && (!how.dry || top_->listed(".socle_streams") != nullptr)) {
+      volume_(*top_, in_streams() && (!how.dry || top_->listed(".socle_streams"))) {
     if (!how_.dry)
         work_.emplace(*top_, how_.form);
 }
@@ -98,8 +98,7 @@ void carrier::carry(file_record const & from, target_pointer const & folder, wid
 carrier::finding carrier::find(file_record const & from, target_folder & folder, wide_string const & leaf) {
     auto const name = platform::to_host(leaf);
     auto const typed = [&] { return folder.typed(leaf); };
-    auto const * const listed = folder.listed(name);
-    auto const there = listed ? *listed : folder.look(name);
+    auto const there = folder.look(name);
     if (there.kind == host::kind::nothing) {
         check_free(from, folder, leaf);
         return finding::free;
@@ -107,7 +106,7 @@ carrier::finding carrier::find(file_record const & from, target_folder & folder,
     if (there.kind != host::kind::file)
         fail("is not carried, as a folder or a link is there: " + typed());
     // A host may take two names for the same.
-    if (!folder.claim(there) && (!listed || there.names == 1))
+    if (!folder.claim(there) && (there.names == 1 || !folder.listed(name)))
         fail("is not carried, as this run has another file there: " + typed());
 
     // The host's date tells of changes that nobody has put down in a sidecar.

@@ -11,4 +11,11 @@ std::vector<found> folder::list() const {
     return result;
 }
 
+std::vector<narrow_string> folder::names() const {
+    std::vector<narrow_string> result;
+    each_name([&](narrow_string const & name) { result.push_back(name); });
+    std::sort(result.begin(), result.end());
+    return result;
+}
+
 } // namespace host

@@ -53,6 +53,8 @@ public:
     void each(std::function<void(narrow_string const &, host::status const &)> const & visit) const;
     /// The same as a list, sorted by name.
     std::vector<found> list() const;
+    /// The names alone, sorted.
+    std::vector<narrow_string> names() const;
     host::status status() const;
     host::status look(narrow_string const & name) const;
 
@@ -69,6 +71,7 @@ public:
 private:
     friend class lock;
     explicit folder(std::intptr_t number) : number_(number) {}
+    void each_name(std::function<void(narrow_string const &)> const & visit) const;
 
     std::intptr_t number_; // of the host's descriptor or handle; -1 for none
 };

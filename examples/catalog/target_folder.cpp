@@ -21,16 +21,13 @@ target_folder::target_folder(std::optional<host::folder> held, narrow_string con
     : held_(std::move(held)), typed_(typed) {
     if (!held_)
         return;
-    names_ = held_->list();
+    names_ = held_->names();
     path_ = platform::from_host(held_->path());
-    auto const is_fork = [](host::found const & each) { return is_like_fork(each.name); };
-    lists_forks_ = std::any_of(names_.begin(), names_.end(), is_fork);
+    lists_forks_ = std::any_of(names_.begin(), names_.end(), is_like_fork);
 }
 
-host::status const * target_folder::listed(narrow_string const & name) const {
-    auto const place = std::lower_bound(names_.begin(), names_.end(), name,
-                                        [](host::found const & each, auto const & n) { return each.name < n; });
-    return place != names_.end() && place->name == name ? &place->status : nullptr;
+bool target_folder::listed(narrow_string const & name) const {
+    return std::binary_search(names_.begin(), names_.end(), name);
 }
 
 host::status target_folder::look(narrow_string const & name) const {

@@ -17,8 +17,8 @@ public:
     std::optional<host::folder> const & held() const { return held_; }
     narrow_string const & typed() const { return typed_; }
 
-    /// What had the name, exactly so spelled; null for nothing.
-    host::status const * listed(narrow_string const & name) const;
+    /// Whether anything had the name, exactly so spelled.
+    bool listed(narrow_string const & name) const;
     /// What has the name now, in whatever spelling the host takes for the same.
     host::status look(narrow_string const & name) const;
 
@@ -36,7 +36,7 @@ public:
 private:
     std::optional<host::folder> held_;
     narrow_string typed_;
-    std::vector<host::found> names_;
+    std::vector<narrow_string> names_;
     bool lists_forks_ = false;
     wide_string path_;
     std::set<std::pair<uint64, uint64>> claimed_;

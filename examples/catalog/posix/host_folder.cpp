@@ -106,6 +106,16 @@ bool folder::remove(narrow_string const & name) const {
 }
 
 void folder::each(std::function<void(narrow_string const &, host::status const &)> const & visit) const {
+    each_name([&](narrow_string const & name) {
+        struct status known;
+        if (look_at(descriptor_of(number_), name.c_str(), known))
+            visit(name, known);
+        else if (errno != ENOENT)
+            fail("cannot be listed");
+    });
+}
+
+void folder::each_name(std::function<void(narrow_string const &)> const & visit) const {
     int const again = ::openat(descriptor_of(number_), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     DIR * const walk = again < 0 ? nullptr : ::fdopendir(again);
     if (walk == nullptr) {
@@ -121,13 +131,8 @@ void folder::each(std::function<void(narrow_string const &, host::status const &
     errno = 0;
     for (; dirent const * const entry = ::readdir(walk); errno = 0) {
         narrow_string const name = entry->d_name;
-        if (name == "." || name == "..")
-            continue;
-        struct status known;
-        if (look_at(descriptor_of(number_), entry->d_name, known))
-            visit(name, known);
-        else if (errno != ENOENT)
-            fail("cannot be listed");
+        if (name != "." && name != "..")
+            visit(name);
     }
     if (errno != 0)
         fail("cannot be listed");

@@ -187,6 +187,10 @@ void folder::each(std::function<void(narrow_string const &, host::status const &
         fail("cannot be listed");
 }
 
+void folder::each_name(std::function<void(narrow_string const &)> const & visit) const {
+    each([&](narrow_string const & name, host::status const &) { visit(name); });
+}
+
 status folder::status() const { return status_behind(handle_of(number_)); }
 
 status folder::look(narrow_string const & name) const {
