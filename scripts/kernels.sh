@@ -14,8 +14,8 @@ trap 'rm -rf "$scratch"' EXIT
 usual='
 byte-reads      50
 byte-writes     70
-integer-reads   44
-integer-writes  38
+integer-reads   39
+integer-writes  40
 integer-runs    7.7
 lines           19
 crc             12.4
