@@ -90,30 +90,6 @@ bool match_by_steps(any::string const & text, any::string const & pattern) {
     return true;
 }
 
-TEST(pattern_match, texts_and_patterns) {
-    wide_string const zero(1, u'\0');
-    struct row {
-        wide_string text, pattern;
-        bool fits;
-    };
-    for (auto const & [text, pattern, fits] : {
-             row{u"report.txt", u"", true},
-             row{u"", u"**", true},
-             row{u"abcd", u"*c", true},
-             row{u"ab", u"ab*b", true},
-             row{u"ab\xE9", u"ab*b", true},
-             row{u"ab" + zero, u"ab" + zero, true},
-             row{u"abc", u"ab" + zero, true},
-             row{u"\xD83D\xDE00x", u"9*x", true},
-             row{u"abc", u"a?c", false},
-             row{u"ab", u"b*", false},
-             row{u"\xE9" + zero + u"c", u"*c", false},
-             row{u"abc", u"a*" + zero + u"c", false},
-             row{u"\xD83D\xDE00x", u"*\xDE01", false},
-         })
-        EXPECT_EQ(any::string(text).pattern_match(pattern), fits) << testing::PrintToString(pattern);
-}
-
 TEST(pattern_match, leaves_the_patterns_bytes) {
     any::string const pattern(u"a*b");
     narrow_string const & bytes = pattern.str(true);
@@ -128,7 +104,8 @@ TEST(pattern_match, short_cuts_change_nothing) {
     for (char const * const locale : {"en_US", "ja_JP", "he_IL", "vi_VN", "zh_CN"}) {
         check_in_locale(locale, [] {
             // U+30BD and U+8868 end in the byte of "\" in Japanese; several of these no single page holds.
-            wide_string const units = u"ab.\\*\xE9\x416\x5D0\x1EA1\x30BD\x8868\x20AC\xD83D*";
+            wide_string units = u"ab.\\*\xE9\x416\x5D0\x1EA1\x30BD\x8868\x20AC\xD83D*9";
+            units += u'\0';
             std::mt19937 random(5);
             for (int i = 0; i < 4000; ++i) {
                 std::size_t const kinds = random() % 2 == 0 ? 5 : units.size();

@@ -96,12 +96,7 @@ TEST(blocks, totals_pass_thirty_two_bits) {
 }
 
 TEST(blocks, a_lying_source_is_not_believed) {
-    struct liar : nio::input {
-        uint32 read(char * buffer, uint32 count) override {
-            std::fill_n(buffer, count, 'l');
-            return all_ones & 0xFFFFFFFF;
-        }
-    } from;
+    support::lying_source from;
     support::recording_target to;
     EXPECT_EQ(nio::copy(from, to, 20, 8), 20u);
     EXPECT_EQ(to.data, std::string(20, 'l'));

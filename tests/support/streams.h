@@ -21,8 +21,6 @@ namespace support {
 /// Numbers in the machine's own order go through a stream in one block, those in the other byte by byte.
 constexpr bool big_machine = std::endian::native == std::endian::big;
 template <class Big, class Little>
-using in_blocks = std::conditional_t<big_machine, Big, Little>;
-template <class Big, class Little>
 using in_bytes = std::conditional_t<big_machine, Little, Big>;
 
 inline byte_vector bytes(std::string const & text) { return {text.begin(), text.end()}; }
