@@ -12,6 +12,26 @@ using namespace fuzz;
 
 narrow_string text_of(auto const & bytes) { return {bytes.begin(), bytes.end()}; }
 
+account * noted = nullptr;
+
+/// A caller's class that overrides how bytes are read, and notes each call.
+template <class Stream>
+class noting : public Stream {
+public:
+    using Stream::Stream;
+
+protected:
+    uint32 _read(char * buffer, uint32 count) override {
+        return noted->tell("  _read", count), Stream::_read(buffer, count);
+    }
+    int _read() override { return noted->tell("  _read"), Stream::_read(); }
+    uint64 _skip(uint64 count) override { return noted->tell("  _skip", count), Stream::_skip(count); }
+};
+template <class Stream>
+using noting_plain = noting<plain<Stream>>;
+using of_noting = kind<noting, std::type_identity_t>;
+using of_noting_plain = kind<noting_plain, plain>;
+
 /// The members of a series, each one read as it comes.
 template <class Multi, class Source>
 class series : public Multi {
@@ -45,9 +65,10 @@ template <class Kind>
 class sources {
 public:
     explicit sources(feed in) {
+        noted = &told;
         narrow_string const seed = in.text();
         // Sometimes more than the library moves in one block.
-        for (int times = in.byte() % 8 == 0 ? 300 : 1; times > 0; --times)
+        for (int times = in.byte() % 32 == 0 ? 300 : 1; times > 0; --times)
             bytes_ += seed;
         put_bottom(in);
         for (int steps = 0; steps < 200 && !in.empty(); ++steps)
@@ -75,7 +96,10 @@ private:
             chain_.put_bottom(std::make_unique<series<type<stream::multi_input>, source>>(
                 bytes_, some_bytes(in).substr(0, 9), m, told));
             break;
-        case 3: chain_.put_bottom(std::make_unique<told_source<type<stream::random::input>>>(bytes_, m, told)); break;
+        case 3:
+            chain_.put_bottom(
+                std::make_unique<told_source<typename Kind::template used<stream::random::input>>>(bytes_, m, told));
+            break;
         default: chain_.put_bottom(std::make_unique<source>(bytes_, m, told));
         }
     }
@@ -212,8 +236,7 @@ private:
             sink = std::make_unique<stream::infinite_output>();
         else
             sink = std::make_unique<told_sink>(failing, told);
-        type<stream::copier> const like(size);
-        auto copier = like;
+        typename Kind::template used<stream::copier> copier(size);
         told.result([&]() -> uint64 {
             switch (way) {
             case 0: return top().copy_to(*sink);
@@ -244,4 +267,6 @@ void fuzz::run(std::string_view input) {
     auto const library = sources<of_library>(feed(input)).told.text;
     check_same(library, sources<of_callers>(feed(input)).told.text, "library and derived");
     check_same(library, sources<of_plain>(feed(input)).told.text, "library and plain");
+    check_same(sources<of_noting>(feed(input)).told.text, sources<of_noting_plain>(feed(input)).told.text,
+               "overridden library and plain");
 }

@@ -99,21 +99,4 @@ TEST(buffered_input, copies_byte_by_byte_for_a_callers_class) {
     EXPECT_EQ(rest(in), "0123456");
 }
 
-TEST(buffered_input, gives_a_single_byte_back_through_the_block_form) {
-    struct upper_case : stream::buffered_input {
-        using buffered_input::buffered_input;
-        using buffered_input::unread;
-        void unread(char const * data, uint32 count) override {
-            std::string raised(data, count);
-            std::transform(raised.begin(), raised.end(), raised.begin(), [](char c) { return char(c - 32); });
-            buffered_input::unread(raised.data(), count);
-        }
-    };
-    fragment_source source({"bc"});
-    upper_case in(source, 4);
-    in.read();
-    in.unread('a');
-    EXPECT_EQ(rest(in), "Ac");
-}
-
 } // namespace

@@ -1,5 +1,3 @@
-#include "socle/stream/line_input.h"
-#include "socle/stream/vector_input.h"
 #include "socle/stream/xml_output.h"
 #include "tests/support/streams.h"
 
@@ -7,21 +5,7 @@
 
 namespace {
 
-using support::bytes;
 using support::recording_target;
-
-TEST(line_input, takes_each_byte_through_a_callers_class) {
-    struct counting : stream::line_input {
-        using line_input::line_input;
-        int _read() override { return ++reads, line_input::_read(); }
-        int reads = 0;
-    };
-    byte_vector const data = bytes("ab\n");
-    stream::vector_input memory(data);
-    counting in(memory);
-    EXPECT_EQ(in.read_line(), "ab");
-    EXPECT_EQ(in.reads, 3);
-}
 
 TEST(xml_output, writes_a_document) {
     recording_target target;
