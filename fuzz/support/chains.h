@@ -7,6 +7,7 @@
 #include "tests/support/memory_sources.h"
 #include "tests/support/raised.h"
 
+#include <concepts>
 #include <cstring>
 #include <memory>
 #include <stdexcept>
@@ -73,7 +74,7 @@ public:
 
 private:
     void add(narrow_string const & bytes) { text += bytes; }
-    void add(uint64 number) { text += std::to_string(number); }
+    void add(std::integral auto number) { text += std::to_string(static_cast<uint64>(number)); }
 };
 
 /// Ends the program where two accounts differ, and shows the place.

@@ -291,11 +291,13 @@ private:
 };
 
 template <>
-struct plain<stream::big_endian_output> : plain<stream::endian_output> {
+class plain<stream::big_endian_output> : public plain<stream::endian_output> {
+public:
     explicit plain(output & stream) : plain<stream::endian_output>(stream, true) {}
 };
 template <>
-struct plain<stream::little_endian_output> : plain<stream::endian_output> {
+class plain<stream::little_endian_output> : public plain<stream::endian_output> {
+public:
     explicit plain(output & stream) : plain<stream::endian_output>(stream, false) {}
 };
 

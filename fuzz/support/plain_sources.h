@@ -417,11 +417,13 @@ private:
 };
 
 template <>
-struct plain<stream::big_endian_input> : plain<stream::endian_input> {
+class plain<stream::big_endian_input> : public plain<stream::endian_input> {
+public:
     explicit plain(input & stream) : plain<stream::endian_input>(stream, true) {}
 };
 template <>
-struct plain<stream::little_endian_input> : plain<stream::endian_input> {
+class plain<stream::little_endian_input> : public plain<stream::endian_input> {
+public:
     explicit plain(input & stream) : plain<stream::endian_input>(stream, false) {}
 };
 
