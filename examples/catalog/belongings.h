@@ -43,6 +43,9 @@ struct refusals {
 refusals give_belongings(narrow_string const & from, status const & known, narrow_string const & to,
                          belongings const & wanted);
 
+/// Whether the user may make a file another's.
+bool may_give_owners();
+
 /// Permissions alone; false if the host refuses.
 bool give_mode(narrow_string const & path, uint32 mode);
 

@@ -41,8 +41,10 @@ void tell_losses(file_record const & from, file_record const & made, host::refus
             report.complain(from.path, words);
     if (!in_streams && has_streams(from))
         report.leave_out("files with other streams (--forks ntfs)");
-    if (!how.keep.owner && other_owner)
+    if (!how.keep.owner && other_owner && host::may_give_owners())
         report.leave_out("owners (--preserve=owner)");
+    else if (!how.keep.owner && other_owner)
+        report.leave_behind("owners, which only the superuser can give");
     if (!how.keep.acls && beside.acls)
         report.leave_out("ACLs (--preserve=acls)");
     if (!how.keep.attributes && beside.attributes)

@@ -5,6 +5,7 @@
 #include <socle/platform/host.h>
 
 #include <algorithm>
+#include <functional>
 #include <iostream>
 
 namespace {
@@ -57,8 +58,9 @@ void report::show(bool carrying, bool dry) const {
     std::cerr << "; " << counted(complaints, "complaint\n", "complaints\n");
     for (auto const & [kind, count] : complaints_)
         std::cerr << "catalog: " << count << " times: " << kind << '\n';
-    for (auto const & [kind, count] : left_out_)
-        std::cerr << "catalog: left out: " << count << ' ' << kind << '\n';
+    for (auto const & kinds : {std::cref(left_out_), std::cref(left_behind_)})
+        for (auto const & [kind, count] : kinds.get())
+            std::cerr << "catalog: left out: " << count << ' ' << kind << '\n';
     if (names_changed_ > 0)
         std::cerr << "catalog: names changed: " << names_changed_ << '\n';
 }

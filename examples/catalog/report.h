@@ -20,6 +20,8 @@ public:
     void complain(wide_string const & path, narrow_string const & words);
     /// Something of an entry was not carried, and nobody has asked for it.
     void leave_out(narrow_string const & kind);
+    /// The same of what nobody can expect of this run: it is counted, and no failure.
+    void leave_behind(narrow_string const & kind) { ++left_behind_[kind]; }
     /// A name that the target could not have.
     void change_name() { ++names_changed_; }
 
@@ -47,6 +49,6 @@ private:
     wide_string root_;
     bool quiet_;
     progress bar_;
-    std::map<narrow_string, uint64> complaints_, left_out_;
+    std::map<narrow_string, uint64> complaints_, left_out_, left_behind_;
     uint64 names_changed_ = 0;
 };

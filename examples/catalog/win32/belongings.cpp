@@ -22,6 +22,8 @@ refusals give_belongings(narrow_string const &, status const &, narrow_string co
     return result;
 }
 
+bool may_give_owners() { return false; }
+
 /// The one bit of a mode that there is goes with the attributes.
 bool give_mode(narrow_string const &, uint32) { return true; }
 
