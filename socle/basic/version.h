@@ -4,7 +4,7 @@
 #include "socle/basic/types.h"
 
 /// The version that a program is compiled with: 10000 * MAJOR + 100 * MINOR + PATCH.
-#define SOCLE_VERSION 100
+#define SOCLE_VERSION 200
 
 namespace basic {
 
